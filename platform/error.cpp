@@ -1,0 +1,59 @@
+#include "platform/error.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <utility>
+
+namespace kvdm {
+namespace {
+
+struct Description {
+  std::int32_t number;
+  std::string_view text;
+};
+
+constexpr std::array kDescriptions = {
+    Description{kInvalidCall, "Invalid procedure call or argument"},
+    Description{kOverflow, "Overflow"},
+    Description{kOutOfMemory, "Out of memory"},
+    Description{kSubscriptOutOfRange, "Subscript out of range"},
+    Description{kTypeMismatch, "Type mismatch"},
+    Description{kBadFileName, "Bad file name or number"},
+    Description{kFileNotFound, "File not found"},
+    Description{kFileExists, "File already exists"},
+    Description{kInputPastEnd, "Input past end of file"},
+    Description{kDeviceUnavailable, "Device unavailable"},
+    Description{kPermissionDenied, "Permission denied"},
+    Description{kPathFileAccess, "Path/File access error"},
+    Description{kPathNotFound, "Path not found"},
+    Description{kObjectNotSet, "Object variable or With block variable not set"},
+    Description{kInvalidUseOfNull, "Invalid use of Null"},
+    Description{kCannotCreateObject, "Component can't create object"},
+    Description{kMemberNotSupported, "Object doesn't support this property or method"},
+};
+
+}  // namespace
+
+RuntimeError::RuntimeError(std::int32_t number, std::string source)
+    : RuntimeError(number, std::move(source), std::string(DescriptionOf(number))) {}
+
+RuntimeError::RuntimeError(std::int32_t number, std::string source, const std::string& description,
+                           std::string unsent_message)
+    : std::runtime_error(description),
+      number_(number),
+      source_(std::move(source)),
+      unsent_message_(std::move(unsent_message)) {}
+
+std::string_view DescriptionOf(std::int32_t number) {
+  const auto* found = std::ranges::find(kDescriptions, number, &Description::number);
+  return found == kDescriptions.end() ? "Automation error" : found->text;
+}
+
+RuntimeError AsRuntimeError(const std::exception& error) {
+  if (const auto* known = dynamic_cast<const RuntimeError*>(&error)) return *known;
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return RuntimeError(kOutOfMemory);
+  return {kAutomationFailure, {}, error.what()};
+}
+
+}  // namespace kvdm

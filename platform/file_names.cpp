@@ -1,0 +1,197 @@
+#include "platform/file_names.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/utf8.h"
+
+namespace kvdm {
+namespace {
+
+constexpr std::string_view kSeparators = "\\/";
+constexpr std::string_view kRefusedCharacters = "<>:\"/\\|?*";
+constexpr std::size_t kLongestName = 255;
+
+bool IsSeparator(char c) { return kSeparators.find(c) != std::string_view::npos; }
+
+bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+bool StartsWithDrive(std::string_view path) {
+  return path.size() >= 2 && IsLetter(path[0]) && path[1] == ':';
+}
+
+// Only characters of one UTF-16 unit have another case here, and no letter beyond ASCII becomes an
+// ASCII one: a dotless "i" is not an "I".
+char32_t UpperCase(char32_t c) {
+  if (c > 0xFFFF) return c;
+  const auto upper = static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(c)));
+  const bool becomes_ascii = c >= 0x80 && upper < 0x80;
+  return becomes_ascii || upper > 0xFFFF ? c : upper;
+}
+
+// The characters of a name in upper case. Bytes that are not UTF-8 become values that no character
+// has.
+std::u32string Folded(std::string_view name) {
+  constexpr char32_t kInvalidByte = 0x110000;
+  std::u32string folded;
+  folded.reserve(name.size());
+  while (!name.empty()) {
+    const auto byte = static_cast<unsigned char>(name.front());
+    const CodePoint next = TakeCodePoint(name);
+    folded += next.valid ? UpperCase(next.value) : kInvalidByte + byte;
+  }
+  return folded;
+}
+
+std::vector<std::string> Names(std::string_view text) {
+  std::vector<std::string> names;
+  std::string_view last;
+  while (true) {
+    const std::size_t end = std::min(text.find_first_of(kSeparators), text.size());
+    last = text.substr(0, end);
+    if (!last.empty()) names.emplace_back(last);
+    if (end == text.size()) break;
+    text.remove_prefix(end + 1);
+  }
+  if (!last.empty() && last != ".." && TrimmedName(last).empty()) names.pop_back();
+  return names;
+}
+
+void AppendResolved(const std::vector<std::string>& names, std::vector<std::string>& resolved) {
+  for (const std::string& name : names) {
+    if (name == ".") continue;
+    if (name != "..") {
+      resolved.push_back(name);
+    } else if (!resolved.empty()) {
+      resolved.pop_back();
+    }
+  }
+}
+
+// Only the last `*` ever needs another try: each piece between two of them is matched as early as
+// possible, and an earlier match leaves no less for what follows.
+bool MatchesFolded(std::u32string_view name, std::u32string_view pattern) {
+  std::size_t n = 0;
+  std::size_t p = 0;
+  std::size_t after_star = std::u32string_view::npos;
+  std::size_t retry = 0;
+  while (n < name.size() || p < pattern.size()) {
+    const bool has_character = n < name.size();
+    const char32_t wanted = p < pattern.size() ? pattern[p] : U'\0';
+    if (wanted == U'*') {
+      after_star = ++p;
+      retry = n;
+    } else if (wanted == U'?') {
+      ++p;
+      if (has_character && name[n] != U'.') ++n;
+    } else if (p < pattern.size() && has_character && name[n] == wanted) {
+      ++p;
+      ++n;
+    } else if (after_star != std::u32string_view::npos && retry < name.size()) {
+      n = ++retry;
+      p = after_star;
+    } else {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+PathParts SplitPath(std::string_view path) {
+  const bool share = path.starts_with(R"(\\)");
+  if (share || path.find_first_not_of(' ') == std::string_view::npos) return {};
+  if (StartsWithDrive(path)) {
+    const char drive = static_cast<char>(path[0] & ~0x20);
+    path.remove_prefix(2);
+    const bool rooted = !path.empty() && IsSeparator(path[0]);
+    return {rooted ? PathStart::kDrive : PathStart::kDriveFolder, drive, Names(path)};
+  }
+  const bool rooted = IsSeparator(path[0]);
+  return {rooted ? PathStart::kCurrentDrive : PathStart::kCurrentFolder, 0, Names(path)};
+}
+
+std::string DrivePath::Text() const {
+  std::string text{drive, ':'};
+  for (const std::string& name : names) text += '\\' + name;
+  if (names.empty()) text += '\\';
+  return text;
+}
+
+std::optional<DrivePath> ResolvePath(const PathParts& parts, const DrivePath& current) {
+  if (parts.start == PathStart::kNowhere) return std::nullopt;
+  DrivePath resolved{parts.drive != 0 ? parts.drive : current.drive, {}};
+  const bool in_current_folder =
+      parts.start == PathStart::kCurrentFolder ||
+      (parts.start == PathStart::kDriveFolder && parts.drive == current.drive);
+  if (in_current_folder) resolved.names = current.names;
+  AppendResolved(parts.names, resolved.names);
+  return resolved;
+}
+
+SearchPattern SplitPattern(std::string_view pattern) {
+  const std::size_t separator = pattern.find_last_of(kSeparators);
+  std::size_t name = separator == std::string_view::npos ? 0 : separator + 1;
+  if (name == 0 && StartsWithDrive(pattern)) name = 2;
+  const std::string_view last = pattern.substr(name);
+  return {pattern.substr(0, name), last.empty() ? "*" : last};
+}
+
+bool IsCreatableName(std::string_view name) {
+  const bool refused = std::ranges::any_of(name, [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 ||
+           kRefusedCharacters.find(c) != std::string_view::npos;
+  });
+  return !refused && !name.empty() && IsValidUtf8(name) && Utf16Length(name) <= kLongestName;
+}
+
+std::string_view TrimmedName(std::string_view name) {
+  return name.substr(0, name.find_last_not_of(" .") + 1);
+}
+
+bool SameName(std::string_view a, std::string_view b) { return Folded(a) == Folded(b); }
+
+bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  const std::u32string folded_name = Folded(name);
+  std::u32string folded_pattern = Folded(pattern);
+  if (MatchesFolded(folded_name, folded_pattern)) return true;
+  if (!folded_pattern.ends_with(U".*")) return false;
+  folded_pattern.resize(folded_pattern.size() - 2);
+  return MatchesFolded(folded_name, folded_pattern);
+}
+
+std::optional<std::string> FindName(const std::vector<std::string>& names,
+                                    std::string_view wanted) {
+  const auto first = [&](auto same) -> std::optional<std::string> {
+    const auto found = std::ranges::find_if(names, same);
+    return found == names.end() ? std::nullopt : std::optional(*found);
+  };
+  if (auto exact = first([&](const std::string& name) { return name == wanted; })) return exact;
+  const std::u32string folded = Folded(wanted);
+  if (auto same = first([&](const std::string& name) { return Folded(name) == folded; })) {
+    return same;
+  }
+  const std::u32string trimmed = Folded(TrimmedName(wanted));
+  if (trimmed.empty()) return std::nullopt;  // Blanks and dots alone mean no other name.
+  return first([&](const std::string& name) { return Folded(TrimmedName(name)) == trimmed; });
+}
+
+void SortNames(std::vector<std::string>& names) {
+  std::vector<std::pair<std::u32string, std::string>> keyed;
+  keyed.reserve(names.size());
+  for (std::string& name : names) {
+    std::u32string key = Folded(name);
+    keyed.emplace_back(std::move(key), std::move(name));
+  }
+  std::ranges::sort(keyed);
+  std::ranges::transform(keyed, names.begin(), [](auto& pair) { return std::move(pair.second); });
+}
+
+RuntimeError PathError(std::int32_t number, std::string_view path) {
+  return {number, {}, std::string(DescriptionOf(number)) + ": " + std::string(path)};
+}
+
+}  // namespace kvdm

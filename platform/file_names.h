@@ -1,0 +1,80 @@
+// The rules for names and paths of files, as text. The file systems share them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/error.h"
+
+namespace kvdm {
+
+// Where a path starts.
+enum class PathStart {
+  kNowhere,        // "", blanks, a share
+  kDrive,          // D:\Data
+  kDriveFolder,    // D:Data, in the current folder of that drive
+  kCurrentDrive,   // \Data
+  kCurrentFolder,  // Data
+};
+
+// A path cut at its separators. "." and ".." are still among the names; a last name of nothing but
+// blanks and dots is not.
+struct PathParts {
+  PathStart start = PathStart::kNowhere;
+  char drive = 0;  // In upper case; 0 when the path names none.
+  std::vector<std::string> names;
+};
+[[nodiscard]] PathParts SplitPath(std::string_view path);
+
+// A folder or file on a drive, by the names that lead to it from the root.
+struct DrivePath {
+  char drive = 0;
+  std::vector<std::string> names;
+
+  // "D:\Data\North"; "D:\" for a root.
+  [[nodiscard]] std::string Text() const;
+};
+
+// The place that `parts` mean when `current` is the current folder. The current folder of every
+// other drive is its root. Nothing for a path that starts nowhere.
+[[nodiscard]] std::optional<DrivePath> ResolvePath(const PathParts& parts,
+                                                   const DrivePath& current);
+
+// A search pattern as the folder path in front and the name pattern; "*" when it has none.
+struct SearchPattern {
+  std::string_view folder;  // "" for the current folder.
+  std::string_view name;
+};
+[[nodiscard]] SearchPattern SplitPattern(std::string_view pattern);
+
+// Whether a file or folder may get this name: UTF-8 text of up to 255 UTF-16 units without control
+// characters and without < > : " / \ | ? *
+[[nodiscard]] bool IsCreatableName(std::string_view name);
+
+// `name` without trailing blanks and dots.
+[[nodiscard]] std::string_view TrimmedName(std::string_view name);
+
+// Whether two names or paths are equal without regard to letter case.
+[[nodiscard]] bool SameName(std::string_view a, std::string_view b);
+
+// Whether `name` matches `pattern` without regard to letter case: `*` stands for any characters,
+// `?` for one other than a dot, or for none before a dot and at the end, and ".*" at the end also
+// for nothing.
+[[nodiscard]] bool MatchesPattern(std::string_view name, std::string_view pattern);
+
+// The one of `names` that `wanted` means: the very name, else the first in another letter case,
+// else the first that is equal without trailing blanks and dots. A byte that is not UTF-8 equals
+// itself only.
+[[nodiscard]] std::optional<std::string> FindName(const std::vector<std::string>& names,
+                                                  std::string_view wanted);
+
+// Sorts names as a listing shows them: by letters without regard to case.
+void SortNames(std::vector<std::string>& names);
+
+// An error about a path: the number's classic description, then the path.
+[[nodiscard]] RuntimeError PathError(std::int32_t number, std::string_view path);
+
+}  // namespace kvdm

@@ -1,0 +1,83 @@
+// Folders and files, by paths in the component's own form.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvdm {
+
+// An open folder. What it does, it does in that very folder, wherever its path leads by then, and
+// it never follows a link: a link inside counts as an ordinary file.
+//
+// Hidden and system entries are not seen, nor are "." and "..".
+class Directory {
+ public:
+  virtual ~Directory() = default;
+
+  // The names of the files; read-only ones included.
+  virtual std::vector<std::string> Files() = 0;
+
+  // The names of everything that is seen: folders, and files that are still there.
+  virtual std::vector<std::string> Entries() = 0;
+
+  // Deletes the files that are not read-only. Run-time error 53 when there are none, 70 or 75 when
+  // one can't be deleted; those before it are then gone.
+  virtual void DeleteFiles() = 0;
+
+  // Opens a folder inside. Run-time error 76 when it is missing, 75 when it is no folder.
+  virtual std::unique_ptr<Directory> Open(std::string_view name) = 0;
+
+  // Removes an empty folder inside. Run-time error 76 when it is missing, 75 when it is not empty
+  // or no folder.
+  virtual void RemoveFolder(std::string_view name) = 0;
+};
+
+// Paths are UTF-8. `\` and `/` both separate; doubled separators count once; "." and ".." are
+// resolved by text and never lead above the root. A path starts with a drive ("D:\Data"), with one
+// separator (the root of the current drive) or, as a relative path, in the process's current
+// folder.
+//
+// An entry is found by its exact name, else without regard to letter case, else with trailing
+// blanks and dots cut off. It is created with the name as given; names with < > : " | ? * or a
+// control character are refused (52).
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  // Whether `path` names a folder. Never fails: False for "", a blank, a file, a missing drive.
+  virtual bool FolderExists(std::string_view path) = 0;
+
+  // Creates one folder. Run-time error 58 when a folder or file has the name, 76 when the parent is
+  // missing, 70 when the system refuses.
+  virtual void CreateFolder(std::string_view path) = 0;
+
+  // The full path of an existing folder, without a trailing separator unless it is a root. Run-time
+  // error 76 when it is missing.
+  virtual std::string FullPath(std::string_view path) = 0;
+
+  // Sets the hidden attribute of a folder. Run-time error 76 when it is missing.
+  virtual void HideFolder(std::string_view path) = 0;
+
+  // The drive of the system folder, such as "C:".
+  virtual std::string SystemDrive() = 0;
+
+  // The names of the files that match `pattern`, a folder path followed by a name in which `*` and
+  // `?` are wildcards; "name.*" matches "name" too. Read-only files count, hidden and system ones
+  // don't. Empty when the folder is missing.
+  virtual std::vector<std::string> FindFiles(std::string_view pattern) = 0;
+
+  // Opens a folder. Run-time error 76 when it is missing, 75 when it is no folder.
+  virtual std::unique_ptr<Directory> OpenFolder(std::string_view path) = 0;
+
+  // The bytes of a file; nothing when it is missing or can't be read.
+  virtual std::optional<std::string> ReadFile(std::string_view path) = 0;
+
+  // Replaces the file as a whole: after a failure the old content stands. Run-time error 76 when
+  // the folder is missing, 70 or 75 when the system refuses.
+  virtual void WriteFile(std::string_view path, std::string_view bytes) = 0;
+};
+
+}  // namespace kvdm

@@ -1,0 +1,78 @@
+#include "platform/portable/sidecar_metadata.h"
+
+#include <utility>
+
+#include "platform/error.h"
+#include "platform/portable/value_element.h"
+#include "platform/portable/value_set.h"
+
+namespace kvdm {
+namespace {
+
+constexpr std::string_view kRoot = "LAYERMETADATA";
+constexpr std::string_view kEntry = "ENTRY";
+constexpr std::string_view kPath = "PATH";
+
+}  // namespace
+
+SidecarMetadata::SidecarMetadata(std::shared_ptr<FileSystem> files,
+                                 std::shared_ptr<XmlParser> parser, std::string_view layer_file)
+    : files_(std::move(files)),
+      parser_(std::move(parser)),
+      path_(std::string(layer_file) + ".xml") {}
+
+std::shared_ptr<NamedValueSet> SidecarMetadata::ReadDocument() {
+  const auto bytes = files_->ReadFile(path_);
+  if (!bytes) throw RuntimeError(kFileNotFound, {}, "File not found: " + path_);
+  return Parsed(*bytes);
+}
+
+void SidecarMetadata::WriteDocument(const std::shared_ptr<NamedValueSet>& document) {
+  const NamedValueSet::Listing listing = Required(document).ListAll();
+  const auto root = xml::Element::Create(kRoot);
+  for (std::size_t i = 0; i < listing.names.size(); ++i) {
+    const auto entry = xml::Element::Create(kEntry);
+    entry->SetAttribute(kPath, listing.names[i]);
+    PutValue(*entry, listing.values[i]);
+    AppendLine(*root, entry);
+  }
+  const std::string text = DocumentText(root);
+  KeepForeignFile();
+  files_->WriteFile(path_, text);
+}
+
+std::shared_ptr<ValueSet> SidecarMetadata::Parsed(std::string_view bytes) const {
+  try {
+    auto document = std::make_shared<ValueSet>();
+    for (const auto& entry : LoadRoot(*parser_, bytes, kRoot)->Children(kEntry)) {
+      document->AddValue(TextAttribute(*entry, kPath), ValueIn(*entry));
+    }
+    return document;
+  } catch (const RuntimeError& error) {
+    throw RuntimeError(kAutomationFailure, {}, path_ + " can't be read: " + error.what());
+  }
+}
+
+bool SidecarMetadata::Exists(const std::string& path) const {
+  // A search does not see hidden files, and a file that can't be read can still be found.
+  return files_->ReadFile(path).has_value() || !files_->FindFiles(path).empty();
+}
+
+void SidecarMetadata::KeepForeignFile() const {
+  const auto bytes = files_->ReadFile(path_);
+  if (!bytes && !Exists(path_)) return;
+  if (!bytes) throw RuntimeError(kPermissionDenied, {}, "Permission denied: " + path_);
+  try {
+    static_cast<void>(Parsed(*bytes));
+  } catch (const RuntimeError&) {
+    KeepCopy(*bytes);
+  }
+}
+
+void SidecarMetadata::KeepCopy(std::string_view bytes) const {
+  std::string copy = path_ + ".bak";
+  for (int number = 1; Exists(copy); ++number) copy = path_ + ".bak" + std::to_string(number);
+  files_->WriteFile(copy, bytes);
+}
+
+}  // namespace kvdm

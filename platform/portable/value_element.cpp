@@ -1,0 +1,191 @@
+#include "platform/portable/value_element.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+
+#include "platform/error.h"
+#include "platform/xml/limits.h"
+#include "platform/xml/xml_text.h"
+
+namespace kvdm {
+namespace {
+
+constexpr std::string_view kType = "TYPE";
+constexpr std::string_view kValue = "VALUE";
+constexpr std::string_view kMore = "MORE";
+constexpr std::size_t kPieceBytes = 8'000'000;
+static_assert(kPieceBytes < xml::kMaxValueBytes);
+
+struct TypedText {
+  std::string_view type;
+  std::string text;
+};
+
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
+std::string Hex(std::string_view bytes) {
+  std::string hex;
+  hex.reserve(2 * bytes.size());
+  for (const char byte : bytes) {
+    hex += kHexDigits[static_cast<unsigned char>(byte) >> 4U];
+    hex += kHexDigits[static_cast<unsigned char>(byte) & 0x0FU];
+  }
+  return hex;
+}
+
+struct TypedTextVisitor {
+  TypedText operator()(Empty) const { return {"Empty", {}}; }
+  TypedText operator()(Null) const { return {"Null", {}}; }
+  TypedText operator()(bool boolean) const { return {"Boolean", boolean ? "True" : "False"}; }
+  TypedText operator()(std::int32_t number) const { return {"Long", std::to_string(number)}; }
+  TypedText operator()(double number) const {
+    // The shortest text that reads back as the same number.
+    std::array<char, 32> buffer{};
+    return {"Double", {buffer.begin(), std::to_chars(buffer.begin(), buffer.end(), number).ptr}};
+  }
+  TypedText operator()(const DateTime& time) const {
+    std::array<char, 96> buffer{};
+    const int length =
+        std::snprintf(buffer.data(), buffer.size(), "%04d-%02d-%02dT%02d:%02d:%02d", time.year,
+                      time.month, time.day, time.hour, time.minute, time.second);
+    return {"Date", {buffer.data(), static_cast<std::size_t>(length)}};
+  }
+  TypedText operator()(const std::string& text) const {
+    if (xml::Sanitized(text) != text) return {"Bytes", Hex(text)};
+    return {"Text", text};
+  }
+};
+
+[[noreturn]] void Refuse(const TypedText& value) {
+  constexpr std::size_t kShownBytes = 80;
+  throw RuntimeError(kTypeMismatch, {},
+                     "no value of the type \"" + std::string(value.type) + "\": \"" +
+                         value.text.substr(0, kShownBytes) + "\"");
+}
+
+template <class Number>
+Number NumberIn(const TypedText& value) {
+  Number number{};
+  const char* end = value.text.data() + value.text.size();
+  const auto [rest, error] = std::from_chars(value.text.data(), end, number);
+  if (error != std::errc() || rest != end) Refuse(value);
+  return number;
+}
+
+DateTime DateIn(const TypedText& value) {
+  constexpr std::string_view kSeparators = "--T::";
+  DateTime time;
+  const std::array fields = {&time.year, &time.month,  &time.day,
+                             &time.hour, &time.minute, &time.second};
+  const char* next = value.text.data();
+  const char* const end = next + value.text.size();
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (i > 0 && (next == end || *next++ != kSeparators[i - 1])) Refuse(value);
+    const auto [rest, error] = std::from_chars(next, end, *fields[i]);
+    if (error != std::errc()) Refuse(value);
+    next = rest;
+  }
+  if (next != end) Refuse(value);
+  return time;
+}
+
+bool BooleanIn(const TypedText& value) {
+  if (value.text != "True" && value.text != "False") Refuse(value);
+  return value.text == "True";
+}
+
+std::string BytesIn(const TypedText& value) {
+  const std::string& hex = value.text;
+  if (hex.size() % 2 != 0 || hex.find_first_not_of(kHexDigits) != std::string::npos) Refuse(value);
+  std::string bytes;
+  bytes.reserve(hex.size() / 2);
+  for (std::size_t i = 0; i < hex.size(); i += 2) {
+    bytes += static_cast<char>(kHexDigits.find(hex[i]) << 4U | kHexDigits.find(hex[i + 1]));
+  }
+  return bytes;
+}
+
+Value Parsed(const TypedText& value) {
+  if (value.type == "Text") return value.text;
+  if (value.type == "Bytes") return BytesIn(value);
+  if (value.type == "Boolean") return BooleanIn(value);
+  if (value.type == "Long") return NumberIn<std::int32_t>(value);
+  if (value.type == "Double") return NumberIn<double>(value);
+  if (value.type == "Date") return DateIn(value);
+  if (value.type == "Null") return Null{};
+  if (value.type == "Empty") return {};
+  Refuse(value);
+}
+
+// Takes off `rest` as much as one attribute holds, never part of a character.
+std::string_view TakePiece(std::string_view& rest) {
+  std::size_t length = std::min(rest.size(), kPieceBytes);
+  while (length < rest.size() && (static_cast<unsigned char>(rest[length]) & 0xC0U) == 0x80U) {
+    --length;
+  }
+  const std::string_view piece = rest.substr(0, length);
+  rest.remove_prefix(length);
+  return piece;
+}
+
+}  // namespace
+
+void PutValue(xml::Element& element, const Value& value) {
+  const TypedText typed = std::visit(TypedTextVisitor{}, value.storage());
+  element.SetAttribute(kType, typed.type);
+  std::string_view rest = typed.text;
+  element.SetAttribute(kValue, TakePiece(rest));
+  while (!rest.empty()) {
+    const auto more = xml::Element::Create(kMore);
+    more->SetAttribute(kValue, TakePiece(rest));
+    element.Append(more);
+  }
+}
+
+Value ValueIn(const xml::Element& element) {
+  const std::string type = TextAttribute(element, kType);
+  std::string text = TextAttribute(element, kValue);
+  for (const auto& more : element.Children(kMore)) text += TextAttribute(*more, kValue);
+  return Parsed({type, std::move(text)});
+}
+
+std::string TextAttribute(const xml::Element& element, std::string_view name) {
+  const Value value = element.GetAttribute(name);
+  if (value.IsNull()) {
+    throw RuntimeError(kTypeMismatch, {},
+                       element.Tag() + " without the attribute " + std::string(name));
+  }
+  return ToText(value);
+}
+
+void AppendLine(xml::Element& root, const std::shared_ptr<xml::Element>& child) {
+  if (!root.FirstChild()) root.Append(xml::CreateText("\n"));
+  root.Append(child);
+  root.Append(xml::CreateText("\n"));
+}
+
+std::string DocumentText(const std::shared_ptr<xml::Element>& root) {
+  xml::Document document;
+  document.AddDeclaration();
+  document.SetDocumentElement(root);
+  return document.Xml();
+}
+
+std::shared_ptr<xml::Element> LoadRoot(XmlParser& parser, std::string_view bytes,
+                                       std::string_view tag) {
+  xml::Document document;
+  if (!document.Load(parser, bytes)) {
+    throw RuntimeError(kAutomationFailure, {}, "not a well-formed XML document");
+  }
+  auto root = document.DocumentElement();
+  if (root->Tag() != tag) {
+    throw RuntimeError(
+        kAutomationFailure, {},
+        "a document of another kind: its root is " + root->Tag() + ", not " + std::string(tag));
+  }
+  return root;
+}
+
+}  // namespace kvdm

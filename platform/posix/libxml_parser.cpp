@@ -1,0 +1,198 @@
+#include "platform/posix/libxml_parser.h"
+
+#include <libxml/parser.h>
+#include <libxml/xmlerror.h>
+
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "platform/posix/attribute_scan.h"
+#include "platform/posix/xml_decoding.h"
+#include "platform/utf8.h"
+#include "platform/xml/limits.h"
+
+namespace kvdm {
+namespace {
+
+struct FreeContext {
+  void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
+};
+using Context = std::unique_ptr<xmlParserCtxt, FreeContext>;
+
+std::string_view View(const xmlChar* text) {
+  return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
+}
+
+std::string_view View(const xmlChar* text, int length) {
+  return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(length)};
+}
+
+std::string QualifiedName(std::string_view prefix, std::string_view local) {
+  std::string name(prefix);
+  if (!prefix.empty()) name += ':';
+  return name += local;
+}
+
+// Attribute values come with every ampersand as a reference, and with no other references.
+std::string AttributeText(std::string_view value) {
+  constexpr std::string_view kAmpersand = "&#38;";
+  std::string text;
+  text.reserve(value.size());
+  while (true) {
+    const auto found = value.find(kAmpersand);
+    text += value.substr(0, found);
+    if (found == std::string_view::npos) return text;
+    text += '&';
+    value.remove_prefix(found + kAmpersand.size());
+  }
+}
+
+// One parse: passes the library's callbacks on to the handler. The first failure ends it.
+class Run {
+ public:
+  Run(xmlParserCtxtPtr context, XmlHandler& handler) : context_(context), handler_(handler) {
+    *context->sax = Callbacks();
+    context->userData = this;
+  }
+
+  bool Parse(std::string_view text) {
+    xmlCtxtReadMemory(context_, text.data(), static_cast<int>(text.size()), nullptr, nullptr,
+                      XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC);
+    if (thrown_) std::rethrow_exception(thrown_);
+    return context_->wellFormed != 0 && !failed_;
+  }
+
+ private:
+  static xmlSAXHandler Callbacks();
+
+  static Run& Of(void* user_data) { return *static_cast<Run*>(user_data); }
+
+  // No exception may cross the library's frames.
+  template <class Body>
+  void Pass(const Body& body) {
+    if (failed_) return;
+    try {
+      failed_ = !body();
+    } catch (...) {
+      failed_ = true;
+      thrown_ = std::current_exception();
+    }
+    if (failed_) xmlStopParser(context_);
+  }
+
+  static void OnStartElement(void* user_data, const xmlChar* local, const xmlChar* prefix,
+                             const xmlChar* /*uri*/, int namespace_count,
+                             const xmlChar** namespaces, int attribute_count,
+                             int /*defaulted_count*/, const xmlChar** attributes);
+  static void OnEndElement(void* user_data, const xmlChar* /*local*/, const xmlChar* /*prefix*/,
+                           const xmlChar* /*uri*/);
+  static void OnCharacters(void* user_data, const xmlChar* text, int length);
+  static void OnComment(void* user_data, const xmlChar* text);
+  static void OnInstruction(void* user_data, const xmlChar* target, const xmlChar* data);
+  static void OnDocumentType(void* user_data, const xmlChar* /*name*/,
+                             const xmlChar* /*external_id*/, const xmlChar* /*system_id*/);
+  static void OnError(void* user_data, xmlErrorPtr error);
+
+  xmlParserCtxtPtr context_;
+  XmlHandler& handler_;
+  std::size_t depth_ = 0;
+  bool failed_ = false;
+  std::exception_ptr thrown_;
+};
+
+xmlSAXHandler Run::Callbacks() {
+  xmlSAXHandler callbacks{};
+  callbacks.initialized = XML_SAX2_MAGIC;
+  callbacks.startElementNs = OnStartElement;
+  callbacks.endElementNs = OnEndElement;
+  callbacks.characters = OnCharacters;
+  callbacks.ignorableWhitespace = OnCharacters;
+  callbacks.cdataBlock = OnCharacters;
+  callbacks.comment = OnComment;
+  callbacks.processingInstruction = OnInstruction;
+  callbacks.internalSubset = OnDocumentType;
+  callbacks.serror = OnError;
+  return callbacks;
+}
+
+void Run::OnStartElement(void* user_data, const xmlChar* local, const xmlChar* prefix,
+                         const xmlChar* /*uri*/, int namespace_count, const xmlChar** namespaces,
+                         int attribute_count, int /*defaulted_count*/, const xmlChar** attributes) {
+  Run& run = Of(user_data);
+  run.Pass([&] {
+    if (++run.depth_ > xml::kMaxDepth) return false;
+    XmlHandler::Attributes list;
+    for (int i = 0; i < namespace_count; ++i, namespaces += 2) {
+      std::string name =
+          namespaces[0] == nullptr ? "xmlns" : QualifiedName("xmlns", View(namespaces[0]));
+      list.emplace_back(std::move(name), AttributeText(View(namespaces[1])));
+    }
+    // Each attribute is its local name, prefix, namespace, and the start and end of its value.
+    for (int i = 0; i < attribute_count; ++i, attributes += 5) {
+      const auto length = static_cast<int>(attributes[4] - attributes[3]);
+      list.emplace_back(QualifiedName(View(attributes[1]), View(attributes[0])),
+                        AttributeText(View(attributes[3], length)));
+    }
+    return run.handler_.StartElement(QualifiedName(View(prefix), View(local)), std::move(list));
+  });
+}
+
+void Run::OnEndElement(void* user_data, const xmlChar* /*local*/, const xmlChar* /*prefix*/,
+                       const xmlChar* /*uri*/) {
+  Run& run = Of(user_data);
+  --run.depth_;
+  run.Pass([&] { return run.handler_.EndElement(); });
+}
+
+void Run::OnCharacters(void* user_data, const xmlChar* text, int length) {
+  Run& run = Of(user_data);
+  run.Pass([&] { return run.handler_.Characters(View(text, length)); });
+}
+
+void Run::OnComment(void* user_data, const xmlChar* text) {
+  Run& run = Of(user_data);
+  run.Pass([&] { return run.handler_.Comment(View(text)); });
+}
+
+void Run::OnInstruction(void* user_data, const xmlChar* target, const xmlChar* data) {
+  Run& run = Of(user_data);
+  run.Pass([&] { return run.handler_.Instruction(View(target), View(data)); });
+}
+
+void Run::OnDocumentType(void* user_data, const xmlChar* /*name*/, const xmlChar* /*external_id*/,
+                         const xmlChar* /*system_id*/) {
+  Of(user_data).Pass([] { return false; });
+}
+
+// Ends the parse without freeing the input, which the library may still be reading here.
+void Run::OnError(void* user_data, xmlErrorPtr error) {
+  if (error->level < XML_ERR_ERROR || error->code == XML_WAR_NS_URI) return;
+  Run& run = Of(user_data);
+  run.failed_ = true;
+  run.context_->instate = XML_PARSER_EOF;
+  run.context_->disableSAX = 1;
+}
+
+bool ParseUtf8(std::string_view text, XmlHandler& handler) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  const bool is_text = text.size() <= xml::kMaxInputBytes && !text.starts_with(kMark) &&
+                       text.find('\0') == std::string_view::npos && IsValidUtf8(text);
+  if (!is_text || !HasAttributesWithin(text, xml::kMaxAttributes)) return false;
+  const Context context(xmlNewParserCtxt());
+  if (!context) throw std::bad_alloc();
+  return Run(context.get(), handler).Parse(text);
+}
+
+}  // namespace
+
+bool LibxmlParser::Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) {
+  if (text.size() > xml::kMaxInputBytes) return false;
+  if (encoding == XmlEncoding::kUtf8) return ParseUtf8(WithoutByteOrderMark(text), handler);
+  const auto decoded = DecodedXml(text);
+  return decoded && ParseUtf8(*decoded, handler);
+}
+
+}  // namespace kvdm

@@ -1,0 +1,56 @@
+#include "platform/posix/posix_error.h"
+
+#include <cerrno>
+#include <string>
+
+#include "platform/file_names.h"
+
+namespace kvdm {
+namespace {
+
+std::int32_t NumberOf(int error) {
+  switch (error) {
+    case ENOENT:
+    case ELOOP:
+      return kPathNotFound;
+    case ENAMETOOLONG:
+      return kBadFileName;
+    case EEXIST:
+      return kFileExists;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case ETXTBSY:
+    case EAGAIN:
+      return kPermissionDenied;
+    case ENOTDIR:
+    case EISDIR:
+    case ENOTEMPTY:
+    case EBUSY:
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+    case EMFILE:
+    case ENFILE:
+      return kPathFileAccess;
+    case ENXIO:
+    case ENODEV:
+      return kDeviceUnavailable;
+    case ENOMEM:
+      return kOutOfMemory;
+    default:
+      return kAutomationFailure;
+  }
+}
+
+}  // namespace
+
+void ThrowSystemError(int error) { throw std::system_error(error, std::generic_category()); }
+
+RuntimeError PosixError(int error, std::string_view path) {
+  const std::int32_t number = NumberOf(error);
+  if (number != kAutomationFailure) return PathError(number, path);
+  return {number, {}, std::string(path) + ": " + std::generic_category().message(error)};
+}
+
+}  // namespace kvdm

@@ -1,0 +1,136 @@
+#include "platform/posix/posix_file_system.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include "platform/file_attributes.h"
+#include "platform/file_names.h"
+#include "platform/posix/dos_attributes.h"
+#include "platform/posix/folder_entries.h"
+#include "platform/posix/posix_directory.h"
+#include "platform/posix/posix_error.h"
+#include "platform/posix/replace_file.h"
+
+namespace kvdm {
+namespace {
+
+FileDescriptor Readable(const FileDescriptor& folder) {
+  return OpenAt(folder.get(), ".", O_RDONLY | O_DIRECTORY);
+}
+
+std::string ReadAll(int file) {
+  std::string content;
+  std::array<char, 65536> buffer;
+  while (true) {
+    const ssize_t size = ::read(file, buffer.data(), buffer.size());
+    if (size == 0) return content;
+    if (size < 0 && errno != EINTR) ThrowSystemError(errno);
+    if (size > 0) content.append(buffer.data(), static_cast<std::size_t>(size));
+  }
+}
+
+// A pipe without a writer must not block, hence O_NONBLOCK.
+std::optional<std::string> ReadRegularFile(int folder, const std::string& name) {
+  const FileDescriptor file = OpenAt(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  return ReadAll(file.get());
+}
+
+void RequireReplaceable(const EntryFacts& old, std::string_view path) {
+  if (!old.is_regular_file && !old.is_link) throw PathError(kPathFileAccess, path);
+  if (old.is_read_only) throw PathError(kPermissionDenied, path);
+}
+
+}  // namespace
+
+PosixFileSystem::PosixFileSystem(const PosixFileOptions& options) : paths_(options) {}
+
+bool PosixFileSystem::FolderExists(std::string_view path) {
+  try {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    return paths_.Open(resolved, ENOTDIR).get() >= 0;
+  } catch (const std::system_error&) {
+    return false;  // What can't be reached is not there for the caller.
+  }
+}
+
+void PosixFileSystem::CreateFolder(std::string_view path) {
+  TranslatingErrors(path, [&] {
+    const PosixPlace place = paths_.PlaceOf(path, EEXIST);
+    if (place.entry) throw PathError(kFileExists, path);
+    if (!IsCreatableName(place.name)) throw PathError(kBadFileName, path);
+    if (::mkdirat(place.folder.get(), place.name.c_str(), 0777) != 0) ThrowSystemError(errno);
+  });
+}
+
+std::string PosixFileSystem::FullPath(std::string_view path) {
+  return TranslatingErrors(path, [&] {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    [[maybe_unused]] const FileDescriptor folder = paths_.Open(resolved, ENOENT);
+    return resolved.Text();
+  });
+}
+
+void PosixFileSystem::HideFolder(std::string_view path) {
+  TranslatingErrors(path, [&] {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = Readable(paths_.Open(resolved, ENOENT));
+    const unsigned attributes = ReadDosAttributes(folder.get());
+    WriteDosAttributes(folder.get(), attributes | kHiddenAttribute | kFolderAttribute);
+  });
+}
+
+std::string PosixFileSystem::SystemDrive() { return "C:"; }
+
+std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
+  const SearchPattern search = SplitPattern(pattern);
+  const std::string_view path = search.folder.empty() ? "." : search.folder;
+  if (!FolderExists(path)) return {};
+  return TranslatingErrors(path, [&] {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = paths_.Open(resolved, ENOENT);
+    std::vector<std::string> names = EntryNames(folder.get());
+    std::erase_if(names, [&](const std::string& name) {
+      if (!MatchesPattern(name, search.name)) return true;
+      const auto facts = ExamineEntry(folder.get(), name);
+      return !facts || facts->is_folder || !facts->is_seen;
+    });
+    return names;
+  });
+}
+
+std::unique_ptr<Directory> PosixFileSystem::OpenFolder(std::string_view path) {
+  return TranslatingErrors(path, [&] {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = paths_.Open(resolved, ENOTDIR);
+    return std::make_unique<PosixDirectory>(Readable(folder), resolved.Text());
+  });
+}
+
+std::optional<std::string> PosixFileSystem::ReadFile(std::string_view path) {
+  try {
+    const PosixPlace place = paths_.PlaceOf(path, EISDIR);
+    if (!place.entry) return std::nullopt;
+    return ReadRegularFile(place.folder.get(), *place.entry);
+  } catch (const std::system_error&) {
+    return std::nullopt;  // Missing or unreadable, which is one answer here.
+  }
+}
+
+void PosixFileSystem::WriteFile(std::string_view path, std::string_view bytes) {
+  TranslatingErrors(path, [&] {
+    const PosixPlace place = paths_.PlaceOf(path, EISDIR);
+    if (!place.entry && !IsCreatableName(place.name)) throw PathError(kBadFileName, path);
+    const std::string name = place.entry.value_or(place.name);
+    const auto old = ExamineEntry(place.folder.get(), name);
+    if (old) RequireReplaceable(*old, path);
+    ReplaceFile(place.folder.get(), name, bytes, old);
+  });
+}
+
+}  // namespace kvdm

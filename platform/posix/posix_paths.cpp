@@ -1,0 +1,87 @@
+#include "platform/posix/posix_paths.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/posix/folder_entries.h"
+#include "platform/posix/posix_error.h"
+#include "platform/posix/user_folders.h"
+
+namespace kvdm {
+namespace {
+
+constexpr char kSystemDrive = 'C';
+constexpr char kRootDrive = 'Z';
+
+// Names of the system may hold a backslash, so they are taken one by one.
+DrivePath CurrentFolder() {
+  DrivePath current{kRootDrive, {}};
+  for (const auto& name : std::filesystem::current_path().relative_path()) {
+    current.names.push_back(name.string());
+  }
+  return current;
+}
+
+bool IsFolder(int parent, const std::string& name) {
+  struct stat status {};
+  return ::fstatat(parent, name.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+PosixPaths::PosixPaths(const PosixFileOptions& options) : drives_(options.drives) {
+  drives_.try_emplace(kSystemDrive, UserDataFolder() + "/kvdm/drive_c");
+  drives_[kRootDrive] = "/";
+}
+
+DrivePath PosixPaths::Resolve(std::string_view path) {
+  const PathParts parts = SplitPath(path);
+  const bool relative = parts.start == PathStart::kCurrentFolder ||
+                        (parts.start == PathStart::kDriveFolder && parts.drive == kRootDrive);
+  auto resolved = ResolvePath(parts, relative ? CurrentFolder() : DrivePath{kRootDrive, {}});
+  if (!resolved) ThrowSystemError(ENOENT);
+  return *std::move(resolved);
+}
+
+FileDescriptor PosixPaths::Open(DrivePath& path, int no_folder) const {
+  FileDescriptor folder = OpenRoot(path.drive);
+  for (std::string& name : path.names) {
+    auto entry = FindEntry(folder.get(), name);
+    if (!entry) ThrowSystemError(ENOENT);
+    name = *std::move(entry);
+    const bool last = &name == &path.names.back();
+    if (!IsFolder(folder.get(), name)) ThrowSystemError(last ? no_folder : ENOENT);
+    folder = OpenAt(folder.get(), name, O_PATH | O_DIRECTORY);
+  }
+  return folder;
+}
+
+PosixPlace PosixPaths::PlaceOf(std::string_view path, int root_error) const {
+  DrivePath resolved = Resolve(path);
+  if (resolved.names.empty()) {
+    [[maybe_unused]] const FileDescriptor root = OpenRoot(resolved.drive);
+    ThrowSystemError(root_error);
+  }
+  const std::string name = std::move(resolved.names.back());
+  resolved.names.pop_back();
+  FileDescriptor folder = Open(resolved, ENOENT);
+  auto entry = FindEntry(folder.get(), name);
+  return {std::move(folder), name, std::move(entry)};
+}
+
+FileDescriptor PosixPaths::OpenRoot(char drive) const {
+  const auto found = drives_.find(drive);
+  if (found == drives_.end()) ThrowSystemError(ENOENT);
+  if (drive == kSystemDrive) {
+    std::error_code ignored;  // Opening it says what is wrong.
+    std::filesystem::create_directories(found->second, ignored);
+  }
+  return OpenAt(AT_FDCWD, found->second, O_PATH | O_DIRECTORY);
+}
+
+}  // namespace kvdm

@@ -1,0 +1,89 @@
+#include "platform/xml/xml_text.h"
+
+#include <algorithm>
+#include <span>
+
+#include "platform/error.h"
+#include "platform/utf8.h"
+#include "platform/xml/limits.h"
+
+namespace kvdm::xml {
+namespace {
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+constexpr Range kNameStarts[] = {
+    {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
+    {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+    {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+    {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF},
+};
+
+// What a name may hold after its first character, besides the above.
+constexpr Range kNameTails[] = {
+    {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
+};
+
+bool IsIn(std::span<const Range> ranges, char32_t character) {
+  return std::ranges::any_of(ranges, [character](const Range& range) {
+    return range.first <= character && character <= range.last;
+  });
+}
+
+bool IsXmlCharacter(char32_t character) {
+  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+  return character != 0xFFFE && character != 0xFFFF;
+}
+
+bool IsPrintableAscii(char character) { return character >= 0x20; }
+
+}  // namespace
+
+std::string Sanitized(std::string_view text) {
+  std::string clean;
+  clean.reserve(text.size());
+  while (!text.empty()) {
+    const auto special = std::ranges::find_if_not(text, IsPrintableAscii);
+    clean.append(text.begin(), special);
+    text.remove_prefix(special - text.begin());
+    if (text.empty()) break;
+    const char32_t character = TakeCodePoint(text).value;
+    AppendUtf8(IsXmlCharacter(character) ? character : kReplacementCharacter, clean);
+  }
+  return clean;
+}
+
+// What is too long at first is not copied: it only gets longer.
+std::string SanitizedValue(std::string_view text) {
+  if (text.size() > kMaxValueBytes) throw RuntimeError(kOutOfMemory);
+  std::string clean = Sanitized(text);
+  if (clean.size() > kMaxValueBytes) throw RuntimeError(kOutOfMemory);
+  return clean;
+}
+
+bool IsName(std::string_view name) {
+  if (name.empty() || !IsIn(kNameStarts, TakeCodePoint(name).value)) return false;
+  while (!name.empty()) {
+    const char32_t character = TakeCodePoint(name).value;
+    if (!IsIn(kNameStarts, character) && !IsIn(kNameTails, character)) return false;
+  }
+  return true;
+}
+
+bool IsPlainName(std::string_view name) {
+  return IsName(name) && name.find(':') == std::string_view::npos;
+}
+
+bool IsNamespaceDeclaration(std::string_view name) {
+  return name == "xmlns" || PrefixOf(name) == "xmlns";
+}
+
+std::string_view PrefixOf(std::string_view name) {
+  const auto colon = name.find(':');
+  return colon == std::string_view::npos ? std::string_view() : name.substr(0, colon);
+}
+
+}  // namespace kvdm::xml

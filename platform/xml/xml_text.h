@@ -1,0 +1,27 @@
+// Which texts and names XML can hold.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kvdm::xml {
+
+// `text` with U+FFFD for every character that XML forbids and every byte that is not UTF-8.
+std::string Sanitized(std::string_view text);
+
+// The same for an attribute value or a text. Run-time error 7 when it is longer than those may be.
+std::string SanitizedValue(std::string_view text);
+
+// Whether `name` is an XML name; it may have a prefix.
+[[nodiscard]] bool IsName(std::string_view name);
+
+// Whether `name` is an XML name without a prefix.
+[[nodiscard]] bool IsPlainName(std::string_view name);
+
+// Whether an attribute with this name declares a name prefix or the default namespace.
+[[nodiscard]] bool IsNamespaceDeclaration(std::string_view name);
+
+// The part of a name before its colon; "" without one.
+[[nodiscard]] std::string_view PrefixOf(std::string_view name);
+
+}  // namespace kvdm::xml

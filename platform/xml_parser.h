@@ -1,0 +1,42 @@
+// A conforming XML parser behind a small interface: it reports what it reads, in order.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kvdm {
+
+// Receives the pieces of a document. Names are as written, prefixes included; line ends are LF;
+// references are resolved. An operation that returns false, or throws, ends the parse as failed.
+class XmlHandler {
+ public:
+  using Attributes = std::vector<std::pair<std::string, std::string>>;
+
+  virtual ~XmlHandler() = default;
+  virtual bool StartElement(std::string_view tag, Attributes attributes) = 0;
+  virtual bool EndElement() = 0;
+  // A run of character data inside an element; adjacent runs belong together.
+  virtual bool Characters(std::string_view text) = 0;
+  virtual bool Comment(std::string_view text) = 0;
+  virtual bool Instruction(std::string_view target, std::string_view data) = 0;
+};
+
+// What the encoding of a text is taken from.
+enum class XmlEncoding {
+  kUtf8,        // it is UTF-8, whatever its declaration says
+  kAsDeclared,  // its byte order mark, else its declaration, else UTF-8
+};
+
+class XmlParser {
+ public:
+  virtual ~XmlParser() = default;
+
+  // Reads one whole document. False when it is not well-formed or has a document type declaration:
+  // then the handler may have received part of it. No entity is expanded and nothing else is
+  // opened, ever.
+  virtual bool Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) = 0;
+};
+
+}  // namespace kvdm

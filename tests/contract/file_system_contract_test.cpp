@@ -1,0 +1,451 @@
+// What every file system does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "platform/error.h"
+#include "tests/contract/file_worlds.h"
+
+namespace kvdm {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Optional;
+using ::testing::StartsWith;
+
+// The number of the run-time error that `act` ends in; 0 for none.
+int ErrorOf(const std::function<void()>& act) {
+  try {
+    act();
+    return 0;
+  } catch (const RuntimeError& error) {
+    return error.number();
+  }
+}
+
+// A world with the empty folder D:\Data.
+class FileSystemContract : public ::testing::TestWithParam<FileWorldMaker> {
+ protected:
+  FileSystemContract() { files_.CreateFolder(R"(D:\Data)"); }
+
+  void Put(const std::string& path, const std::string& content = {}) {
+    files_.WriteFile(path, content);
+  }
+  int CreateError(const std::string& path) {
+    return ErrorOf([&] { files_.CreateFolder(path); });
+  }
+  int WriteError(const std::string& path) {
+    return ErrorOf([&] { files_.WriteFile(path, "new"); });
+  }
+
+  std::unique_ptr<FileWorld> world_ = GetParam().make();
+  FileSystem& files_ = world_->files();
+};
+
+INSTANTIATE_TEST_SUITE_P(On, FileSystemContract, ::testing::ValuesIn(FileWorldMakers()),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+// --- FolderExists
+
+TEST_P(FileSystemContract, FolderExistsForEverySpellingOfAFolder) {
+  for (const char* path : {R"(D:\Data)",
+                           R"(D:\Data\)",
+                           R"(D:\Data\\)",
+                           R"(D:\\Data)",
+                           "D:/Data",
+                           "d:/data",
+                           "D:Data",
+                           R"(D:\DATA)",
+                           R"(D:\Data )",
+                           R"(D:\Data.)",
+                           R"(D:\Data  ....   ..   )",
+                           R"(D:\Data\  ....   ..   )",
+                           R"(D:\Data\.)",
+                           R"(D:\.\Data)",
+                           R"(D:\x\..\Data)",
+                           R"(D:\..\..\Data)",
+                           R"(D:\Data. \)",
+                           R"(D:\)",
+                           "D:",
+                           R"(D:\Data\..)"}) {
+    EXPECT_TRUE(files_.FolderExists(path)) << path;
+  }
+}
+
+TEST_P(FileSystemContract, FolderExistsIsFalseForWhateverIsNoFolder) {
+  Put(R"(D:\Data\shops.dbf)");
+  for (const std::string path :
+       {R"()", R"( )", R"(   )", R"(D:\Data\shops.dbf)", R"(D:\Data\shops.dbf\x)", R"(D:\Missing)",
+        R"(D:\Da*)", R"(D:\Dat?)", R"(Q:\)", R"(Q:\Data)", R"(\\server\share)", R"(\\)",
+        R"(D:\Data\x:y)", R"(D:\Dat)", R"(D:\Data1)"}) {
+    EXPECT_FALSE(files_.FolderExists(path)) << path;
+  }
+  EXPECT_FALSE(files_.FolderExists(R"(D:\)" + std::string(5000, 'x')));
+  EXPECT_FALSE(files_.FolderExists(std::string("D:\\Data\0x", 9)));
+}
+
+TEST_P(FileSystemContract, OneLeadingSeparatorIsTheRootAndNoShare) {
+  EXPECT_TRUE(files_.FolderExists("\\"));
+  EXPECT_TRUE(files_.FolderExists("/"));
+  EXPECT_FALSE(files_.FolderExists(R"(\server-that-is-missing\share)"));
+}
+
+TEST_P(FileSystemContract, RelativePathsStartInTheCurrentFolder) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  world_->SetCurrentFolder(R"(D:\Data)");
+  EXPECT_TRUE(files_.FolderExists("North"));
+  EXPECT_TRUE(files_.FolderExists(R"(.\north\)"));
+  EXPECT_TRUE(files_.FolderExists(R"(..\Data\North)"));
+  EXPECT_FALSE(files_.FolderExists("Data"));
+}
+
+TEST_P(FileSystemContract, LetterCaseBeyondAsciiDoesNotMatter) {
+  files_.CreateFolder("D:\\Data\\\u00c4rger \u0416\u03a9");
+  EXPECT_TRUE(files_.FolderExists("D:\\Data\\\u00e4RGER \u0436\u03c9"));
+  EXPECT_FALSE(files_.FolderExists("D:\\Data\\Arger \u0416\u03a9"));
+}
+
+// --- CreateFolder
+
+TEST_P(FileSystemContract, CreateFolderRefusesANameThatIsTaken) {
+  Put(R"(D:\Data\shops)");
+  for (const char* path : {R"(D:\Data)", R"(D:\DATA\)", R"(D:\Data )", R"(D:\Data..)",
+                           R"(D:\Data\shops)", R"(D:\Data\SHOPS\)", R"(D:\)", R"(D:\Data\ )"}) {
+    EXPECT_EQ(CreateError(path), kFileExists) << path;
+  }
+}
+
+TEST_P(FileSystemContract, CreateFolderNeedsItsParent) {
+  Put(R"(D:\Data\shops)");
+  for (const char* path : {R"(D:\Missing\North)", R"(D:\Data\shops\North)", R"(Q:\North)", R"(Q:\)",
+                           "", " ", R"(\\server\share\North)"}) {
+    EXPECT_EQ(CreateError(path), kPathNotFound) << path;
+  }
+}
+
+TEST_P(FileSystemContract, CreateFolderRefusesBadNames) {
+  for (const std::string name : {"a*", "a?", "a<b", "a>b", "a|b", "a\"b", "x:y", "a\tb", "a\x1f"}) {
+    EXPECT_EQ(CreateError(R"(D:\Data\)" + name), kBadFileName) << name;
+  }
+  EXPECT_EQ(CreateError(std::string("D:\\Data\\a\0b", 11)), kBadFileName);
+  EXPECT_EQ(CreateError("D:\\Data\\a\xff"), kBadFileName);
+  EXPECT_EQ(CreateError(R"(D:\Data\)" + std::string(256, 'x')), kBadFileName);
+  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), IsEmpty());
+}
+
+TEST_P(FileSystemContract, CreateFolderKeepsTheNameAsGiven) {
+  files_.CreateFolder(R"(D:\Data\Study Area \)");
+  files_.CreateFolder(R"(D:\Data\North..)");
+  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), ElementsAre("North..", "Study Area "));
+}
+
+TEST_P(FileSystemContract, AFolderWithATrailingBlankIsFoundWithAndWithoutIt) {
+  files_.CreateFolder(R"(D:\Data\Study Area )");
+  Put(R"(D:\Data\Study Area\a.xml)", "x");
+  for (const char* path : {R"(D:\Data\Study Area )", R"(D:\Data\Study Area)",
+                           R"(D:\Data\Study Area \)", R"(D:\Data\study area)"}) {
+    EXPECT_TRUE(files_.FolderExists(path)) << path;
+    EXPECT_EQ(CreateError(path), kFileExists) << path;
+  }
+  EXPECT_THAT(files_.ReadFile(R"(D:\Data\Study Area \a.xml)"), Optional(std::string("x")));
+}
+
+// --- FullPath
+
+TEST_P(FileSystemContract, FullPathHasTheRealNamesAndNoTrailingSeparator) {
+  files_.CreateFolder(R"(D:\Data\North )");
+  EXPECT_EQ(files_.FullPath(R"(d:\data\north\)"), R"(D:\Data\North )");
+  EXPECT_EQ(files_.FullPath(R"(D:/x/..//Data/.)"), R"(D:\Data)");
+  EXPECT_EQ(files_.FullPath(R"(d:\)"), R"(D:\)");
+}
+
+TEST_P(FileSystemContract, FullPathNeedsAFolder) {
+  Put(R"(D:\Data\shops.dbf)");
+  for (const char* path :
+       {"", " ", R"(D:\Missing)", R"(D:\Data\shops.dbf)", R"(Q:\)", R"(\\server\share)"}) {
+    EXPECT_EQ(ErrorOf([&] { std::ignore = files_.FullPath(path); }), kPathNotFound) << path;
+  }
+}
+
+// --- HideFolder
+
+TEST_P(FileSystemContract, AHiddenFolderIsNotListedButFound) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  files_.HideFolder(R"(d:\data\NORTH\)");
+  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), IsEmpty());
+  EXPECT_TRUE(files_.FolderExists(R"(D:\Data\North)"));
+  EXPECT_NO_THROW(files_.OpenFolder(R"(D:\Data)")->Open("North"));
+}
+
+TEST_P(FileSystemContract, HideFolderKeepsOtherAttributes) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  world_->SetAttributes(R"(D:\Data\North)", kSystemAttribute);
+  files_.HideFolder(R"(D:\Data\North)");
+  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), IsEmpty());
+}
+
+TEST_P(FileSystemContract, HideFolderNeedsAFolder) {
+  Put(R"(D:\Data\shops.dbf)");
+  for (const char* path : {R"(D:\Missing)", R"(D:\Data\shops.dbf)", "", R"(Q:\)"}) {
+    EXPECT_EQ(ErrorOf([&] { files_.HideFolder(path); }), kPathNotFound) << path;
+  }
+}
+
+TEST_P(FileSystemContract, SystemDriveIsALetterAndAColon) { EXPECT_EQ(files_.SystemDrive(), "C:"); }
+
+// --- FindFiles
+
+TEST_P(FileSystemContract, FindFilesMatchesNamesWithWildcards) {
+  for (const char* name : {"tmp", "tmp.shp", "TMP.A.B", "tmp1.dbf", "tmpx.y", ".tmp"}) {
+    Put(std::string(R"(D:\Data\)") + name);
+  }
+  world_->SetAttributes(R"(D:\Data\tmpx.y)", kReadOnlyAttribute);
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\tmp.*)"), ElementsAre("tmp", "TMP.A.B", "tmp.shp"));
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\\tmp1.*)"), ElementsAre("tmp1.dbf"));
+  EXPECT_THAT(files_.FindFiles(R"(d:/data/tmp?.*)"),
+              ElementsAre("tmp", "TMP.A.B", "tmp.shp", "tmp1.dbf", "tmpx.y"));
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\tmp .*)"), IsEmpty());
+}
+
+TEST_P(FileSystemContract, FindFilesListsAFolderWithoutANamePattern) {
+  Put(R"(D:\Data\a)");
+  Put(R"(D:\Data\b.c)");
+  for (const char* pattern : {R"(D:\Data\)", R"(D:\Data\*)", R"(D:\Data\*.*)"}) {
+    EXPECT_THAT(files_.FindFiles(pattern), ElementsAre("a", "b.c")) << pattern;
+  }
+}
+
+TEST_P(FileSystemContract, FindFilesWithoutAFolderLooksInTheCurrentOne) {
+  Put(R"(D:\Data\tmp.shp)");
+  world_->SetCurrentFolder(R"(D:\Data)");
+  EXPECT_THAT(files_.FindFiles("tmp.*"), ElementsAre("tmp.shp"));
+  EXPECT_THAT(files_.FindFiles(""), ElementsAre("tmp.shp"));
+}
+
+TEST_P(FileSystemContract, FindFilesSeesReadOnlyFilesAndLinksOnly) {
+  for (const char* name : {"tmp.read", "tmp.hidden", "tmp.system"}) {
+    Put(std::string(R"(D:\Data\)") + name);
+  }
+  files_.CreateFolder(R"(D:\Data\tmp.dir)");
+  world_->SetAttributes(R"(D:\Data\tmp.read)", kReadOnlyAttribute);
+  world_->SetAttributes(R"(D:\Data\tmp.hidden)", kHiddenAttribute);
+  world_->SetAttributes(R"(D:\Data\tmp.system)", kSystemAttribute);
+  world_->AddLink(R"(D:\Data\tmp.link)");
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\tmp.*)"), ElementsAre("tmp.link", "tmp.read"));
+}
+
+TEST_P(FileSystemContract, FindFilesIsEmptyWhenThereIsNoFolder) {
+  Put(R"(D:\Data\tmp.shp)");
+  for (const char* pattern :
+       {R"(D:\Missing\tmp.*)", R"(Q:\tmp.*)", R"(D:\Data\tmp.shp\*)", R"(\\server\share\*)"}) {
+    EXPECT_THAT(files_.FindFiles(pattern), IsEmpty()) << pattern;
+  }
+}
+
+// --- OpenFolder and what it opens
+
+TEST_P(FileSystemContract, OpenFolderNeedsAFolder) {
+  Put(R"(D:\Data\shops.dbf)");
+  const auto error = [&](const char* path) {
+    return ErrorOf([&] { std::ignore = files_.OpenFolder(path); });
+  };
+  EXPECT_EQ(error(R"(D:\Data\shops.dbf)"), kPathFileAccess);
+  for (const char* path : {"", R"(D:\Missing)", R"(D:\Data\shops.dbf\x)", R"(Q:\)"}) {
+    EXPECT_EQ(error(path), kPathNotFound) << path;
+  }
+}
+
+TEST_P(FileSystemContract, ADirectoryListsWhatIsSeen) {
+  for (const char* name : {"b.dbf", "A.shp", "read", "hidden", "system"}) {
+    Put(std::string(R"(D:\Data\)") + name);
+  }
+  files_.CreateFolder(R"(D:\Data\North)");
+  files_.CreateFolder(R"(D:\Data\Secret)");
+  files_.HideFolder(R"(D:\Data\Secret)");
+  world_->SetAttributes(R"(D:\Data\read)", kReadOnlyAttribute);
+  world_->SetAttributes(R"(D:\Data\hidden)", kHiddenAttribute);
+  world_->SetAttributes(R"(D:\Data\system)", kSystemAttribute);
+  const auto folder = files_.OpenFolder(R"(D:\Data)");
+  EXPECT_THAT(folder->Files(), ElementsAre("A.shp", "b.dbf", "read"));
+  EXPECT_THAT(folder->Entries(), ElementsAre("A.shp", "b.dbf", "North", "read"));
+}
+
+TEST_P(FileSystemContract, DeleteFilesPassesOverFoldersAndProtectedFiles) {
+  for (const char* name : {"a", "b", "read", "hidden", "system"}) {
+    Put(std::string(R"(D:\Data\)") + name, name);
+  }
+  files_.CreateFolder(R"(D:\Data\North)");
+  world_->SetAttributes(R"(D:\Data\read)", kReadOnlyAttribute);
+  world_->SetAttributes(R"(D:\Data\hidden)", kHiddenAttribute);
+  world_->SetAttributes(R"(D:\Data\system)", kSystemAttribute);
+  files_.OpenFolder(R"(D:\Data)")->DeleteFiles();
+  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), ElementsAre("North", "read"));
+  EXPECT_TRUE(files_.ReadFile(R"(D:\Data\hidden)"));
+  EXPECT_TRUE(files_.ReadFile(R"(D:\Data\system)"));
+  EXPECT_FALSE(files_.ReadFile(R"(D:\Data\a)"));
+}
+
+TEST_P(FileSystemContract, DeleteFilesWithoutAMatchIsError53) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  Put(R"(D:\Data\read)");
+  world_->SetAttributes(R"(D:\Data\read)", kReadOnlyAttribute);
+  const auto folder = files_.OpenFolder(R"(D:\Data)");
+  EXPECT_EQ(ErrorOf([&] { folder->DeleteFiles(); }), kFileNotFound);
+  EXPECT_TRUE(files_.ReadFile(R"(D:\Data\read)"));
+}
+
+TEST_P(FileSystemContract, ALinkIsAFileThatIsDeletedItself) {
+  world_->AddLink(R"(D:\Data\link)");
+  const auto folder = files_.OpenFolder(R"(D:\Data)");
+  EXPECT_THAT(folder->Files(), ElementsAre("link"));
+  EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open("link"); }), kPathFileAccess);
+  EXPECT_EQ(ErrorOf([&] { folder->RemoveFolder("link"); }), kPathFileAccess);
+  folder->DeleteFiles();
+  EXPECT_THAT(folder->Entries(), IsEmpty());
+}
+
+TEST_P(FileSystemContract, OpenFindsAFolderAsPathsDo) {
+  files_.CreateFolder(R"(D:\Data\North )");
+  Put(R"(D:\Data\North \shops.dbf)");
+  const auto folder = files_.OpenFolder(R"(D:\Data)");
+  for (const char* name : {"North ", "North", "NORTH"}) {
+    EXPECT_THAT(folder->Open(name)->Files(), ElementsAre("shops.dbf")) << name;
+  }
+}
+
+TEST_P(FileSystemContract, OpenTakesTheNameOfAFolderInside) {
+  Put(R"(D:\Data\shops.dbf)");
+  files_.CreateFolder(R"(D:\Data\North)");
+  files_.CreateFolder(R"(D:\Data\North\Inner)");
+  const auto folder = files_.OpenFolder(R"(D:\Data)");
+  EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open("shops.dbf"); }), kPathFileAccess);
+  for (const char* name : {"Missing", "", ".", "..", "North/Inner", "/", "N*"}) {
+    EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open(name); }), kPathNotFound) << name;
+  }
+}
+
+TEST_P(FileSystemContract, RemoveFolderRemovesAnEmptyFolder) {
+  files_.CreateFolder(R"(D:\Data\North )");
+  files_.OpenFolder(R"(D:\Data)")->RemoveFolder("North ");
+  EXPECT_FALSE(files_.FolderExists(R"(D:\Data\North)"));
+}
+
+TEST_P(FileSystemContract, RemoveFolderLeavesEverythingElse) {
+  Put(R"(D:\Data\shops.dbf)");
+  files_.CreateFolder(R"(D:\Data\Full)");
+  Put(R"(D:\Data\Full\hidden)");
+  world_->SetAttributes(R"(D:\Data\Full\hidden)", kHiddenAttribute);
+  const auto folder = files_.OpenFolder(R"(D:\Data)");
+  const auto error = [&](const char* name) { return ErrorOf([&] { folder->RemoveFolder(name); }); };
+  EXPECT_EQ(error("Full"), kPathFileAccess);
+  EXPECT_EQ(error("shops.dbf"), kPathFileAccess);
+  for (const char* name : {"Missing", "", ".", ".."}) EXPECT_EQ(error(name), kPathNotFound) << name;
+  EXPECT_THAT(folder->Entries(), ElementsAre("Full", "shops.dbf"));
+}
+
+TEST_P(FileSystemContract, ADirectoryStaysTheSameFolderWhenItIsMoved) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  const auto folder = files_.OpenFolder(R"(D:\Data\North)");
+  world_->MoveFolder(R"(D:\Data\North)", R"(D:\Data\South)");
+  files_.CreateFolder(R"(D:\Data\North)");
+  Put(R"(D:\Data\North\keep)");
+  Put(R"(D:\Data\South\go)");
+  folder->DeleteFiles();
+  EXPECT_TRUE(files_.ReadFile(R"(D:\Data\North\keep)"));
+  EXPECT_FALSE(files_.ReadFile(R"(D:\Data\South\go)"));
+}
+
+TEST_P(FileSystemContract, ADirectoryThatIsGoneIsEmpty) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  const auto folder = files_.OpenFolder(R"(D:\Data\North)");
+  world_->RemoveTree(R"(D:\Data\North)");
+  EXPECT_THAT(folder->Entries(), IsEmpty());
+  EXPECT_EQ(ErrorOf([&] { folder->DeleteFiles(); }), kFileNotFound);
+  EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open("Inner"); }), kPathNotFound);
+}
+
+// --- ReadFile and WriteFile
+
+TEST_P(FileSystemContract, WrittenBytesAreReadBack) {
+  std::string bytes;
+  for (int i = 0; i < 200'000; ++i) bytes += static_cast<char>(i);
+  for (const std::string& content : {std::string(), std::string("a\0\r\n\xff", 5), bytes}) {
+    files_.WriteFile(R"(D:\Data\a.xml)", content);
+    EXPECT_TRUE(files_.ReadFile(R"(D:\Data\a.xml)") == content) << content.size();
+  }
+}
+
+TEST_P(FileSystemContract, ReadFileHasNothingForWhateverIsNoFile) {
+  Put(R"(D:\Data\shops.dbf)");
+  world_->AddLink(R"(D:\Data\link)");
+  for (const char* path : {"", " ", R"(D:\Data)", R"(D:\)", R"(D:\Data\missing)", R"(Q:\a)",
+                           R"(D:\Data\shops.dbf\x)", R"(D:\Data\link)", R"(\\server\share\a)"}) {
+    EXPECT_EQ(files_.ReadFile(path), std::nullopt) << path;
+  }
+}
+
+TEST_P(FileSystemContract, WriteFileReplacesTheFileOfAnotherLetterCase) {
+  Put(R"(D:\Data\Shops.xml)", "old");
+  files_.WriteFile(R"(d:\data\SHOPS.XML)", "new");
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\*)"), ElementsAre("Shops.xml"));
+  EXPECT_THAT(files_.ReadFile(R"(D:\Data\Shops.xml)"), Optional(std::string("new")));
+}
+
+TEST_P(FileSystemContract, WriteFileKeepsTheFileHidden) {
+  Put(R"(D:\Data\a.xml)", "old");
+  world_->SetAttributes(R"(D:\Data\a.xml)", kHiddenAttribute);
+  files_.WriteFile(R"(D:\Data\a.xml)", "new");
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\*)"), IsEmpty());
+  EXPECT_THAT(files_.ReadFile(R"(D:\Data\a.xml)"), Optional(std::string("new")));
+}
+
+TEST_P(FileSystemContract, WriteFileReplacesALinkByAFile) {
+  world_->AddLink(R"(D:\Data\link)");
+  files_.WriteFile(R"(D:\Data\link)", "new");
+  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Files(), ElementsAre("link"));
+  EXPECT_THAT(files_.ReadFile(R"(D:\Data\link)"), Optional(std::string("new")));
+}
+
+TEST_P(FileSystemContract, WriteFileNeedsItsFolder) {
+  Put(R"(D:\Data\shops.dbf)");
+  for (const char* path : {R"(D:\Missing\a)", R"(D:\Data\shops.dbf\a)", R"(Q:\a)", R"(Q:\)", "",
+                           " ", R"(\\server\share\a)"}) {
+    EXPECT_EQ(WriteError(path), kPathNotFound) << path;
+  }
+}
+
+TEST_P(FileSystemContract, WriteFileRefusesBadNames) {
+  for (const char* path : {R"(D:\Data\a*)", R"(D:\Data\a:b)", "D:\\Data\\a\nb", "D:\\Data\\\xc3"}) {
+    EXPECT_EQ(WriteError(path), kBadFileName) << path;
+  }
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\*)"), IsEmpty());
+}
+
+TEST_P(FileSystemContract, WriteFileDoesNotReplaceAFolder) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  EXPECT_EQ(WriteError(R"(D:\Data\North)"), kPathFileAccess);
+  EXPECT_EQ(WriteError(R"(D:\)"), kPathFileAccess);
+  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), ElementsAre("North"));
+}
+
+TEST_P(FileSystemContract, WriteFileDoesNotReplaceAReadOnlyFile) {
+  Put(R"(D:\Data\a.xml)", "old");
+  world_->SetAttributes(R"(D:\Data\a.xml)", kReadOnlyAttribute);
+  EXPECT_EQ(WriteError(R"(D:\Data\a.xml)"), kPermissionDenied);
+  EXPECT_THAT(files_.ReadFile(R"(D:\Data\a.xml)"), Optional(std::string("old")));
+}
+
+TEST_P(FileSystemContract, ErrorsNameThePath) {
+  try {
+    files_.CreateFolder(R"(D:\Missing\North)");
+    FAIL() << "no error";
+  } catch (const RuntimeError& error) {
+    EXPECT_STREQ(error.what(), R"(Path not found: D:\Missing\North)");
+  }
+}
+
+}  // namespace
+}  // namespace kvdm

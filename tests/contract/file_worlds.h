@@ -1,0 +1,37 @@
+// The file systems that the file system contract is checked on.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/file_attributes.h"
+#include "platform/file_system.h"
+
+namespace kvdm {
+
+// A file system with an empty drive D: and no drive Q:, and what a test does to its content from
+// outside.
+class FileWorld {
+ public:
+  virtual ~FileWorld() = default;
+
+  virtual FileSystem& files() = 0;
+  virtual void SetAttributes(const std::string& path, unsigned attributes) = 0;
+  // Makes a link that leads nowhere.
+  virtual void AddLink(const std::string& path) = 0;
+  virtual void MoveFolder(const std::string& from, const std::string& to) = 0;
+  virtual void RemoveTree(const std::string& path) = 0;
+  virtual void SetCurrentFolder(const std::string& path) = 0;
+};
+
+// A way to make a world, with the name of the file system.
+struct FileWorldMaker {
+  std::string_view name;
+  std::unique_ptr<FileWorld> (*make)();
+};
+
+std::vector<FileWorldMaker> FileWorldMakers();
+
+}  // namespace kvdm

@@ -1,0 +1,70 @@
+// What every source of identifiers does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "platform/memory/memory_platform.h"
+#include "platform/posix/posix_platform.h"
+
+namespace kvdm {
+namespace {
+
+using testing::MatchesRegex;
+
+struct Implementation {
+  std::string name;
+  std::shared_ptr<GisCore> (*make)();
+};
+
+class IdentifierContractTest : public testing::TestWithParam<Implementation> {
+ protected:
+  std::shared_ptr<GisCore> gis_core_ = GetParam().make();
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    All, IdentifierContractTest,
+    testing::Values(Implementation{"Memory", [] { return MemoryPlatform().gis_core; }},
+                    Implementation{"Posix", [] { return MakePosixPlatform({}).gis_core; }}),
+    [](const auto& tested) { return tested.param.name; });
+
+TEST_P(IdentifierContractTest, GeneratesRegistryFormOfVersion4) {
+  const auto identifier = gis_core_->CreateIdentifier();
+  for (int i = 0; i < 100; ++i) {
+    identifier->Generate();
+    const std::string text = identifier->GetValue();
+    EXPECT_EQ(text.size(), 38U);
+    EXPECT_THAT(text,
+                MatchesRegex("\\{[0-9A-F]+-[0-9A-F]+-4[0-9A-F]+-[89AB][0-9A-F]+-[0-9A-F]+\\}"));
+    EXPECT_EQ(text[9], '-');
+    EXPECT_EQ(text[14], '-');
+    EXPECT_EQ(text[19], '-');
+    EXPECT_EQ(text[24], '-');
+  }
+}
+
+TEST_P(IdentifierContractTest, NeverGeneratesTheSameTwice) {
+  std::set<std::string> seen;
+  for (int i = 0; i < 1000; ++i) {
+    const auto identifier = gis_core_->CreateIdentifier();
+    identifier->Generate();
+    EXPECT_TRUE(seen.insert(identifier->GetValue()).second);
+  }
+}
+
+TEST_P(IdentifierContractTest, HoldsAnyTextThatWasPut) {
+  const auto identifier = gis_core_->CreateIdentifier();
+  identifier->PutValue("KVDM.KVDataManager");
+  EXPECT_EQ(identifier->GetValue(), "KVDM.KVDataManager");
+}
+
+TEST_P(IdentifierContractTest, ObjectsAreApart) {
+  const auto one = gis_core_->CreateIdentifier();
+  const auto other = gis_core_->CreateIdentifier();
+  one->PutValue("one");
+  other->PutValue("other");
+  EXPECT_EQ(one->GetValue(), "one");
+}
+
+}  // namespace
+}  // namespace kvdm

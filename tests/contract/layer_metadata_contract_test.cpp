@@ -1,0 +1,90 @@
+// What every layer metadata does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/memory/memory_layer_metadata.h"
+#include "platform/memory/memory_platform.h"
+#include "platform/portable/sidecar_metadata.h"
+#include "tests/throws_number.h"
+
+namespace kvdm {
+namespace {
+
+using testing::ElementsAre;
+
+struct Implementation {
+  std::string name;
+  std::shared_ptr<LayerMetadata> (*make)(const MemoryPlatform& world);
+};
+
+std::shared_ptr<LayerMetadata> MakeMemory(const MemoryPlatform& /*world*/) {
+  return std::make_shared<MemoryLayerMetadata>();
+}
+
+std::shared_ptr<LayerMetadata> MakeSidecar(const MemoryPlatform& world) {
+  return std::make_shared<SidecarMetadata>(world.files, world.xml_parser, "D:\\stores.shp");
+}
+
+class LayerMetadataContractTest : public testing::TestWithParam<Implementation> {
+ protected:
+  // Nothing where reading fails.
+  std::shared_ptr<NamedValueSet> ReadOrNothing() {
+    try {
+      return metadata_->ReadDocument();
+    } catch (const RuntimeError&) {
+      return nullptr;
+    }
+  }
+
+  MemoryPlatform world_;
+  std::shared_ptr<LayerMetadata> metadata_ = GetParam().make(world_);
+};
+
+INSTANTIATE_TEST_SUITE_P(All, LayerMetadataContractTest,
+                         testing::Values(Implementation{"Memory", MakeMemory},
+                                         Implementation{"Sidecar", MakeSidecar}),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST_P(LayerMetadataContractTest, HasNoDocumentAtFirst) { EXPECT_EQ(ReadOrNothing(), nullptr); }
+
+TEST_P(LayerMetadataContractTest, AWrittenDocumentIsRead) {
+  const auto document = std::make_shared<ValueSet>();
+  document->PutValue("Velk/Kelvaro8/Comments", "two\r\nlines");
+  document->PutValue("Velk/Kelvaro8/IsInternalData", false);
+  document->PutValue("Velk/Kelvaro8/AnalysisParams/Radius <km>", 2.5);
+  metadata_->WriteDocument(document);
+  const auto read = metadata_->ReadDocument()->ListAll();
+  EXPECT_EQ(read.names, document->ListAll().names);
+  EXPECT_EQ(read.values, document->ListAll().values);
+}
+
+TEST_P(LayerMetadataContractTest, SeveralValuesUnderOnePathAreKept) {
+  const auto document = std::make_shared<ValueSet>();
+  document->AddValue("fields", "ID");
+  document->AddValue("fields", "NAME");
+  metadata_->WriteDocument(document);
+  EXPECT_THAT(metadata_->ReadDocument()->GetValues("fields"),
+              ElementsAre(Value("ID"), Value("NAME")));
+}
+
+TEST_P(LayerMetadataContractTest, ChangesAreNotTheLayersBeforeTheyAreWritten) {
+  const auto document = std::make_shared<ValueSet>();
+  document->PutValue("name", "old");
+  metadata_->WriteDocument(document);
+  document->PutValue("name", "changed after writing");
+  metadata_->ReadDocument()->PutValue("name", "changed after reading");
+  EXPECT_THAT(metadata_->ReadDocument()->GetValues("name"), ElementsAre(Value("old")));
+}
+
+TEST_P(LayerMetadataContractTest, AnEmptyDocumentIsADocument) {
+  metadata_->WriteDocument(std::make_shared<ValueSet>());
+  EXPECT_EQ(metadata_->ReadDocument()->EntryCount(), 0);
+}
+
+TEST_P(LayerMetadataContractTest, WritingNothingFails) {
+  EXPECT_RUNTIME_ERROR(metadata_->WriteDocument(nullptr), kObjectNotSet);
+  EXPECT_EQ(ReadOrNothing(), nullptr);
+}
+
+}  // namespace
+}  // namespace kvdm

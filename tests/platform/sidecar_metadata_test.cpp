@@ -1,0 +1,98 @@
+#include "platform/portable/sidecar_metadata.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/memory/memory_platform.h"
+#include "platform/portable/value_set.h"
+#include "tests/throws_number.h"
+
+namespace kvdm {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr std::string_view kSidecar = "D:\\stores.shp.xml";
+
+class SidecarMetadataTest : public testing::Test {
+ protected:
+  static std::shared_ptr<ValueSet> SomeDocument() {
+    auto document = std::make_shared<ValueSet>();
+    document->PutValue("Velk/Kelvaro8/GUID", "{1}");
+    document->PutValue("Velk/Kelvaro8/IsInternalData", true);
+    return document;
+  }
+
+  std::string Text(std::string_view path) {
+    return world_.files->ReadFile(path).value_or("(missing)");
+  }
+
+  MemoryPlatform world_;
+  SidecarMetadata metadata_{world_.files, world_.xml_parser, "D:\\stores.shp"};
+};
+
+TEST_F(SidecarMetadataTest, IsBesideTheLayerWithOneLineForEachEntry) {
+  metadata_.WriteDocument(SomeDocument());
+  EXPECT_EQ(Text(kSidecar),
+            "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n"
+            "<LAYERMETADATA>\r\n"
+            "<ENTRY PATH=\"Velk/Kelvaro8/GUID\" TYPE=\"Text\" VALUE=\"{1}\"/>\r\n"
+            "<ENTRY PATH=\"Velk/Kelvaro8/IsInternalData\" TYPE=\"Boolean\" VALUE=\"True\"/>\r\n"
+            "</LAYERMETADATA>\r\n");
+}
+
+TEST_F(SidecarMetadataTest, AMissingFileIsNotFound) {
+  EXPECT_RUNTIME_ERROR(metadata_.ReadDocument(), kFileNotFound);
+}
+
+TEST_F(SidecarMetadataTest, AForeignFileIsNamed) {
+  world_.files->AddFile(kSidecar, "<metadata/>");
+  try {
+    metadata_.ReadDocument();
+    ADD_FAILURE() << "a foreign file was read";
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.number(), kAutomationFailure);
+    EXPECT_THAT(error.what(), HasSubstr(kSidecar));
+    EXPECT_THAT(error.what(), HasSubstr("its root is metadata"));
+  }
+}
+
+TEST_F(SidecarMetadataTest, AnEntryWithoutAPathIsRefused) {
+  world_.files->AddFile(kSidecar,
+                        R"(<LAYERMETADATA><ENTRY TYPE="Null" VALUE=""/></LAYERMETADATA>)");
+  EXPECT_RUNTIME_ERROR(metadata_.ReadDocument(), kAutomationFailure);
+}
+
+TEST_F(SidecarMetadataTest, AnOwnFileIsReplacedWithoutACopy) {
+  metadata_.WriteDocument(SomeDocument());
+  metadata_.WriteDocument(SomeDocument());
+  EXPECT_THAT(world_.files->Tree("D:\\"), ElementsAre("stores.shp.xml"));
+}
+
+TEST_F(SidecarMetadataTest, AForeignFileIsKeptBeforeItIsReplaced) {
+  world_.files->AddFile(kSidecar, "<metadata/>");
+  metadata_.WriteDocument(SomeDocument());
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "<metadata/>");
+  EXPECT_EQ(metadata_.ReadDocument()->EntryCount(), 2);
+}
+
+TEST_F(SidecarMetadataTest, EarlierCopiesAreNeverReplaced) {
+  for (const auto* content : {"one", "two", "three"}) {
+    world_.files->AddFile(kSidecar, content);
+    metadata_.WriteDocument(SomeDocument());
+  }
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "one");
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak1"), "two");
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak2"), "three");
+}
+
+TEST_F(SidecarMetadataTest, AFileThatCannotBeKeptStays) {
+  world_.files->AddFile(kSidecar, "<metadata/>");
+  world_.files->RefuseWrites("D:\\");
+  EXPECT_RUNTIME_ERROR(metadata_.WriteDocument(SomeDocument()), kPermissionDenied);
+  EXPECT_EQ(Text(kSidecar), "<metadata/>");
+}
+
+}  // namespace
+}  // namespace kvdm

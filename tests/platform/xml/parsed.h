@@ -1,0 +1,36 @@
+// Elements and documents from their text forms.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/posix/libxml_parser.h"
+#include "platform/xml/document.h"
+
+namespace kvdm::xml {
+
+inline bool Load(Document& document, std::string_view text) {
+  LibxmlParser parser;
+  return document.LoadXml(parser, text);
+}
+
+// The root of a document that is gone.
+inline std::shared_ptr<Element> Parsed(std::string_view text) {
+  Document document;
+  EXPECT_TRUE(Load(document, text)) << text;
+  return document.DocumentElement();
+}
+
+// The text form after loading `text`; "" when that fails.
+inline std::string Reloaded(std::string_view text) {
+  Document document;
+  return Load(document, text) ? document.Xml() : std::string();
+}
+
+// `element` after saving and loading its document.
+inline std::shared_ptr<Element> Reloaded(const Element& element) { return Parsed(element.Xml()); }
+
+}  // namespace kvdm::xml
