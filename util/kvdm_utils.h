@@ -1,0 +1,74 @@
+// Names, identifiers, free file and folder names, and whole folder trees.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "platform/error.h"
+#include "platform/file_system.h"
+#include "platform/gis_core.h"
+
+namespace kvdm {
+
+// "_" + name + "_": the form in which names of study areas, analyses and layers are stored.
+[[nodiscard]] std::string WrapName(std::string_view name);
+
+// Takes one underscore off each end; a text that lacks either, or is a single one, comes back
+// unchanged.
+//
+//   UnwrapName("_a_")   // "a"
+//   UnwrapName("__")    // ""
+//   UnwrapName("_")     // "_"
+[[nodiscard]] std::string UnwrapName(std::string_view stored_name);
+
+// A new identifier in registry form with braces, 38 characters.
+[[nodiscard]] std::string NewGuidString(GisCore& gis_core);
+
+// The expression that selects by `key`: a prefix such as `./ANALYSIS[@NAME=`, the key in double
+// quotes, and `]`. A key that itself holds a double quote makes an expression that every look-up
+// refuses.
+[[nodiscard]] std::string QueryFor(std::string_view prefix, std::string_view key);
+
+// `text` with a CR put before every LF, also before one that follows a CR already.
+[[nodiscard]] std::string WidenLineEnds(std::string_view text);
+
+// `path` with every doubled backslash made single, in one pass from the left: three become two.
+[[nodiscard]] std::string CollapseBackslashes(std::string_view path);
+
+// The first candidate that is not taken: `base`, then `base` followed by 1, 2, 3 ... without a
+// blank. Run-time error 6 once the counter passes 32767.
+template <std::predicate<const std::string&> Taken>
+[[nodiscard]] std::string FirstFree(std::string_view base, Taken&& taken) {
+  std::string candidate(base);
+  for (int counter = 1; taken(candidate); ++counter) {
+    if (counter > std::numeric_limits<std::int16_t>::max()) throw RuntimeError(kOverflow);
+    candidate = std::string(base) + std::to_string(counter);
+  }
+  return candidate;
+}
+
+// The first free base name in `folder`: a name is taken when a visible file has it, whatever the
+// extension. Creates nothing. Run-time error 6 once 32767 is taken.
+//
+//   UniqueFileName(files, R"(C:\Work)", "tmp")   // "tmp2" when tmp.shp and tmp1.dbf are there
+[[nodiscard]] std::string UniqueFileName(FileSystem& files, std::string_view folder,
+                                         std::string_view prefix);
+
+// Deletes a folder with all its contents; `path` ends in one backslash. True when nothing is left
+// of it. Hidden, system and read-only entries stay, and so does what holds them; links are removed,
+// never followed.
+//
+// Refuses, False and nothing touched, a path that is not rooted, names no folder below a drive's or
+// share's root, ends in two backslashes, or has a component of dots and blanks only. Without the
+// backslash at the end the files go, but folders inside are looked for beside the folder, under
+// both names joined: False when there are any.
+bool DeleteFolderTree(FileSystem& files, std::string_view path);
+
+// Creates every missing folder along `path`, from the one after its first backslash. Errors reach
+// the caller.
+void CreateFolderPath(FileSystem& files, std::string_view path);
+
+}  // namespace kvdm

@@ -1,0 +1,17 @@
+#include "util/registry_strings.h"
+
+namespace kvdm {
+
+Value ReadRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
+                         std::string_view value_name) {
+  const auto value = registry.Read(root, subkey, value_name);
+  if (!value || value->type != RegistryType::kText) return {};
+  return value->data.substr(0, value->data.find('\0'));
+}
+
+void WriteRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
+                         std::string_view value_name, std::string_view value) {
+  static_cast<void>(registry.WriteText(root, subkey, value_name, value));
+}
+
+}  // namespace kvdm
