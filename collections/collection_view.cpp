@@ -1,0 +1,57 @@
+#include "collections/collection_view.h"
+
+#include "collections/messages.h"
+#include "util/kvdm_utils.h"
+#include "util/tags.h"
+
+namespace kvdm {
+
+void CollectionView::SetDataManager(DataManagerRef data_manager) {
+  sink_ = rules_.sink(data_manager);
+  data_manager_ = std::move(data_manager);
+}
+
+NameListRef CollectionView::List(std::string_view attribute) const {
+  return guard::Reported(sink(), rules_.list_failed, [&]() -> NameListRef {
+    if (!node_) return nullptr;
+    auto list = std::make_shared<NameList>();
+    for (const auto& item : node_->Children(rules_.tag)) {
+      list->Add(UnwrapName(ToText(item->GetAttribute(attribute))));
+    }
+    return list;
+  });
+}
+
+std::shared_ptr<xml::Element> CollectionView::Find(const char* query, std::string_view key) const {
+  return node_ ? node_->SelectSingleNode(QueryFor(query, key)) : nullptr;
+}
+
+std::shared_ptr<xml::Element> CollectionView::Remove(const char* query,
+                                                     std::string_view key) const {
+  auto element = Find(query, key);
+  if (element) node_->Remove(element);
+  return element;
+}
+
+std::shared_ptr<xml::Element> CollectionView::NewItem(std::string_view stored_name) const {
+  auto item = xml::Element::Create(rules_.tag);
+  item->SetAttribute(attributes::kName, stored_name);
+  item->SetAttribute(attributes::kGuid, NewGuidString(*gis_core_));
+  return item;
+}
+
+std::string CollectionView::GenerateNewDirName(const std::string& parent_folder,
+                                               std::string_view base) const {
+  return guard::Reported(sink(), messages::kNewDirName, [&] {
+    if (!data_manager_) return std::string();
+    return FirstFree(base, [&](const std::string& candidate) {
+      return services().files->FolderExists(parent_folder + candidate);
+    });
+  });
+}
+
+void CollectionView::DeleteFolder(const std::string& folder) const {
+  if (!folder.empty()) DeleteFolderTree(*services().files, folder);
+}
+
+}  // namespace kvdm

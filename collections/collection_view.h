@@ -1,0 +1,98 @@
+// What all collections share: one element, the data manager, and how items are listed, found, named
+// and removed.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "datamanager/error_sinks.h"
+#include "datamanager/friends.h"
+#include "platform/xml/node.h"
+#include "util/guard.h"
+
+namespace kvdm {
+
+// What differs between the collections, side by side.
+struct CollectionRules {
+  // The tag of an item.
+  const char* tag;
+  // Look-ups, up to the quoted key. The existence tests spell theirs with blanks.
+  const char* by_name;
+  const char* by_guid;
+  const char* exists_by_name;
+  const char* exists_by_guid;
+  // Reports, and how they travel.
+  SinkFactory sink;
+  const char* list_failed;
+  const char* create_failed;
+  const char* delete_failed;
+  const char* get_failed;
+};
+
+// Operations without a guard: errors reach the caller, which names the policy. A view without an
+// element finds nothing.
+class CollectionView {
+ public:
+  CollectionView(const CollectionRules& rules, std::shared_ptr<GisCore> gis_core)
+      : rules_(rules), gis_core_(std::move(gis_core)), sink_(rules.sink(nullptr)) {}
+
+  void SetNode(std::shared_ptr<xml::Element> node) { node_ = std::move(node); }
+  void SetDataManager(DataManagerRef data_manager);
+
+  [[nodiscard]] const CollectionRules& rules() const { return rules_; }
+  [[nodiscard]] const std::shared_ptr<xml::Element>& node() const { return node_; }
+  [[nodiscard]] const DataManagerRef& data_manager() const { return data_manager_; }
+  // Neither an element nor a data manager: as created directly by a client.
+  [[nodiscard]] bool Unbound() const { return !node_ && !data_manager_; }
+  [[nodiscard]] const std::shared_ptr<GisCore>& gis_core() const { return gis_core_; }
+  [[nodiscard]] const ErrorSink& sink() const { return *sink_; }
+  // The data manager's services. Run-time error 91 without one.
+  [[nodiscard]] const Platform& services() const { return Required(data_manager_).Services(); }
+
+  // The items' names or identifiers, unwrapped, in document order. Reports the failure when an item
+  // lacks the attribute; Nothing without an element.
+  [[nodiscard]] NameListRef List(std::string_view attribute) const;
+
+  // The first item that a look-up selects; Nothing when there is none.
+  [[nodiscard]] std::shared_ptr<xml::Element> Find(const char* query, std::string_view key) const;
+
+  // A new view of the item that a look-up selects; Nothing when there is none. Reports failures.
+  template <class Item, class Bind>
+  [[nodiscard]] std::shared_ptr<Item> Get(const char* query, std::string_view key,
+                                          Bind&& bind) const {
+    return guard::Reported(sink(), rules_.get_failed, [&]() -> std::shared_ptr<Item> {
+      const auto element = Find(query, key);
+      return element ? std::forward<Bind>(bind)(element) : nullptr;
+    });
+  }
+
+  // Takes the item that a look-up selects out of the collection and returns it; Nothing when there
+  // is none.
+  [[nodiscard]] std::shared_ptr<xml::Element> Remove(const char* query, std::string_view key) const;
+
+  // A new element for an item, with its name as stored and a new identifier. Not appended yet.
+  [[nodiscard]] std::shared_ptr<xml::Element> NewItem(std::string_view stored_name) const;
+
+  // The current local time in its stored form.
+  [[nodiscard]] Value CreationTime() const { return services().clock->Now(); }
+
+  // The first folder name that is free in `parent_folder`, which ends in "\": `base`, then `base`
+  // followed by 1, 2, 3 ...
+  // "" without a data manager. Reports failures.
+  [[nodiscard]] std::string GenerateNewDirName(const std::string& parent_folder,
+                                               std::string_view base) const;
+
+  // Deletes the folder that belongs to a removed item. An empty path names no folder; a refusal is
+  // ignored.
+  void DeleteFolder(const std::string& folder) const;
+
+ private:
+  const CollectionRules& rules_;
+  std::shared_ptr<GisCore> gis_core_;
+  std::unique_ptr<ErrorSink> sink_;
+  std::shared_ptr<xml::Element> node_;
+  DataManagerRef data_manager_;
+};
+
+}  // namespace kvdm

@@ -1,0 +1,104 @@
+#include "collections/kv_analysis_collection.h"
+
+#include "collections/current_study_area.h"
+#include "collections/messages.h"
+#include "items/kv_analysis.h"
+#include "util/default_dir_names.h"
+#include "util/kvdm_utils.h"
+#include "util/tags.h"
+
+namespace kvdm {
+namespace {
+
+constexpr CollectionRules kRules = {
+    .tag = tags::kAnalysis,
+    .by_name = "./ANALYSIS[@NAME=",
+    .by_guid = "./ANALYSIS[@GUID=",
+    .exists_by_name = "./ANALYSIS[@NAME = ",
+    .exists_by_guid = "./ANALYSIS[@GUID = ",
+    .sink = &MakeSink<LateBoundSink>,
+    .list_failed = messages::kAnalysesList,
+    .create_failed = messages::kCreateAnalysis,
+    .delete_failed = messages::kDeleteAnalysis,
+    .get_failed = messages::kGetAnalysis,
+};
+
+constexpr char kLayerFileName[] = "Analysis.lyr";
+
+}  // namespace
+
+KVAnalysisCollection::KVAnalysisCollection(std::shared_ptr<GisCore> gis_core)
+    : view_(kRules, std::move(gis_core)) {}
+
+NameListRef KVAnalysisCollection::AnalysesList() { return view_.List(attributes::kName); }
+
+NameListRef KVAnalysisCollection::AnalysesGUIDsList() { return view_.List(attributes::kGuid); }
+
+bool KVAnalysisCollection::CreateAnalysis(std::string_view name) {
+  std::string folder;
+  const bool appended = guard::Reported(view_.sink(), kRules.create_failed, [&] {
+    // The test wraps the wrapped name again, so that a name which exists does not stop creation
+    // (AnalysisCollectionTest.CreatesASecondAnalysisOfTheSameName).
+    if (!view_.node() || AnalysisExists(WrapName(name))) return false;
+    folder = AppendAnalysis(name);
+    return true;
+  });
+  return appended && guard::Skipping([&] { CreateFolderPath(*view_.services().files, folder); });
+}
+
+// Appends the analysis's element and returns the path of its folder, which is not made yet.
+std::string KVAnalysisCollection::AppendAnalysis(std::string_view name) {
+  const auto base =
+      CurrentFolder(Required(view_.data_manager())) + sDefaultDirNames::kAnalyses + "\\";
+  const auto folder = base + view_.GenerateNewDirName(base, name) + "\\";
+  const auto analysis = view_.NewItem(WrapName(name));
+  analysis->SetAttribute(attributes::kDirName, folder);
+  analysis->SetAttribute(attributes::kLayerFile, folder + kLayerFileName);
+  analysis->SetAttribute(attributes::kCreationTime, view_.CreationTime());
+  view_.node()->Append(analysis);
+  return folder;
+}
+
+bool KVAnalysisCollection::DeleteAnalysis(std::string_view name) {
+  return Delete(kRules.by_name, WrapName(name));
+}
+
+bool KVAnalysisCollection::DeleteAnalysisByGUID(std::string_view guid) {
+  return Delete(kRules.by_guid, guid);
+}
+
+bool KVAnalysisCollection::Delete(const char* query, std::string_view key) {
+  return guard::Reported(view_.sink(), kRules.delete_failed, [&] {
+    const auto analysis = view_.Remove(query, key);
+    if (!analysis) return false;
+    view_.DeleteFolder(ToText(analysis->GetAttribute(attributes::kDirName)));
+    return true;
+  });
+}
+
+std::shared_ptr<IKVAnalysis> KVAnalysisCollection::GetAnalysis(std::string_view name) {
+  return Get(kRules.by_name, WrapName(name));
+}
+
+std::shared_ptr<IKVAnalysis> KVAnalysisCollection::GetAnalysisByGUID(std::string_view guid) {
+  return Get(kRules.by_guid, guid);
+}
+
+std::shared_ptr<IKVAnalysis> KVAnalysisCollection::Get(const char* query, std::string_view key) {
+  return view_.Get<IKVAnalysis>(query, key, [&](const std::shared_ptr<xml::Element>& element) {
+    auto analysis = std::make_shared<KVAnalysis>(view_.gis_core());
+    analysis->AttachNode(element);
+    analysis->AttachDataManager(view_.data_manager());
+    return analysis;
+  });
+}
+
+bool KVAnalysisCollection::AnalysisExists(std::string_view name) {
+  return view_.Find(kRules.exists_by_name, WrapName(name)) != nullptr;
+}
+
+bool KVAnalysisCollection::AnalysisExistsByGUID(std::string_view guid) {
+  return view_.Find(kRules.exists_by_guid, guid) != nullptr;
+}
+
+}  // namespace kvdm

@@ -1,0 +1,37 @@
+// The analyses, over an ANALYSISCOLLECTION element.
+#pragma once
+
+#include "collections/collection_view.h"
+#include "datamanager/interfaces.h"
+
+namespace kvdm {
+
+class KVAnalysisCollection final : public IKVAnalysisCollection {
+ public:
+  explicit KVAnalysisCollection(std::shared_ptr<GisCore> gis_core);
+
+  NameListRef AnalysesList() override;
+  bool CreateAnalysis(std::string_view name) override;
+  bool DeleteAnalysis(std::string_view name) override;
+  std::shared_ptr<IKVAnalysis> GetAnalysis(std::string_view name) override;
+  bool AnalysisExists(std::string_view name) override;
+  NameListRef AnalysesGUIDsList() override;
+  bool DeleteAnalysisByGUID(std::string_view guid) override;
+  std::shared_ptr<IKVAnalysis> GetAnalysisByGUID(std::string_view guid) override;
+  bool AnalysisExistsByGUID(std::string_view guid) override;
+
+  // Bound by the data manager right after creation.
+  void SetDataManager(DataManagerRef data_manager) {
+    view_.SetDataManager(std::move(data_manager));
+  }
+  void SetNode(std::shared_ptr<xml::Element> node) { view_.SetNode(std::move(node)); }
+
+ private:
+  std::string AppendAnalysis(std::string_view name);
+  bool Delete(const char* query, std::string_view key);
+  std::shared_ptr<IKVAnalysis> Get(const char* query, std::string_view key);
+
+  CollectionView view_;
+};
+
+}  // namespace kvdm

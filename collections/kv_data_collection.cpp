@@ -1,0 +1,126 @@
+#include "collections/kv_data_collection.h"
+
+#include "collections/messages.h"
+#include "items/kv_data_item.h"
+#include "items/path_types.h"
+#include "util/kvdm_utils.h"
+#include "util/tags.h"
+
+namespace kvdm {
+namespace {
+
+constexpr CollectionRules kRules = {
+    .tag = tags::kDataItem,
+    .by_name = "./DATAITEM[@NAME = ",
+    .by_guid = "./DATAITEM[@GUID = ",
+    .exists_by_name = "./DATAITEM[@NAME = ",
+    .exists_by_guid = "./DATAITEM[@GUID = ",
+    .sink = &MakeSink<LateBoundIfBoundSink>,
+    .list_failed = messages::kDataList,
+    .create_failed = messages::kCreateDataItem,
+    .delete_failed = messages::kDeleteDataItem,
+    .get_failed = messages::kGetDataItem,
+};
+
+constexpr char kFolderName[] = "Data\\";
+
+}  // namespace
+
+KVDataCollection::KVDataCollection(std::shared_ptr<GisCore> gis_core)
+    : view_(kRules, std::move(gis_core)) {}
+
+std::string KVDataCollection::DataItemsDir() {
+  return guard::Reported(view_.sink(), messages::kDataDir, [&] {
+    const auto folder = Required(view_.data_manager()).WorkingDirectory() + kFolderName;
+    auto& files = *view_.services().files;
+    if (!files.FolderExists(folder)) files.CreateFolder(folder);
+    return folder;
+  });
+}
+
+NameListRef KVDataCollection::DataItemsList() { return List(attributes::kName); }
+
+NameListRef KVDataCollection::DataItemsGUIDsList() { return List(attributes::kGuid); }
+
+NameListRef KVDataCollection::List(const char* attribute) {
+  return guard::Reported(view_.sink(), kRules.list_failed, [&]() -> NameListRef {
+    const auto group = Group(kRules.list_failed);
+    if (!group) return nullptr;
+    auto list = std::make_shared<NameList>();
+    for (const auto& item : group->Children(kRules.tag)) list->Add(item->GetAttribute(attribute));
+    return list;
+  });
+}
+
+bool KVDataCollection::CreateDataItem(std::string_view name) {
+  return guard::Reported(view_.sink(), kRules.create_failed, [&] {
+    if (!view_.node() || view_.Find(kRules.by_name, name)) return false;
+    const auto item = view_.NewItem(name);
+    const auto file = UniqueFileName(*view_.services().files, DataItemsDir(), name);
+    item->SetAttribute(attributes::kFile, file);
+    item->SetAttribute(attributes::kPathType, path_types::kRelative);
+    view_.node()->Append(item);
+    if (view_.data_manager()) view_.data_manager()->Flush();
+    return true;
+  });
+}
+
+bool KVDataCollection::DeleteDataItem(std::string_view name) {
+  return Delete(kRules.by_name, name);
+}
+
+bool KVDataCollection::DeleteDataItemByGUID(std::string_view guid) {
+  return Delete(kRules.by_guid, guid);
+}
+
+bool KVDataCollection::Delete(const char* query, std::string_view key) {
+  return guard::Reported(view_.sink(), kRules.delete_failed, [&] {
+    const auto group = Group(kRules.delete_failed);
+    const auto item = group ? group->SelectSingleNode(QueryFor(query, key)) : nullptr;
+    if (!item) return false;
+    group->Remove(item);
+    if (view_.data_manager()) view_.data_manager()->Flush();
+    return true;
+  });
+}
+
+std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItem(std::string_view name) {
+  return view_.Get<IKVDataItem>(
+      kRules.by_name, name,
+      [&](const std::shared_ptr<xml::Element>& element) { return View(element); });
+}
+
+std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItemByGUID(std::string_view guid) {
+  return guard::Reported(view_.sink(), kRules.get_failed, [&]() -> std::shared_ptr<IKVDataItem> {
+    const auto group = Group(kRules.get_failed);
+    const auto item = group ? group->SelectSingleNode(QueryFor(kRules.by_guid, guid)) : nullptr;
+    return item ? View(item) : nullptr;
+  });
+}
+
+std::shared_ptr<xml::Element> KVDataCollection::Group(const char* message) const {
+  if (!view_.node()) return nullptr;
+  auto group = view_.node()->SelectSingleNode(tags::kDataGroup);
+  if (!group) view_.sink().Report(message);
+  return group;
+}
+
+std::shared_ptr<IKVDataItem> KVDataCollection::View(const std::shared_ptr<xml::Element>& element) {
+  auto item = std::make_shared<KVDataItem>();
+  item->AttachDataManager(view_.data_manager());
+  item->AttachOwner(std::dynamic_pointer_cast<IKVDataCollection>(shared_from_this()));
+  item->AttachNode(element);
+  return item;
+}
+
+// The name is wrapped although data items' names are not stored so
+// (DataCollectionTest.ExistsLooksForTheWrappedName).
+bool KVDataCollection::DataItemExists(std::string_view name) {
+  return view_.Find(kRules.exists_by_name, WrapName(name)) != nullptr;
+}
+
+bool KVDataCollection::DataItemExistsByGUID(std::string_view guid) {
+  return view_.Find(kRules.exists_by_guid, guid) != nullptr;
+}
+
+}  // namespace kvdm

@@ -1,0 +1,42 @@
+#include "collections/layer_collection.h"
+
+#include "util/kvdm_utils.h"
+#include "util/tags.h"
+
+namespace kvdm {
+
+std::string LayerCollection::Folder() const {
+  if (!view_.node()) return {};
+  const auto folder = Required(view_.data_manager()).WorkingDirectory() + folder_name_;
+  auto& files = *view_.services().files;
+  if (!files.FolderExists(folder)) files.CreateFolder(folder);
+  return folder;
+}
+
+bool LayerCollection::Create(std::string_view name) const {
+  return guard::Reported(view_.sink(), view_.rules().create_failed, [&] {
+    if (!view_.node() || Exists(name)) return false;
+    const auto folder = Folder() + "\\";
+    const auto base_name = UniqueFileName(*view_.services().files, Folder(), name);
+    const auto layer = view_.NewItem(WrapName(name));
+    layer->SetAttribute(attributes::kLayerFile, folder + base_name + ".lyr");
+    layer->SetAttribute(attributes::kCreationTime, view_.CreationTime());
+    view_.node()->Append(layer);
+    return true;
+  });
+}
+
+bool LayerCollection::Delete(const char* query, std::string_view key) const {
+  return guard::Reported(view_.sink(), view_.rules().delete_failed,
+                         [&] { return view_.Remove(query, key) != nullptr; });
+}
+
+bool LayerCollection::Exists(std::string_view name) const {
+  return view_.Find(view_.rules().exists_by_name, WrapName(name)) != nullptr;
+}
+
+bool LayerCollection::ExistsByGUID(std::string_view guid) const {
+  return view_.Find(view_.rules().exists_by_guid, guid) != nullptr;
+}
+
+}  // namespace kvdm

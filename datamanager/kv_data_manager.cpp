@@ -1,0 +1,175 @@
+#include "datamanager/kv_data_manager.h"
+
+#include <algorithm>
+
+#include "datamanager/component.h"
+#include "datamanager/messages.h"
+#include "platform/file_names.h"
+#include "util/default_dir_names.h"
+#include "util/guard.h"
+#include "util/kvdm_utils.h"
+#include "util/registry_strings.h"
+
+namespace kvdm {
+namespace {
+
+constexpr char kWorkingDirectorySetting[] = "VELKKVDirectory";
+constexpr char kDefaultWorkingDirectory[] = "\\My Output Data";
+constexpr char kWrongWorkingDirectoryText[] = "101";
+constexpr char kComponentName[] = "KVDM";
+
+// A number as text, with a blank in place of the sign when it is not negative.
+std::string NumberText(std::int32_t number) {
+  return (number < 0 ? "" : " ") + std::to_string(number);
+}
+
+std::string WithoutTrailingBackslash(std::string path) {
+  if (path.ends_with('\\')) path.pop_back();
+  return path;
+}
+
+}  // namespace
+
+KVDataManager::KVDataManager(Platform platform) : platform_(std::move(platform)) { Start(); }
+
+void KVDataManager::KVDMHandleError(std::string_view message) {
+  guard::Quiet([&] {
+    platform_.message_box->Show(message, messages::kCaption, MessageStyle::kExclamation);
+  });
+}
+
+void KVDataManager::Start() {
+  guard::Handled(
+      [&](const RuntimeError&) {
+        presets_available_ = false;
+        preset_directory_.clear();
+        KVDMHandleError(messages::kPresetDirectory);
+      },
+      [&] {
+        preset_directory_ =
+            ToText(ReadRegistryString(*platform_.registry, RegistryRoot::kLocalMachine,
+                                      kRegistryKey, kPresetDataDirectoryValue));
+        guard::Skipping([&] { ReadCatalogue(); });
+        metadata_ = NewMetadataDocument();
+        presets_ = LoadPresets(*platform_.files, *platform_.xml_parser, preset_directory_);
+        presets_available_ = true;
+        dataset_manager_ = platform_.siblings->CreateDatasetManager();
+        static_cast<void>(dataset_manager_->Initialize());
+      });
+}
+
+void KVDataManager::ReadCatalogue() {
+  const auto stored = ReadRegistryString(*platform_.registry, RegistryRoot::kLocalMachine,
+                                         kRegistryKey, kStudyAreaCollectionValue);
+  const auto text = ToText(stored);
+  catalogue_ = text.empty() ? NewCatalogue() : ParseDocument(*platform_.xml_parser, text);
+  catalogue_understood_ = stored.IsText() && catalogue_->DocumentElement();
+}
+
+void KVDataManager::DMInitialize(const std::shared_ptr<Host>& host) {
+  guard::Reported(report_, messages::kWorkingDirectorySettings, [&] {
+    host_ = host;
+    resources_ = platform_.siblings->CreateResourceFinder();
+    if (host_) SettleWorkingDirectory();
+  });
+}
+
+void KVDataManager::SettleWorkingDirectory() {
+  auto wanted = ToText(Required(host_->Settings()).GetProperty(kWorkingDirectorySetting));
+  if (wanted.empty()) wanted = platform_.files->SystemDrive() + kDefaultWorkingDirectory;
+  SetWorkingDirectory(wanted);
+  const auto wanted_folder = WithoutTrailingBackslash(platform_.files->FullPath(wanted));
+  const auto held_folder = WithoutTrailingBackslash(platform_.files->FullPath(working_directory_));
+  if (SameName(wanted_folder, held_folder)) return;
+  platform_.message_box->Show(resources_->FindString(kWrongWorkingDirectoryText), kComponentName,
+                              MessageStyle::kPlain);
+  working_directory_.clear();
+}
+
+void KVDataManager::SetWorkingDirectory(std::string_view path) {
+  guard::Handled(
+      [&](const RuntimeError&) {
+        metadata_valid_ = false;
+        KVDMHandleError(messages::kInvalidWorkingDirectory);
+      },
+      [&] {
+        const auto folder = CollapseBackslashes(std::string(path) + "\\");
+        metadata_valid_ = true;
+        if (!platform_.files->FolderExists(folder) && !CreateWorkingDirectoryStructure(folder)) {
+          KVDMHandleError(messages::kInvalidWorkingDirectorySelected);
+        }
+        working_directory_ = folder;
+        CleanTemp();
+      });
+}
+
+bool KVDataManager::CreateWorkingDirectoryStructure(const std::string& path) {
+  return guard::Reported(report_, messages::kWorkingDirectoryStructure, [&] {
+    auto& files = *platform_.files;
+    if (!files.FolderExists(path)) {
+      files.CreateFolder(path);
+      for (const auto* name : {sDefaultDirNames::kCustLayers, sDefaultDirNames::kStoreLayers,
+                               sDefaultDirNames::kKelvaroTemp}) {
+        files.CreateFolder(path + "\\" + name);
+      }
+      files.HideFolder(path + "\\" + sDefaultDirNames::kKelvaroTemp);
+    }
+    metadata_ = NewMetadataDocument();
+    return true;
+  });
+}
+
+bool KVDataManager::Flush() {
+  guard::Handled(
+      [&](const RuntimeError& error) {
+        KVDMHandleError(messages::kSaving + NumberText(error.number()) + error.what());
+      },
+      [&] {
+        auto& registry = *platform_.registry;
+        const auto text =
+            catalogue_->Xml([&](char32_t character) { return registry.Holds(character); });
+        if (!catalogue_understood_) {
+          registry.Preserve(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue);
+          catalogue_understood_ = true;
+        }
+        WriteRegistryString(registry, RegistryRoot::kLocalMachine, kRegistryKey,
+                            kStudyAreaCollectionValue, text);
+      });
+  return false;
+}
+
+std::string KVDataManager::GenerateFolderName(std::string_view parent, std::string_view prefix) {
+  return guard::Reported(report_, messages::kNewFolderName, [&] {
+    if (!metadata_valid_) return std::string();
+    return FirstFree(prefix, [&](const std::string& candidate) {
+      return platform_.files->FolderExists(working_directory_ + "\\" + std::string(parent) +
+                                           candidate);
+    });
+  });
+}
+
+std::shared_ptr<Identifier> KVDataManager::ID() {
+  return guard::Quiet([&] {
+    auto identifier = platform_.gis_core->CreateIdentifier();
+    identifier->PutValue(kDataManagerClass);
+    return identifier;
+  });
+}
+
+void KVDataManager::Save(const std::shared_ptr<VariantStream>& stream) {
+  guard::Quiet([&] {
+    Required(stream).Write(metadata_ ? metadata_->Xml() : std::string());
+    Flush();
+  });
+}
+
+void KVDataManager::Load(const std::shared_ptr<VariantStream>& stream) {
+  guard::Quiet([&] {
+    const auto value = Required(stream).Read();
+    if (!value.IsText()) return;
+    metadata_ = ParseDocument(*platform_.xml_parser, ToText(value));
+    if (!metadata_->DocumentElement()) metadata_ = nullptr;
+  });
+}
+
+}  // namespace kvdm

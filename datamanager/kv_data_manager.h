@@ -1,0 +1,106 @@
+// The root object: the three documents, the working directory and the link to the host.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "datamanager/area_registry.h"
+#include "datamanager/documents.h"
+#include "datamanager/friends.h"
+#include "datamanager/interfaces.h"
+#include "util/error_sink.h"
+
+namespace kvdm {
+
+// Every operation traps its errors, shows a message and returns its neutral result.
+class KVDataManager final : public DataManagerFriend,
+                            public IKVDMInitialize,
+                            public IPersistVariant {
+ public:
+  // Reads the registry and the preset catalogue, and starts a fresh metadata document.
+  explicit KVDataManager(Platform platform);
+
+  std::string WorkingDirectory() override { return working_directory_; }
+  void SetWorkingDirectory(std::string_view path) override;
+  std::shared_ptr<DatasetManager> GetDatasetManager() override { return dataset_manager_; }
+  bool Flush() override;
+  std::string TmpFilePath() override;
+  void CleanTemp() override;
+  std::shared_ptr<IKVAnalysisCollection> AnalysisCollection() override;
+  std::shared_ptr<IKVDataCollection> DataCollection() override;
+  std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection() override;
+  std::shared_ptr<IKVTablesManager> TablesManager() override;
+  std::shared_ptr<IKVCustLayerCollection> CustLayerCollection() override;
+  std::shared_ptr<IKVStoreLayerCollection> StoreLayerCollection() override;
+  NameListRef PDataList() override;
+  std::string GetPDataFile(std::string_view name) override;
+
+  void DMInitialize(const std::shared_ptr<Host>& host) override;
+
+  std::shared_ptr<Identifier> ID() override;
+  void Load(const std::shared_ptr<VariantStream>& stream) override;
+  void Save(const std::shared_ptr<VariantStream>& stream) override;
+
+  // For the other classes of the component.
+  std::shared_ptr<Host> HostObject() override { return host_; }
+  void KVDMHandleError(std::string_view message) override;
+  std::shared_ptr<ResourceFinder> Resources() override { return resources_; }
+  [[nodiscard]] const Platform& Services() const override { return platform_; }
+  // Creates the working directory's folders when it is missing, and starts the metadata afresh in
+  // any case.
+  bool CreateWorkingDirectoryStructure(const std::string& path);
+  // The first free folder name below `parent` in the working directory: `prefix`, then `prefix`
+  // followed by 1, 2, 3 ...
+  // "" while there is no valid metadata.
+  std::string GenerateFolderName(std::string_view parent, std::string_view prefix);
+  // The identifiers of the preset data items; Nothing after a failed start-up.
+  NameListRef PDataGUIDList();
+  std::string GetPDataFileByGUID(std::string_view guid);
+  // The study areas and layers that stand directly in the metadata.
+  AreaRegistry& Areas() { return areas_; }
+
+ private:
+  friend class AreaRegistry;
+
+  // Shows a report in a message box.
+  class ReportBox final : public ErrorSink {
+   public:
+    explicit ReportBox(KVDataManager& manager) : manager_(manager) {}
+    void Report(std::string_view message) const override { manager_.KVDMHandleError(message); }
+
+   private:
+    KVDataManager& manager_;
+  };
+
+  void Start();
+  void ReadCatalogue();
+  void SettleWorkingDirectory();
+  [[nodiscard]] std::string TempFolder() const;
+  NameListRef ListPresets(const char* attribute);
+  std::string PresetFile(const char* query, std::string_view key);
+  // The collection element `tag` of the metadata, created when it is missing.
+  std::shared_ptr<xml::Element> CollectionElement(const char* tag);
+  template <class Collection>
+  std::shared_ptr<Collection> BindCollection(std::shared_ptr<xml::Element> element);
+
+  Platform platform_;
+  ReportBox report_{*this};
+  AreaRegistry areas_{*this};
+  std::string working_directory_;
+  std::string preset_directory_;
+  bool metadata_valid_ = false;
+  bool presets_available_ = false;
+  // False while the registry may hold a catalogue that this object could not read; it is then kept
+  // before it is overwritten.
+  bool catalogue_understood_ = false;
+  DocumentRef metadata_;
+  DocumentRef catalogue_ = std::make_shared<xml::Document>();
+  DocumentRef presets_ = std::make_shared<xml::Document>();
+  std::shared_ptr<DatasetManager> dataset_manager_;
+  std::shared_ptr<ResourceFinder> resources_;
+  std::shared_ptr<Host> host_;
+};
+
+}  // namespace kvdm

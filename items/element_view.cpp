@@ -1,0 +1,97 @@
+#include "items/element_view.h"
+
+#include "util/guard.h"
+#include "util/kvdm_utils.h"
+#include "util/tags.h"
+
+namespace kvdm {
+namespace {
+
+constexpr char kCommentsQuery[] = "./COMMENTS";
+constexpr char kParameterQuery[] = "./PARAM[@NAME=";
+
+}  // namespace
+
+void ElementView::AttachDataManager(DataManagerRef data_manager) {
+  sink_ = make_sink_(data_manager);
+  data_manager_ = std::move(data_manager);
+}
+
+void ElementView::Flush() const {
+  if (data_manager_) data_manager_->Flush();
+}
+
+std::string ElementView::Text(std::string_view attribute) const {
+  return node_ ? ToText(node_->GetAttribute(attribute)) : std::string();
+}
+
+std::string ElementView::TextOrNothing(std::string_view attribute) const {
+  return guard::Quiet([&] { return Text(attribute); });
+}
+
+void ElementView::Set(std::string_view attribute, const Value& value) const {
+  if (node_) node_->SetAttribute(attribute, value);
+}
+
+void ElementView::SetAndFlush(std::string_view attribute, const Value& value) const {
+  if (!node_) return;
+  node_->SetAttribute(attribute, value);
+  Flush();
+}
+
+std::string ElementView::Comments() const {
+  const auto comments = node_ ? node_->SelectSingleNode(kCommentsQuery) : nullptr;
+  return comments ? WidenLineEnds(comments->Text()) : std::string();
+}
+
+void ElementView::SetComments(std::string_view comments) const {
+  if (!node_) return;
+  SelectOrAppend(*node_, kCommentsQuery, tags::kComments)->SetText(comments);
+  Flush();
+}
+
+bool ElementView::SetParameter(std::string_view name, std::string_view value) const {
+  if (!node_) return false;
+  auto parameter = node_->SelectSingleNode(QueryFor(kParameterQuery, name));
+  if (!parameter) {
+    parameter = xml::Element::Create(tags::kParameter);
+    parameter->SetAttribute(attributes::kName, name);
+    node_->Append(parameter);
+  }
+  parameter->SetAttribute(attributes::kValue, value);
+  Flush();
+  return true;
+}
+
+std::string ElementView::GetParameter(std::string_view name) const {
+  const auto parameter = node_ ? node_->SelectSingleNode(QueryFor(kParameterQuery, name)) : nullptr;
+  return parameter ? ToText(parameter->GetAttribute(attributes::kValue)) : std::string();
+}
+
+NameListRef ElementView::ParametersList() const {
+  if (!node_) return nullptr;
+  auto names = std::make_shared<NameList>();
+  for (const auto& parameter : node_->Children(tags::kParameter)) {
+    names->Add(parameter->GetAttribute(attributes::kName));
+  }
+  return names;
+}
+
+bool ElementView::ClearParameters() const {
+  if (!node_) return false;
+  for (const auto& parameter : node_->Children(tags::kParameter)) node_->Remove(parameter);
+  Flush();
+  return true;
+}
+
+std::shared_ptr<xml::Element> SelectOrAppend(xml::Element& parent, std::string_view query,
+                                             std::string_view tag) {
+  auto element = parent.SelectSingleNode(query);
+  if (!element) {
+    element = xml::Element::Create(tag);
+    parent.Append(element);
+  }
+  return element;
+}
+
+}  // namespace kvdm

@@ -1,0 +1,49 @@
+#include "items/kv_cust_layer.h"
+
+#include "items/metadata_exchange.h"
+
+namespace kvdm {
+namespace {
+
+constexpr char kLayerType[] = "Customer Layer";
+
+}  // namespace
+
+std::string KVCustLayer::LinkField() { return view().TextOrNothing(attributes::kLinkField); }
+
+void KVCustLayer::SetLinkField(std::string_view field) {
+  SetQuietly(attributes::kLinkField, field);
+}
+
+bool KVCustLayer::IsTaken(std::string_view name) {
+  const auto layers = Required(view().data_manager()).CustLayerCollection();
+  return Required(layers).CustLayerExists(name);
+}
+
+void KVCustLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
+  ExportDocument(metadata, gis_core(), [&](NamedValueSet& document) {
+    document.PutValue(metadata_paths::kLayerType, kLayerType);
+    document.PutValue(metadata_paths::kName, Name());
+    document.PutValue(metadata_paths::kGuid, GUID());
+    document.PutValue(metadata_paths::kIdField, IDField());
+    document.PutValue(metadata_paths::kLinkField, LinkField());
+    document.PutValue(metadata_paths::kNameField, NameField());
+    document.PutValue(metadata_paths::kComments, Comments());
+    document.PutValue(metadata_paths::kIsInternalData, IsInternalData());
+  });
+}
+
+void KVCustLayer::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
+  guard::Quiet([&] {
+    const auto document = ReadDocumentOf(metadata, kLayerType);
+    if (!document) return;
+    SetIDField(FirstText(*document, metadata_paths::kIdField));
+    SetLinkField(FirstText(*document, metadata_paths::kLinkField));
+    SetNameField(FirstText(*document, metadata_paths::kNameField));
+    SetComments(FirstText(*document, metadata_paths::kComments));
+    layer_edit().SetGUID(FirstText(*document, metadata_paths::kGuid));
+    SetIsInternalData(ToBoolean(FirstValue(*document, metadata_paths::kIsInternalData)));
+  });
+}
+
+}  // namespace kvdm

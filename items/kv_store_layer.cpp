@@ -1,0 +1,47 @@
+#include "items/kv_store_layer.h"
+
+#include "items/metadata_exchange.h"
+#include "items/path_types.h"
+
+namespace kvdm {
+namespace {
+
+constexpr char kLayerType[] = "Store Layer";
+
+}  // namespace
+
+void KVStoreLayer::SetLayerFile(std::string_view path) {
+  view().Set(attributes::kLayerFile, path);
+  view().SetAndFlush(attributes::kPathType, path_types::kAbsolute);
+}
+
+bool KVStoreLayer::IsTaken(std::string_view name) {
+  const auto layers = Required(view().data_manager()).StoreLayerCollection();
+  return Required(layers).StoreLayerExists(name);
+}
+
+void KVStoreLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
+  ExportDocument(metadata, gis_core(), [&](NamedValueSet& document) {
+    document.PutValue(metadata_paths::kLayerType, kLayerType);
+    document.PutValue(metadata_paths::kName, Name());
+    document.PutValue(metadata_paths::kGuid, GUID());
+    document.PutValue(metadata_paths::kIdField, IDField());
+    document.PutValue(metadata_paths::kNameField, NameField());
+    document.PutValue(metadata_paths::kComments, Comments());
+    document.PutValue(metadata_paths::kIsInternalData, IsInternalData());
+  });
+}
+
+void KVStoreLayer::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
+  guard::Quiet([&] {
+    const auto document = ReadDocumentOf(metadata, kLayerType);
+    if (!document) return;
+    SetIDField(FirstText(*document, metadata_paths::kIdField));
+    SetNameField(FirstText(*document, metadata_paths::kNameField));
+    SetComments(FirstText(*document, metadata_paths::kComments));
+    layer_edit().SetGUID(FirstText(*document, metadata_paths::kGuid));
+    SetIsInternalData(ToBoolean(FirstValue(*document, metadata_paths::kIsInternalData)));
+  });
+}
+
+}  // namespace kvdm

@@ -1,0 +1,135 @@
+#include "studyarea/kv_study_area_collection.h"
+
+#include "collections/current_study_area.h"
+#include "collections/messages.h"
+#include "studyarea/kv_study_area.h"
+#include "util/default_dir_names.h"
+#include "util/kvdm_utils.h"
+#include "util/tags.h"
+
+namespace kvdm {
+namespace {
+
+constexpr CollectionRules kRules = {
+    .tag = tags::kStudyArea,
+    .by_name = "./STUDYAREA[@NAME=",
+    .by_guid = "./STUDYAREA[@GUID=",
+    .exists_by_name = "./STUDYAREA[@NAME = ",
+    .exists_by_guid = "./STUDYAREA[@GUID = ",
+    .sink = &MakeSink<LateBoundSink>,
+    .list_failed = messages::kStudyAreasList,
+    .create_failed = messages::kCreateStudyArea,
+    .delete_failed = messages::kDeleteStudyArea,
+    .get_failed = messages::kGetStudyArea,
+};
+
+constexpr char kLayerFileName[] = "StudyArea.lyr";
+
+}  // namespace
+
+KVStudyAreaCollection::KVStudyAreaCollection(std::shared_ptr<GisCore> gis_core)
+    : view_(kRules, std::move(gis_core)) {}
+
+NameListRef KVStudyAreaCollection::StudyAreasList() {
+  const auto all = view_.List(attributes::kName);
+  if (!all) return nullptr;
+  auto listed = std::make_shared<NameList>();
+  for (const auto& name : *all) {
+    if (name != Value(kUnlistedStudyArea)) listed->Add(name);
+  }
+  return listed;
+}
+
+NameListRef KVStudyAreaCollection::StudyAreasGUIDsList() { return view_.List(attributes::kGuid); }
+
+bool KVStudyAreaCollection::CreateStudyArea(std::string_view name) {
+  std::string folder;
+  const bool appended = guard::Reported(view_.sink(), kRules.create_failed, [&] {
+    if (!view_.node() || StudyAreaExists(name)) return false;
+    folder = AppendStudyArea(name);
+    return true;
+  });
+  if (!appended) return false;
+  auto& files = *view_.services().files;
+  guard::Skipping([&] { files.CreateFolder(StudyAreasFolder()); });
+  const bool created = guard::Skipping([&] { files.CreateFolder(folder); });
+  guard::Skipping([&] { view_.data_manager()->Flush(); });
+  return created;
+}
+
+// Appends the study area's element and returns the path of its folder, which is not made yet.
+std::string KVStudyAreaCollection::AppendStudyArea(std::string_view name) {
+  const auto folder =
+      StudyAreasFolder() + view_.GenerateNewDirName(StudyAreasFolder(), name) + "\\";
+  const auto study_area = view_.NewItem(WrapName(name));
+  study_area->SetAttribute(attributes::kDirName, folder);
+  study_area->SetAttribute(attributes::kLayerFile, folder + kLayerFileName);
+  study_area->SetAttribute(attributes::kCreationTime, view_.CreationTime());
+  view_.node()->Append(study_area);
+  study_area->Append(xml::Element::Create(tags::kStudyAreaProperties));
+  return folder;
+}
+
+std::string KVStudyAreaCollection::StudyAreasFolder() const {
+  return Required(view_.data_manager()).WorkingDirectory() + sDefaultDirNames::kStudyAreas + "\\";
+}
+
+bool KVStudyAreaCollection::DeleteStudyArea(std::string_view name) {
+  return guard::Reported(view_.sink(), kRules.delete_failed, [&] {
+    if (view_.Unbound()) return false;
+    CloseIfCurrent(name);
+    return Delete(kRules.by_name, WrapName(name), false);
+  });
+}
+
+bool KVStudyAreaCollection::DeleteStudyAreaByGUID(std::string_view guid) {
+  return guard::Reported(view_.sink(), kRules.delete_failed,
+                         [&] { return Delete(kRules.by_guid, guid, true); });
+}
+
+void KVStudyAreaCollection::CloseIfCurrent(std::string_view name) {
+  const auto host = Required(view_.data_manager()).HostObject();
+  const auto state = Required(host).CurrentState();
+  if (ToText(Required(state).GetProperty(kStudyAreaNameProperty)) != name) return;
+  state->SetProperty(kStudyAreaNameProperty, "");
+}
+
+// By name the folder is DIRNAME itself; by identifier DIRNAME is taken as a path below
+// "StudyAreas", which finds nothing for the full path that creation stores
+// (StudyAreaDeletionTest.DeletingByGuidLeavesTheFolder).
+bool KVStudyAreaCollection::Delete(const char* query, std::string_view key,
+                                   bool below_study_areas) {
+  const auto study_area = view_.Remove(query, key);
+  if (!study_area) return false;
+  const auto folder = ToText(study_area->GetAttribute(attributes::kDirName));
+  view_.DeleteFolder(below_study_areas && !folder.empty() ? StudyAreasFolder() + folder : folder);
+  Required(view_.data_manager()).Flush();
+  return true;
+}
+
+std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::GetStudyArea(std::string_view name) {
+  return Get(kRules.by_name, WrapName(name));
+}
+
+std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::GetStudyAreaByGUID(std::string_view guid) {
+  return Get(kRules.by_guid, guid);
+}
+
+std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::Get(const char* query, std::string_view key) {
+  return view_.Get<IKVStudyArea>(query, key, [&](const std::shared_ptr<xml::Element>& element) {
+    auto study_area = std::make_shared<KVStudyArea>(view_.gis_core());
+    study_area->SetNode(element);
+    study_area->SetDataManager(view_.data_manager());
+    return study_area;
+  });
+}
+
+bool KVStudyAreaCollection::StudyAreaExists(std::string_view name) {
+  return view_.Find(kRules.exists_by_name, WrapName(name)) != nullptr;
+}
+
+bool KVStudyAreaCollection::StudyAreaExistsByGUID(std::string_view guid) {
+  return view_.Find(kRules.exists_by_guid, guid) != nullptr;
+}
+
+}  // namespace kvdm

@@ -1,0 +1,39 @@
+// The study areas of the catalogue, over its root element.
+#pragma once
+
+#include "collections/collection_view.h"
+#include "datamanager/interfaces.h"
+
+namespace kvdm {
+
+class KVStudyAreaCollection final : public IKVStudyAreaCollection {
+ public:
+  explicit KVStudyAreaCollection(std::shared_ptr<GisCore> gis_core);
+
+  NameListRef StudyAreasList() override;
+  bool CreateStudyArea(std::string_view name) override;
+  bool DeleteStudyArea(std::string_view name) override;
+  std::shared_ptr<IKVStudyArea> GetStudyArea(std::string_view name) override;
+  bool StudyAreaExists(std::string_view name) override;
+  NameListRef StudyAreasGUIDsList() override;
+  bool DeleteStudyAreaByGUID(std::string_view guid) override;
+  std::shared_ptr<IKVStudyArea> GetStudyAreaByGUID(std::string_view guid) override;
+  bool StudyAreaExistsByGUID(std::string_view guid) override;
+
+  // Bound by the data manager right after creation.
+  void SetDataManager(DataManagerRef data_manager) {
+    view_.SetDataManager(std::move(data_manager));
+  }
+  void SetNode(std::shared_ptr<xml::Element> node) { view_.SetNode(std::move(node)); }
+
+ private:
+  [[nodiscard]] std::string StudyAreasFolder() const;
+  std::string AppendStudyArea(std::string_view name);
+  void CloseIfCurrent(std::string_view name);
+  bool Delete(const char* query, std::string_view key, bool below_study_areas);
+  std::shared_ptr<IKVStudyArea> Get(const char* query, std::string_view key);
+
+  CollectionView view_;
+};
+
+}  // namespace kvdm

@@ -1,0 +1,30 @@
+#include "studyarea/kv_tables_manager.h"
+
+#include "collections/current_study_area.h"
+#include "studyarea/messages.h"
+#include "util/default_dir_names.h"
+#include "util/guard.h"
+#include "util/kvdm_utils.h"
+
+namespace kvdm {
+namespace {
+
+constexpr char kTableBaseName[] = "Table";
+
+}  // namespace
+
+std::string KVTablesManager::TablesDir() {
+  return data_manager_ ? CurrentFolder(*data_manager_) + sDefaultDirNames::kTables : std::string();
+}
+
+// The folder is looked up afresh at each step.
+std::string KVTablesManager::FreeTablePath() {
+  return guard::Reported(LateBoundSink(data_manager_), messages::kFreeTablePath, [&] {
+    auto& files = *Required(data_manager_).Services().files;
+    CreateFolderPath(files, TablesDir());
+    const auto name = UniqueFileName(files, TablesDir(), kTableBaseName);
+    return CollapseBackslashes(TablesDir() + "\\" + name);
+  });
+}
+
+}  // namespace kvdm

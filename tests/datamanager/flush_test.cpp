@@ -1,0 +1,210 @@
+// The study area catalogue in the registry.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <stdexcept>
+
+#include "platform/memory/failing_services.h"
+#include "tests/test_world.h"
+#include "util/registry_strings.h"
+
+namespace kvdm {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char kDamaged[] = "<STUDYAREACOLLECTION><STUDYAREA NAME=\"_North_\"/>";
+constexpr char kEmptyCatalogue[] = "<STUDYAREACOLLECTION/>\r\n";
+
+// A registry whose writes end in an error.
+class BrokenRegistry : public FailingRegistry {
+ public:
+  BrokenRegistry(std::shared_ptr<Registry> inner, std::function<void()> fails)
+      : FailingRegistry(std::move(inner), std::make_shared<FailureCounter>()),
+        fails_(std::move(fails)) {}
+  bool WriteText(RegistryRoot, std::string_view, std::string_view, std::string_view) override {
+    fails_();
+    return true;
+  }
+
+ private:
+  std::function<void()> fails_;
+};
+
+// What Flush shows when the write ends in `fails`.
+ShownMessage MessageOf(std::function<void()> fails) {
+  const MemoryPlatform platform;
+  auto services = platform.Bundle();
+  services.registry = std::make_shared<BrokenRegistry>(platform.registry, std::move(fails));
+  EXPECT_FALSE(KVDataManager(services).Flush());
+  const auto& messages = platform.box->Messages();
+  return messages.size() == 1 ? messages[0] : ShownMessage{};
+}
+
+TEST(FlushTest, WritesTheCatalogueAsOneStringAndIsFalse) {
+  TestWorld world;
+  EXPECT_FALSE(world.manager->Flush());
+  EXPECT_EQ(world.platform.registry->Read(RegistryRoot::kLocalMachine, R"(Software\Velk\Kelvaro)",
+                                          "StudyAreaCollection"),
+            (RegistryValue{RegistryType::kText, kEmptyCatalogue}));
+  EXPECT_THAT(world.Messages(), IsEmpty());
+}
+
+TEST(FlushTest, AnErrorIsShownWithItsNumberAndDescriptionRunTogether) {
+  EXPECT_EQ(MessageOf([] { throw RuntimeError(kPermissionDenied); }),
+            (ShownMessage{"error while saving XML   70Permission denied", "Kelvaro",
+                          MessageStyle::kExclamation}));
+}
+
+TEST(FlushTest, ANegativeNumberHasNoLeadingBlank) {
+  EXPECT_EQ(MessageOf([] { throw RuntimeError(kAutomationFailure); }).text,
+            "error while saving XML  -2147467259Automation error");
+  EXPECT_EQ(MessageOf([] { throw std::runtime_error("disk gone"); }).text,
+            "error while saving XML  -2147467259disk gone");
+}
+
+TEST(FlushTest, ARefusedWriteIsFalseTooAndShowsNothing) {
+  TestWorld world;
+  world.LoadCatalogue("<STUDYAREACOLLECTION A=\"old\"/>");
+  world.platform.registry->SetWritable(false);
+  EXPECT_FALSE(world.manager->Flush());
+  EXPECT_EQ(world.StoredCatalogue(), "<STUDYAREACOLLECTION A=\"old\"/>");
+  EXPECT_THAT(world.Messages(), IsEmpty());
+}
+
+TEST(FlushTest, ABrokenMessageBoxDoesNotReachTheCaller) {
+  const MemoryPlatform platform;
+  auto services = platform.Bundle();
+  services.registry = std::make_shared<BrokenRegistry>(
+      platform.registry, [] { throw RuntimeError(kPermissionDenied); });
+  services.message_box =
+      std::make_shared<FailingMessageBox>(platform.box, std::make_shared<FailureCounter>(0, 1));
+  KVDataManager manager(services);
+  EXPECT_NO_THROW(manager.Flush());
+}
+
+TEST(FlushTest, ADamagedCatalogueListsNothing) {
+  TestWorld world;
+  world.LoadCatalogue(kDamaged);
+  EXPECT_EQ(world.manager->StudyAreaCollection()->StudyAreasList(), nullptr);
+  EXPECT_THAT(world.Messages(), IsEmpty());
+}
+
+TEST(FlushTest, ADamagedCatalogueIsPreservedOnceBeforeItIsOverwritten) {
+  TestWorld world;
+  world.LoadCatalogue(kDamaged);
+  EXPECT_THAT(world.platform.registry->Preserved(), IsEmpty());
+  world.manager->Flush();
+  world.manager->Flush();
+  const auto& preserved = world.platform.registry->Preserved();
+  ASSERT_EQ(preserved.size(), 1U);
+  EXPECT_EQ(preserved[0].root, RegistryRoot::kLocalMachine);
+  EXPECT_EQ(preserved[0].key, R"(Software\Velk\Kelvaro)");
+  EXPECT_EQ(preserved[0].name, "StudyAreaCollection");
+  EXPECT_EQ(preserved[0].value, (RegistryValue{RegistryType::kText, kDamaged}));
+  EXPECT_EQ(world.StoredCatalogue(), "");
+}
+
+TEST(FlushTest, AfterADamagedCatalogueTheNextStartBeginsAnew) {
+  TestWorld world;
+  world.LoadCatalogue(kDamaged);
+  world.manager->Flush();
+  world.Restart();
+  EXPECT_TRUE(world.manager->StudyAreaCollection()->CreateStudyArea("South"));
+  world.Restart();
+  EXPECT_THAT(Texts(world.manager->StudyAreaCollection()->StudyAreasList()), ElementsAre("South"));
+  EXPECT_EQ(world.platform.registry->Preserved().size(), 1U);
+}
+
+TEST(FlushTest, AValueThatIsNoStringIsPreservedToo) {
+  const MemoryPlatform platform;
+  platform.registry->Put(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue,
+                         RegistryType::kExpandText, "<STUDYAREACOLLECTION A=\"1\"/>");
+  KVDataManager manager(platform.Bundle());
+  manager.Flush();
+  ASSERT_EQ(platform.registry->Preserved().size(), 1U);
+  EXPECT_EQ(platform.registry->Preserved()[0].value.type, RegistryType::kExpandText);
+  EXPECT_EQ(
+      platform.registry->Read(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue),
+      (RegistryValue{RegistryType::kText, kEmptyCatalogue}));
+}
+
+TEST(FlushTest, ACatalogueThatWasUnderstoodIsNotPreserved) {
+  for (const std::string text : {"", "<STUDYAREACOLLECTION/>", "<OTHER/>"}) {
+    TestWorld world;
+    world.LoadCatalogue(text);
+    world.manager->Flush();
+    EXPECT_THAT(world.platform.registry->Preserved(), IsEmpty()) << text;
+  }
+  TestWorld without;
+  without.manager->Flush();
+  EXPECT_THAT(without.platform.registry->Preserved(), IsEmpty());
+}
+
+TEST(FlushTest, KeepsWhatItDoesNotKnowByteForByte) {
+  TestWorld world;
+  const std::string text =
+      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<!--mine--><STUDYAREACOLLECTION X=\"&#9;&#10;"
+      "&#13;&quot;'\">\r\n  <STUDYAREA/>text &lt;&amp;&gt;<EXTRA A=\"北\"/>"
+      "</STUDYAREACOLLECTION>";
+  world.LoadCatalogue(text);
+  world.manager->Flush();
+  const auto once = world.StoredCatalogue();
+  EXPECT_THAT(once, HasSubstr("X=\"&#9;&#10;&#13;&quot;'\">\r\n  <STUDYAREA/>text &lt;&amp;&gt;"
+                              "<EXTRA A=\"北\"/></STUDYAREACOLLECTION>\r\n"));
+  EXPECT_THAT(once, HasSubstr("<!--mine-->"));
+  world.Restart();
+  world.manager->Flush();
+  EXPECT_EQ(world.StoredCatalogue(), once);
+}
+
+struct Windows1252Test : testing::Test {
+  std::shared_ptr<IKVStudyAreaCollection> StudyAreas() const {
+    return world.manager->StudyAreaCollection();
+  }
+  TestWorld world{CodePage::kWindows1252};
+};
+
+TEST_F(Windows1252Test, NamesSurviveARestart) {
+  const std::vector<std::string> names = {"Läden 5 €", "Жар", "北区 \U0001F600", "ā & A"};
+  for (const auto& name : names) EXPECT_TRUE(StudyAreas()->CreateStudyArea(name)) << name;
+  world.Restart();
+  EXPECT_EQ(Texts(StudyAreas()->StudyAreasList()), names);
+  for (const auto& name : names) EXPECT_TRUE(StudyAreas()->StudyAreaExists(name)) << name;
+  EXPECT_FALSE(StudyAreas()->StudyAreaExists("???"));
+}
+
+TEST_F(Windows1252Test, CharactersItLacksAreStoredAsReferences) {
+  ASSERT_TRUE(StudyAreas()->CreateStudyArea("Жä"));
+  EXPECT_THAT(world.StoredCatalogue(), HasSubstr("NAME=\"_&#1046;ä_\""));
+}
+
+TEST_F(Windows1252Test, CommentsAndFoldersSurviveARestart) {
+  const std::string comments = "  北区: <Ж> & \"\U0001F600\"  ";
+  ASSERT_TRUE(StudyAreas()->CreateStudyArea("Жар"));
+  StudyAreas()->GetStudyArea("Жар")->SetComments(comments);
+  world.Restart();
+  EXPECT_EQ(StudyAreas()->GetStudyArea("Жар")->Comments(), comments);
+  EXPECT_TRUE(
+      world.platform.files->FolderExists(StudyAreas()->GetStudyArea("Жар")->StudyAreaDir()));
+}
+
+TEST_F(Windows1252Test, TheWholeCatalogueIsStoredHoweverManyBytesItTakes) {
+  const std::string name(200, 'x');
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(StudyAreas()->CreateStudyArea(std::to_string(i) + "ж" + name));
+  }
+  world.Restart();
+  EXPECT_EQ(StudyAreas()->StudyAreasList()->Count(), 20);
+}
+
+TEST_F(Windows1252Test, TheMetadataDocumentDoesNotPassTheCodePage) {
+  ASSERT_TRUE(world.manager->CustLayerCollection()->CreateCustLayer("Жар"));
+  EXPECT_THAT(world.Metadata(), HasSubstr("NAME=\"_Жар_\""));
+}
+
+}  // namespace
+}  // namespace kvdm
