@@ -1,0 +1,58 @@
+#include "host/arguments.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <utility>
+
+namespace kvdm {
+namespace {
+
+std::string ExamplesText(std::string_view examples) {
+  std::string text = "Examples:\n  ";
+  for (const char character : examples) {
+    text += character;
+    if (character == '\n') text += "  ";
+  }
+  return text + "\n\nEvery command takes -p FILE (the project), --json and --debug.";
+}
+
+}  // namespace
+
+std::string PathOf(const CLI::App& app) {
+  const CLI::App* parent = app.get_parent();
+  return parent == nullptr ? app.get_name() : PathOf(*parent) + " " + app.get_name();
+}
+
+void Arguments::Required(const std::string& name, std::string& value, const std::string& help) {
+  app_->add_option(name, value, help)->required()->option_text(" ");
+}
+
+void Arguments::Optional(const std::string& name, std::optional<std::string>& value,
+                         const std::string& help) {
+  app_->add_option(name, value, help)->option_text(name.starts_with('-') ? "TEXT" : " ");
+}
+
+void Arguments::Flag(const std::string& name, bool& value, const std::string& help) {
+  app_->add_flag(name, value, help);
+}
+
+CommandGroup CommandGroup::Group(const std::string& name, const std::string& help) const {
+  CLI::App* app = app_->add_subcommand(name, help)->fallthrough()->require_subcommand(1);
+  return {*app, *chosen_};
+}
+
+CLI::App& CommandGroup::NewApp(const std::string& name, const std::string& help,
+                               std::string_view examples) const {
+  CLI::App* app = app_->add_subcommand(name, help)->fallthrough();
+  app->footer(ExamplesText(examples));
+  return *app;
+}
+
+void CommandGroup::Bind(CLI::App& app, std::shared_ptr<Command> command) const {
+  app.callback([chosen = chosen_, &app, command = std::move(command)] {
+    *chosen = {PathOf(app), command};
+  });
+}
+
+}  // namespace kvdm

@@ -1,0 +1,67 @@
+// How commands declare what they take. Help and parsing both come from the declaration.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/command.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kvdm {
+
+// How people call the command: "kvdm area list".
+[[nodiscard]] std::string PathOf(const CLI::App& app);
+
+// The arguments of one command. A name such as "NAME" is a place in the command line, one such as
+// "--area" an option. The members bound must outlive the parsing.
+class Arguments {
+ public:
+  explicit Arguments(CLI::App& app) : app_(&app) {}
+
+  void Required(const std::string& name, std::string& value, const std::string& help);
+  void Optional(const std::string& name, std::optional<std::string>& value,
+                const std::string& help);
+  void Flag(const std::string& name, bool& value, const std::string& help);
+
+ private:
+  CLI::App* app_;
+};
+
+// A word of the command line that has commands under it.
+//
+//   CommandGroup area = root.Group("area", "Study areas");
+//   area.Add<AreaList>("list", "List the study areas", "kvdm area list --json");
+class CommandGroup {
+ public:
+  // The command that the command line asks for.
+  struct Chosen {
+    std::string path;  // "kvdm area list"
+    std::shared_ptr<Command> command;
+  };
+
+  CommandGroup(CLI::App& app, Chosen& chosen) : app_(&app), chosen_(&chosen) {}
+
+  [[nodiscard]] CommandGroup Group(const std::string& name, const std::string& help) const;
+
+  // Adds a command; `examples` are whole command lines, one a line.
+  template <class SomeCommand>
+  void Add(const std::string& name, const std::string& help, std::string_view examples) const {
+    CLI::App& app = NewApp(name, help, examples);
+    Bind(app, std::make_shared<SomeCommand>(Arguments(app)));
+  }
+
+ private:
+  [[nodiscard]] CLI::App& NewApp(const std::string& name, const std::string& help,
+                                 std::string_view examples) const;
+  void Bind(CLI::App& app, std::shared_ptr<Command> command) const;
+
+  CLI::App* app_;
+  Chosen* chosen_;
+};
+
+}  // namespace kvdm

@@ -1,0 +1,245 @@
+// kvdm area: the study areas, which all projects of a user share.
+#include "host/commands/groups.h"
+#include "host/commands/item_comment.h"
+#include "host/sources.h"
+
+namespace kvdm {
+namespace {
+
+// A study area without a dataset answers with a message; to people it just has none.
+std::string DatasetOf(IKVStudyArea& area, Output& out) {
+  return out.Quietly([&] { return area.Dataset(); });
+}
+
+Record AreaRecord(IKVStudyArea& area, Session& session, Output& out) {
+  return {{"name", area.Name()},
+          {"guid", area.GUID()},
+          {"folder", area.StudyAreaDir()},
+          {"layer_file", area.LayerFile()},
+          {"dataset", DatasetOf(area, out)},
+          {"current", area.Name() == session.Component().CurrentStudyArea()},
+          {"comments", WithPlainLineEnds(area.Comments())}};
+}
+
+class AreaList : public ReadingCommand {
+ public:
+  explicit AreaList(Arguments) {}
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto source = StudyAreas(session);
+    out.Items(Descriptions(source, AllItems(source)), "There are no study areas.");
+  }
+};
+
+class AreaCreate : public ChangingCommand {
+ public:
+  explicit AreaCreate(Arguments arguments) {
+    arguments.Required("NAME", name_, "Its name, which names its folder too");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    RequireFolderName(name_);
+    RequireFreeName(StudyAreas(session), name_);
+    const bool complete = StudyAreaCollection(session)->CreateStudyArea(name_);
+    const auto area = FindItem(StudyAreas(session), name_);
+    if (!complete) {
+      throw Failure(ExitCode::kRefused,
+                    fmt::format("The study area {} was recorded, but its folder {} could not be "
+                                "made. Delete it with 'kvdm area delete' before trying again.",
+                                name_, area->StudyAreaDir()));
+    }
+    out.Done(StudyAreas(session).describe(*area),
+             fmt::format("Created the study area {} in {}.", name_, area->StudyAreaDir()));
+  }
+
+  std::string name_;
+};
+
+class AreaShow : public ReadingCommand {
+ public:
+  explicit AreaShow(Arguments arguments) {
+    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    out.Fields(AreaRecord(*FindItem(StudyAreas(session), name_), session, out));
+  }
+
+  std::string name_;
+};
+
+class AreaRename : public ChangingCommand {
+ public:
+  explicit AreaRename(Arguments arguments) {
+    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Required("NEW", new_name_, "Its new name; its folder keeps the old one");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto source = StudyAreas(session);
+    const auto area = FindItem(source, name_);
+    const std::string old_name = area->Name();
+    RequireFreeName(source, new_name_, area->GUID());
+    area->SetName(new_name_);
+    RequireRenamed(*area, new_name_);
+    if (session.Component().CurrentStudyArea() == old_name) {
+      session.Component().SetCurrentStudyArea(new_name_);
+    }
+    out.Done(source.describe(*area),
+             fmt::format("Renamed the study area {} to {}.", old_name, area->Name()));
+  }
+
+  std::string name_;
+  std::string new_name_;
+};
+
+class AreaDelete : public ChangingCommand {
+ public:
+  explicit AreaDelete(Arguments arguments) {
+    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Flag("--yes", yes_, "Do not ask");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto area = FindItem(StudyAreas(session), name_);
+    const Record record = StudyAreas(session).describe(*area);
+    const std::string folder = area->StudyAreaDir();
+    const std::string name = area->Name();
+    RequireConsent(yes_, fmt::format("This deletes the study area {} and the folder {} with all "
+                                     "that is in it.",
+                                     name, folder));
+    Delete(*StudyAreaCollection(session), *area);
+    const bool left = session.Component().GetServices().platform.files->FolderExists(folder);
+    if (left) Output::Tell(fmt::format("kvdm: the folder {} is still there.", folder));
+    out.Done(record, fmt::format("Deleted the study area {}.", name));
+  }
+
+  // By name, which closes the study area and removes its folder; by GUID only where the name means
+  // another one.
+  static void Delete(IKVStudyAreaCollection& areas, IKVStudyArea& area) {
+    const std::string guid = area.GUID();
+    const auto namesake = areas.GetStudyArea(area.Name());
+    const bool deleted = namesake && namesake->GUID() == guid ? areas.DeleteStudyArea(area.Name())
+                                                              : areas.DeleteStudyAreaByGUID(guid);
+    if (!deleted) throw Failure(ExitCode::kRefused, "The component did not delete it.");
+  }
+
+  std::string name_;
+  bool yes_ = false;
+};
+
+class AreaUse : public ChangingCommand {
+ public:
+  explicit AreaUse(Arguments arguments) {
+    arguments.Optional("NAME", name_, "The study area to work in, by name or {GUID}");
+    arguments.Flag("--none", none_, "Work in none");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    if (none_ == name_.has_value()) {
+      throw Failure(ExitCode::kUsage, "Give either a study area or --none.");
+    }
+    const std::string name = none_ ? "" : FindItem(StudyAreas(session), *name_)->Name();
+    session.Component().SetCurrentStudyArea(name);
+    out.Done({{"study_area", name}}, none_ ? "No study area is open now."
+                                           : fmt::format("The study area {} is open now.", name));
+  }
+
+  std::optional<std::string> name_;
+  bool none_ = false;
+};
+
+class AreaDataset : public ProjectCommand {
+ public:
+  explicit AreaDataset(Arguments arguments) {
+    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Optional("VALUE", value_, "The dataset's new name; without it the name is shown");
+  }
+
+ private:
+  [[nodiscard]] bool Changes() const override { return value_.has_value(); }
+
+  void Run(Session& session, Output& out) override {
+    const auto area = FindItem(StudyAreas(session), name_);
+    if (value_) area->SetDataset(*value_);
+    const std::string dataset = DatasetOf(*area, out);
+    out.Text({{"name", area->Name()}, {"guid", area->GUID()}, {"dataset", dataset}}, dataset);
+  }
+
+  std::string name_;
+  std::optional<std::string> value_;
+};
+
+// A property that is not there and one that is empty are the same to the component.
+class AreaPropGet : public ReadingCommand {
+ public:
+  explicit AreaPropGet(Arguments arguments) {
+    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Required("KEY", key_, "The property");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto area = FindItem(StudyAreas(session), name_);
+    const Value value = Required(Query<IKVPropertySet>(area)).GetProperty(key_);
+    const std::string text = value.IsNull() ? "" : ToText(value);
+    out.Text({{"name", area->Name()}, {"key", key_}, {"value", text}}, text);
+  }
+
+  std::string name_;
+  std::string key_;
+};
+
+class AreaPropSet : public ChangingCommand {
+ public:
+  explicit AreaPropSet(Arguments arguments) {
+    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Required("KEY", key_, "The property");
+    arguments.Required("VALUE", value_, "Its value");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto area = FindItem(StudyAreas(session), name_);
+    if (!Required(Query<IKVPropertySet>(area)).SetProperty(key_, value_)) {
+      throw Failure(ExitCode::kRefused, fmt::format("The property {} could not be set.", key_));
+    }
+    out.Done({{"name", area->Name()}, {"key", key_}, {"value", value_}},
+             fmt::format("Set {} of the study area {}.", key_, area->Name()));
+  }
+
+  std::string name_;
+  std::string key_;
+  std::string value_;
+};
+
+}  // namespace
+
+void AddAreaCommands(const CommandGroup& root) {
+  const CommandGroup area = root.Group("area", "Study areas, shared by all projects");
+  area.Add<AreaList>("list", "List the study areas", "kvdm area list\nkvdm area list --json");
+  area.Add<AreaCreate>("create", "Make a study area with its folder", "kvdm area create North");
+  area.Add<AreaShow>("show", "Show one study area", "kvdm area show North");
+  area.Add<AreaRename>("rename", "Rename a study area", "kvdm area rename North \"North side\"");
+  area.Add<AreaDelete>("delete", "Delete a study area and its folder",
+                       "kvdm area delete North\nkvdm area delete North --yes");
+  area.Add<AreaUse>("use", "Open a study area to work in",
+                    "kvdm area use North\nkvdm area use --none");
+  AddCommentCommand<&StudyAreas>(area,
+                                 "kvdm area comment North \"Checked in May\"\n"
+                                 "kvdm area comment North - < notes.txt");
+  area.Add<AreaDataset>("dataset", "Show or set the dataset's name",
+                        "kvdm area dataset North\nkvdm area dataset North Census");
+  const CommandGroup prop = area.Group("prop", "Free-form properties of a study area");
+  prop.Add<AreaPropGet>("get", "Show a property; empty when there is none",
+                        "kvdm area prop get North TYPE");
+  prop.Add<AreaPropSet>("set", "Set a property", "kvdm area prop set North TYPE urban");
+}
+
+}  // namespace kvdm

@@ -1,0 +1,109 @@
+// kvdm init: makes a project.
+#include <fmt/format.h>
+
+#include <cctype>
+#include <system_error>
+
+#include "host/commands/groups.h"
+#include "host/items.h"
+#include "host/os.h"
+#include "host/project_file.h"
+#include "platform/utf8.h"
+
+namespace kvdm {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kDefaultWorkingFolder[] = "KVData";
+
+// `path` as an absolute path without a separator at its end. Failure kUsage when it is not UTF-8.
+fs::path Absolute(const fs::path& path) {
+  fs::path absolute = fs::absolute(path).lexically_normal();
+  if (!absolute.has_filename()) absolute = absolute.parent_path();
+  if (!IsValidUtf8(os::ToText(absolute))) {
+    throw Failure(ExitCode::kUsage, fmt::format("The path {} is not UTF-8 text. Choose a folder "
+                                                "whose whole path is.",
+                                                os::ToText(absolute)));
+  }
+  return absolute;
+}
+
+bool NamesDrive(std::string_view path) {
+  return path.size() > 1 && std::isalpha(static_cast<unsigned char>(path[0])) != 0 &&
+         path[1] == ':';
+}
+
+void CreateFolders(const fs::path& folder) {
+  std::error_code failed;
+  fs::create_directories(folder, failed);
+  if (failed) {
+    throw Failure(ExitCode::kRefused, fmt::format("The folder {} can't be made: {}.",
+                                                  os::ToText(folder), failed.message()));
+  }
+}
+
+// The working directory in the component's form; the folders above it are made.
+std::string WorkingDirectory(const fs::path& path) {
+  if (NamesDrive(os::ToText(path))) return os::ToText(path);
+  const fs::path folder = Absolute(path);
+  for (const fs::path& part : folder.relative_path()) RequireFolderName(os::ToText(part));
+  CreateFolders(folder.parent_path());
+  return os::ComponentPath(folder);
+}
+
+class Init : public Command {
+ public:
+  explicit Init(Arguments arguments) {
+    arguments.Optional("FOLDER", folder_, "The folder of the project file; made when missing");
+    arguments.Optional("--workdir", workdir_, "The working directory; without it FOLDER/KVData");
+    arguments.Optional("--name", name_, "The project's name; without it the folder's");
+  }
+
+  void Execute(const Invocation& invocation) override {
+    const fs::path folder = Absolute(os::ToPath(folder_.value_or(".")));
+    const std::string name = name_.value_or(os::ToText(folder.filename()));
+    RequireFolderName(name);
+    const fs::path file = folder / os::ToPath(name + ".kvdm");
+    const std::string workdir =
+        WorkingDirectory(workdir_ ? os::ToPath(*workdir_) : folder / kDefaultWorkingFolder);
+    CreateFolders(folder);
+    const ChangeLock lock(file);
+    if (fs::symlink_status(file).type() != fs::file_type::not_found) {
+      throw Failure(ExitCode::kConflict, fmt::format("There is a project {} already. It stays as "
+                                                     "it is.",
+                                                     os::ToText(file)));
+    }
+    Create(file, workdir, invocation.out);
+  }
+
+ private:
+  static void Create(const fs::path& file, const std::string& workdir, Output& out) {
+    Project project;
+    project.settings[kWorkingDirectorySetting] = workdir;
+    HostedComponent component(project, out);
+    const std::string made = component.Manager().WorkingDirectory();
+    if (made.empty() || !component.GetServices().platform.files->FolderExists(made)) {
+      throw Failure(ExitCode::kRefused,
+                    fmt::format("The working directory {} can't be made.", workdir));
+    }
+    component.SaveTo(project);
+    WriteProjectFile(file, project);
+    out.Done({{"project", os::ToText(file)}, {"working_directory", made}},
+             fmt::format("Created the project {} with the working directory {}.", os::ToText(file),
+                         made));
+  }
+
+  std::optional<std::string> folder_;
+  std::optional<std::string> workdir_;
+  std::optional<std::string> name_;
+};
+
+}  // namespace
+
+void AddInitCommand(const CommandGroup& root) {
+  root.Add<Init>("init", "Make a project and its working directory",
+                 "kvdm init\nkvdm init North\nkvdm init North --workdir 'D:\\Data\\North'");
+}
+
+}  // namespace kvdm

@@ -1,0 +1,81 @@
+#include "host/hosted_component.h"
+
+#include <fmt/format.h>
+
+#include "datamanager/component.h"
+#include "platform/portable/variant_list.h"
+
+namespace kvdm {
+namespace {
+
+class IgnoringHandler : public XmlHandler {
+ public:
+  bool StartElement(std::string_view, Attributes) override { return true; }
+  bool EndElement() override { return true; }
+  bool Characters(std::string_view) override { return true; }
+  bool Comment(std::string_view) override { return true; }
+  bool Instruction(std::string_view, std::string_view) override { return true; }
+};
+
+}  // namespace
+
+bool IsWellFormed(XmlParser& parser, std::string_view text) {
+  IgnoringHandler handler;
+  return parser.Parse(text, XmlEncoding::kUtf8, handler);
+}
+
+HostedComponent::HostedComponent(const Project& project, Output& out)
+    : services_(MakeServices(project.drives, out)),
+      state_(std::make_shared<PropertySetMap>(project.state)),
+      settings_(std::make_shared<PropertySetMap>(project.settings)),
+      host_(std::make_shared<PropertiesHost>(state_, settings_)),
+      manager_(Query<IKVDataManager>(CreateObject(kDataManagerClass, services_.platform))) {
+  const std::string folder = ToText(settings_->GetProperty(kWorkingDirectorySetting));
+  working_directory_was_there_ = services_.platform.files->FolderExists(folder);
+  Required(Query<IKVDMInitialize>(manager_)).DMInitialize(host_);
+  // Only now: a working directory that was missing starts with fresh metadata.
+  if (!project.values.empty()) Load(project);
+}
+
+void HostedComponent::Load(const Project& project) {
+  if (!IsWellFormed(*services_.platform.xml_parser, ToText(project.values.front()))) {
+    throw Failure(ExitCode::kUnreadable, "Its metadata document is not well-formed XML.");
+  }
+  Required(Query<IPersistVariant>(manager_)).Load(std::make_shared<VariantList>(project.values));
+}
+
+void HostedComponent::RequireWorkingDirectory() {
+  const std::string folder = Manager().WorkingDirectory();
+  if (!folder.empty() && services_.platform.files->FolderExists(folder)) return;
+  throw Failure(ExitCode::kRefused,
+                fmt::format("The working directory {} can't be used: is there a file in its place, "
+                            "or is its disk missing?",
+                            ToText(settings_->GetProperty(kWorkingDirectorySetting))));
+}
+
+std::string HostedComponent::CurrentStudyArea() {
+  return ToText(state_->GetProperty(kStudyAreaState));
+}
+
+void HostedComponent::SetCurrentStudyArea(std::string_view name) {
+  state_->SetProperty(kStudyAreaState, name);
+}
+
+void HostedComponent::SaveTo(Project& project) {
+  const auto stream = std::make_shared<VariantList>();
+  Required(Query<IPersistVariant>(manager_)).Save(stream);
+  if (stream->Values().empty()) {
+    throw Failure(ExitCode::kRefused, "The component could not save its metadata.");
+  }
+  if (services_.registry->Refused()) {
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The study areas can't be saved in {}. Run the command with --debug "
+                              "to see why.",
+                              RegistryFile()));
+  }
+  project.values = stream->Values();
+  project.settings = settings_->All();
+  project.state = state_->All();
+}
+
+}  // namespace kvdm

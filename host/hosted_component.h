@@ -1,0 +1,54 @@
+// The component, created and started as an application does it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "datamanager/interfaces.h"
+#include "host/output.h"
+#include "host/project.h"
+#include "host/services.h"
+#include "platform/portable/properties_host.h"
+
+namespace kvdm {
+
+// The host's properties that the component reads.
+inline constexpr char kWorkingDirectorySetting[] = "VELKKVDirectory";
+inline constexpr char kStudyAreaState[] = "Study Area Name";
+
+class HostedComponent {
+ public:
+  // Starts the component with the project's settings and state, and loads the project's values into
+  // it. Failure kUnreadable for values that it can't load.
+  HostedComponent(const Project& project, Output& out);
+
+  [[nodiscard]] IKVDataManager& Manager() { return *manager_; }
+  [[nodiscard]] const Services& GetServices() const { return services_; }
+
+  // Whether the working directory of the settings was there before the start, which makes it.
+  [[nodiscard]] bool WorkingDirectoryWasThere() const { return working_directory_was_there_; }
+  // Failure kRefused when the component has no working directory to work in.
+  void RequireWorkingDirectory();
+
+  [[nodiscard]] std::string CurrentStudyArea();
+  void SetCurrentStudyArea(std::string_view name);
+
+  // Saves the component: brings the values and properties of `project` up to date.
+  void SaveTo(Project& project);
+
+ private:
+  void Load(const Project& project);
+
+  Services services_;
+  std::shared_ptr<PropertySetMap> state_;
+  std::shared_ptr<PropertySetMap> settings_;
+  std::shared_ptr<Host> host_;
+  std::shared_ptr<IKVDataManager> manager_;
+  bool working_directory_was_there_ = false;
+};
+
+// Whether `text` is well-formed XML.
+[[nodiscard]] bool IsWellFormed(XmlParser& parser, std::string_view text);
+
+}  // namespace kvdm

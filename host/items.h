@@ -1,0 +1,127 @@
+// Finding the items that commands name: by name, or by "{GUID}".
+#pragma once
+
+#include <fmt/format.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "datamanager/interfaces.h"
+#include "host/failure.h"
+#include "host/record.h"
+
+namespace kvdm {
+
+// The items of one kind, as a collection of the component has them.
+template <class Item>
+struct ItemSource {
+  std::string kind;     // as sentences say it: "study area"
+  std::string command;  // that lists them: "kvdm area list"
+  NameListRef names;
+  NameListRef guids;
+  std::function<std::shared_ptr<Item>(const std::string&)> by_name;
+  std::function<std::shared_ptr<Item>(const std::string&)> by_guid;
+  std::function<std::string(Item&)> guid_of;
+  std::function<Record(Item&)> describe;  // the fields of one item in lists
+};
+
+// The items in the collection's order. Of items that share an identifier the component finds only
+// the first by it; the others are found by name. Failure kRefused when it has no collection.
+template <class Item>
+[[nodiscard]] std::vector<std::shared_ptr<Item>> AllItems(const ItemSource<Item>& source) {
+  if (!source.guids) {
+    throw Failure(
+        ExitCode::kRefused,
+        fmt::format("The {} list can't be reached. 'kvdm status' tells more.", source.kind));
+  }
+  const bool parallel = source.names && source.names->Count() == source.guids->Count();
+  std::vector<std::shared_ptr<Item>> items;
+  for (int i = 1; i <= source.guids->Count(); ++i) {
+    auto item = source.by_guid(ToText(source.guids->Item(i)));
+    const std::string name = parallel ? ToText(source.names->Item(i)) : "";
+    if (parallel && item && item->Name() != name) item = source.by_name(name);
+    if (item) items.push_back(std::move(item));
+  }
+  return items;
+}
+
+template <class Item>
+[[nodiscard]] std::vector<std::shared_ptr<Item>> ItemsNamed(const ItemSource<Item>& source,
+                                                            std::string_view name) {
+  auto items = AllItems(source);
+  std::erase_if(items, [&](const auto& item) { return item->Name() != name; });
+  return items;
+}
+
+// The items that `selector` means: those with that "{GUID}", else those with that name.
+template <class Item>
+[[nodiscard]] std::vector<std::shared_ptr<Item>> ItemsMeant(const ItemSource<Item>& source,
+                                                            const std::string& selector) {
+  auto items = AllItems(source);
+  std::erase_if(items, [&](const auto& item) { return source.guid_of(*item) != selector; });
+  const bool braced = selector.starts_with('{') && selector.ends_with('}');
+  return braced && !items.empty() ? items : ItemsNamed(source, selector);
+}
+
+template <class Item>
+[[nodiscard]] std::vector<Record> Descriptions(const ItemSource<Item>& source,
+                                               const std::vector<std::shared_ptr<Item>>& items) {
+  std::vector<Record> records;
+  for (const auto& item : items) records.push_back(source.describe(*item));
+  return records;
+}
+
+// The one item that `selector` means. Failure kNotFound when there is none, kConflict with the
+// candidates when a name means several.
+template <class Item>
+[[nodiscard]] std::shared_ptr<Item> FindItem(const ItemSource<Item>& source,
+                                             const std::string& selector) {
+  const auto found = ItemsMeant(source, selector);
+  if (found.size() == 1) return found.front();
+  if (found.empty()) {
+    throw Failure(ExitCode::kNotFound, fmt::format("There is no {} {}. '{}' shows what there is.",
+                                                   source.kind, selector, source.command));
+  }
+  throw Failure(ExitCode::kConflict,
+                fmt::format("{} means {} items. Say which one by a name or {{GUID}} of its own.",
+                            selector, found.size()),
+                Descriptions(source, found));
+}
+
+// Failure kConflict when an item other than `except` has the name.
+template <class Item>
+void RequireFreeName(const ItemSource<Item>& source, std::string_view name,
+                     const std::string& except = {}) {
+  for (const auto& item : ItemsNamed(source, name)) {
+    if (source.guid_of(*item) == except) continue;
+    throw Failure(ExitCode::kConflict,
+                  fmt::format("Another {} is named {}. Choose another name, or rename that one.",
+                              source.kind, name));
+  }
+}
+
+// Failure kRefused when the component kept an item's old name.
+template <class Item>
+void RequireRenamed(Item& item, std::string_view name) {
+  if (item.Name() == name) return;
+  throw Failure(ExitCode::kRefused, fmt::format("The component kept the name {}.", item.Name()));
+}
+
+// Failure kUsage for a name that can't be a folder's, or would lead to a folder elsewhere.
+void RequireFolderName(std::string_view name);
+
+// Asks on the terminal whether to go on, unless `yes`. Failure kUsage where nobody can be asked,
+// kRefused when the answer is not yes.
+void RequireConsent(bool yes, std::string_view consequence);
+
+// The text that an argument gives: itself, or standard input for "-". Line ends become LF. Failure
+// kUnreadable for input that is not UTF-8.
+[[nodiscard]] std::string TextArgument(const std::string& argument);
+
+// `text` with LF at line ends, whatever they are, however often its CR was doubled.
+[[nodiscard]] std::string WithPlainLineEnds(std::string_view text);
+
+}  // namespace kvdm

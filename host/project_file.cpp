@@ -1,0 +1,155 @@
+#include "host/project_file.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "host/os.h"
+
+namespace kvdm {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::chrono::seconds kLockPatience{5};
+constexpr std::chrono::milliseconds kLockPause{20};
+
+std::vector<fs::path> ProjectsIn(const fs::path& folder) {
+  std::vector<fs::path> projects;
+  std::error_code unreadable;
+  for (const auto& entry : fs::directory_iterator(folder, unreadable)) {
+    std::error_code vanished;
+    if (entry.path().extension() == ".kvdm" && entry.is_regular_file(vanished)) {
+      projects.push_back(entry.path());
+    }
+  }
+  std::sort(projects.begin(), projects.end());
+  return projects;
+}
+
+[[noreturn]] void SeveralProjects(const std::vector<fs::path>& projects) {
+  std::vector<Record> candidates;
+  for (const fs::path& project : projects) {
+    candidates.push_back({{"project", os::ToText(project)}});
+  }
+  throw Failure(ExitCode::kConflict, "This folder holds several projects. Choose one with -p FILE.",
+                std::move(candidates));
+}
+
+fs::path GivenProjectFile(std::string_view given) {
+  std::error_code missing;
+  // A link is followed here, so that saving replaces the project and not the link to it.
+  const fs::path file = fs::canonical(os::ToPath(given), missing);
+  if (missing) {
+    throw Failure(ExitCode::kNotFound,
+                  fmt::format("There is no project {} ({}).", given, missing.message()));
+  }
+  return file;
+}
+
+// What to do about a project file that can't be used.
+std::string WayOut(const fs::path& file) {
+  const fs::path previous = Beside(file, ".bak");
+  std::error_code missing;
+  if (!fs::exists(previous, missing)) return "Restore it from a backup.";
+  return fmt::format(
+      "The state before the last change is in {}: copy that file over {} to return "
+      "to it.",
+      os::ToText(previous), os::ToText(file));
+}
+
+// Puts the present file aside as the previous one.
+void KeepPrevious(const fs::path& file) {
+  const fs::path previous = Beside(file, ".bak");
+  fs::remove(previous);
+  std::error_code unlinkable;
+  fs::create_hard_link(file, previous, unlinkable);
+  if (unlinkable) fs::copy_file(file, previous);
+}
+
+void Replace(const fs::path& file, const std::string& text, bool replaces) {
+  const fs::path temporary = Beside(file, ".tmp");
+  os::WriteBytes(temporary, text);
+  if (os::ReadBytes(temporary) != text) {
+    throw std::system_error(std::make_error_code(std::errc::io_error), os::ToText(temporary));
+  }
+  if (replaces) {
+    fs::permissions(temporary, fs::status(file).permissions());
+    KeepPrevious(file);
+  }
+  os::ReplaceFile(temporary, file);
+}
+
+}  // namespace
+
+fs::path Beside(const fs::path& file, std::string_view suffix) {
+  fs::path beside = file;
+  beside += suffix;
+  return beside;
+}
+
+fs::path FindProjectFile(std::string_view given) {
+  if (!given.empty()) return GivenProjectFile(given);
+  fs::path folder = fs::current_path();
+  for (;;) {
+    const auto projects = ProjectsIn(folder);
+    if (projects.size() > 1) SeveralProjects(projects);
+    if (projects.size() == 1) return fs::canonical(projects.front());
+    if (folder == folder.parent_path()) break;
+    folder = folder.parent_path();
+  }
+  throw Failure(ExitCode::kNotFound,
+                "There is no project here or in a folder above. Run 'kvdm init' to make one, or "
+                "name one with -p FILE.");
+}
+
+Project ReadProjectFile(const fs::path& file) {
+  try {
+    return ParseProject(os::ReadBytes(file));
+  } catch (const std::system_error& error) {
+    throw Failure(ExitCode::kUnreadable, fmt::format("The project {} can't be read: {}.",
+                                                     os::ToText(file), error.code().message()));
+  } catch (const Failure& failure) {
+    FailToOpen(file, failure);
+  }
+}
+
+void FailToOpen(const fs::path& file, const Failure& failure) {
+  throw Failure(failure.code(), fmt::format("The project {} can't be opened. {} {}",
+                                            os::ToText(file), failure.what(), WayOut(file)));
+}
+
+bool WriteProjectFile(const fs::path& file, const Project& project) {
+  const std::string text = ProjectText(project);
+  try {
+    const bool replaces = fs::exists(file);
+    if (replaces && os::ReadBytes(file) == text) return false;
+    Replace(file, text, replaces);
+    return true;
+  } catch (const std::system_error& error) {
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The project {} can't be saved: {}. It is what it was before.",
+                              os::ToText(file), error.what()));
+  }
+}
+
+std::shared_ptr<void> WaitForLock(const fs::path& file, std::string_view what) {
+  try {
+    const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
+    while (std::chrono::steady_clock::now() < deadline) {
+      if (auto lock = os::TryLock(file)) return lock;
+      std::this_thread::sleep_for(kLockPause);
+    }
+  } catch (const std::system_error& error) {
+    throw Failure(ExitCode::kRefused, fmt::format("{} can't be changed: {}.", what, error.what()));
+  }
+  throw Failure(ExitCode::kRefused, fmt::format("{} is being changed by another kvdm. Try again "
+                                                "when that one is done.",
+                                                what));
+}
+
+}  // namespace kvdm

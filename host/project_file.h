@@ -1,0 +1,44 @@
+// The file NAME.kvdm that holds a project, and the files beside it.
+//
+//   NAME.kvdm        the project
+//   NAME.kvdm.bak    the project before the last change
+//   NAME.kvdm.tmp    there only while the project is being written
+//   NAME.kvdm.lock   held while a command changes the project
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "host/failure.h"
+#include "host/project.h"
+
+namespace kvdm {
+
+// The project file to work with: `given` if it is not "", else the one in the current folder or the
+// nearest folder above that has one. Failure kNotFound when there is none, kConflict when a folder
+// has several.
+[[nodiscard]] std::filesystem::path FindProjectFile(std::string_view given);
+
+// Reads a project. Failure kNotFound or kUnreadable, with what can be done about it.
+[[nodiscard]] Project ReadProjectFile(const std::filesystem::path& file);
+
+// Fails as `failure` does, adding which project it is about and what can be done.
+[[noreturn]] void FailToOpen(const std::filesystem::path& file, const Failure& failure);
+
+// Writes a project unless the file has that very text: beside it, to the disk, read back, compared,
+// and only then put in its place; the previous file is kept. True when it wrote. Failure kRefused
+// when that can't be done; the project file then is what it was.
+bool WriteProjectFile(const std::filesystem::path& file, const Project& project);
+
+// Waits a few seconds for the lock file `file`, which then holds off other processes as long as the
+// result lives. Failure kRefused, naming `what`, when another process keeps it.
+[[nodiscard]] std::shared_ptr<void> WaitForLock(const std::filesystem::path& file,
+                                                std::string_view what);
+
+// `file` with `suffix` appended to its name.
+[[nodiscard]] std::filesystem::path Beside(const std::filesystem::path& file,
+                                           std::string_view suffix);
+
+}  // namespace kvdm

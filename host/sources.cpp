@@ -1,0 +1,60 @@
+#include "host/sources.h"
+
+namespace kvdm {
+namespace {
+
+template <class Collection>
+std::shared_ptr<Collection> Reached(std::shared_ptr<Collection> collection, const char* kind) {
+  if (collection) return collection;
+  throw Failure(ExitCode::kRefused,
+                fmt::format("The {} list can't be reached. 'kvdm status' tells more.", kind));
+}
+
+}  // namespace
+
+std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection(Session& session) {
+  return Reached(session.Manager().StudyAreaCollection(), "study area");
+}
+
+std::shared_ptr<IKVAnalysisCollection> AnalysisCollection(Session& session) {
+  return Reached(session.Manager().AnalysisCollection(), "analysis");
+}
+
+ItemSource<IKVStudyArea> StudyAreas(Session& session) {
+  const auto collection = StudyAreaCollection(session);
+  return {
+      .kind = "study area",
+      .command = "kvdm area list",
+      .names = collection->StudyAreasList(),
+      .guids = collection->StudyAreasGUIDsList(),
+      .by_name = [collection](const std::string& name) { return collection->GetStudyArea(name); },
+      .by_guid =
+          [collection](const std::string& guid) { return collection->GetStudyAreaByGUID(guid); },
+      .guid_of = [](IKVStudyArea& area) { return area.GUID(); },
+      .describe = [](IKVStudyArea& area) -> Record {
+        return {{"name", area.Name()}, {"guid", area.GUID()}, {"folder", area.StudyAreaDir()}};
+      },
+  };
+}
+
+ItemSource<IKVAnalysis> Analyses(Session& session) {
+  const auto collection = AnalysisCollection(session);
+  return {
+      .kind = "analysis",
+      .command = "kvdm analysis list",
+      .names = collection->AnalysesList(),
+      .guids = collection->AnalysesGUIDsList(),
+      .by_name = [collection](const std::string& name) { return collection->GetAnalysis(name); },
+      .by_guid =
+          [collection](const std::string& guid) { return collection->GetAnalysisByGUID(guid); },
+      .guid_of = [](IKVAnalysis& analysis) { return analysis.AnalysisGUID(); },
+      .describe = [](IKVAnalysis& analysis) -> Record {
+        return {{"name", analysis.Name()},
+                {"guid", analysis.AnalysisGUID()},
+                {"created", analysis.CreationTime()},
+                {"folder", analysis.AnalysisDir()}};
+      },
+  };
+}
+
+}  // namespace kvdm

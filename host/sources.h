@@ -1,0 +1,16 @@
+// The collections of the component as the commands search them.
+#pragma once
+
+#include "host/items.h"
+#include "host/session.h"
+
+namespace kvdm {
+
+// The collections themselves. Failure kRefused when the component has none.
+[[nodiscard]] std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection(Session& session);
+[[nodiscard]] std::shared_ptr<IKVAnalysisCollection> AnalysisCollection(Session& session);
+
+[[nodiscard]] ItemSource<IKVStudyArea> StudyAreas(Session& session);
+[[nodiscard]] ItemSource<IKVAnalysis> Analyses(Session& session);
+
+}  // namespace kvdm

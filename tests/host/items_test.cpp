@@ -1,0 +1,25 @@
+#include "host/items.h"
+
+#include <gtest/gtest.h>
+
+namespace kvdm {
+namespace {
+
+TEST(ItemsTest, RefusesNamesThatAreNoFolders) {
+  for (const char* name : {"", ".", "..", " . ", "a/b", "a\\b", "a:b", "a\"b", "a*", "a\nb"}) {
+    EXPECT_THROW(RequireFolderName(name), Failure) << name;
+  }
+}
+
+TEST(ItemsTest, TakesFolderNamesOfAnyLanguage) {
+  for (const char* name : {"North", "Nörd 北", "a.b", "{x}", "-1", "d'été"}) {
+    EXPECT_NO_THROW(RequireFolderName(name)) << name;
+  }
+}
+
+TEST(ItemsTest, MakesEveryLineEndALineFeed) {
+  EXPECT_EQ(WithPlainLineEnds("a\r\nb\rc\nd\r\r\ne\r"), "a\nb\nc\nd\ne\n");
+}
+
+}  // namespace
+}  // namespace kvdm
