@@ -1,0 +1,26 @@
+// Embeds the component: a host with two property sets, a study area, an analysis, and a save.
+#include <iostream>
+
+#include "datamanager/component.h"
+#include "datamanager/interfaces.h"
+#include "platform/portable/properties_host.h"
+#include "platform/posix/posix_platform.h"
+
+int main(int argc, char** argv) {
+  if (argc != 2) return std::cerr << "usage: embed WORKING-DIRECTORY\n", 2;
+  const auto host = std::make_shared<kvdm::PropertiesHost>();
+  host->Settings()->SetProperty("VELKKVDirectory", argv[1]);
+
+  const auto component = kvdm::CreateObject(kvdm::kDataManagerClass, kvdm::MakePosixPlatform({}));
+  kvdm::Query<kvdm::IKVDMInitialize>(component)->DMInitialize(host);
+  const auto manager = kvdm::Query<kvdm::IKVDataManager>(component);
+
+  manager->StudyAreaCollection()->CreateStudyArea("North");
+  host->CurrentState()->SetProperty("Study Area Name", "North");
+  const auto analyses = manager->AnalysisCollection();
+  analyses->CreateAnalysis("Sales");
+  const auto sales = analyses->GetAnalysis("Sales");
+  sales->SetParameter("Radius", "500");
+  std::cout << sales->Name() << " goes to " << sales->LayerFile() << '\n';
+  return sales->GetParameter("Radius") == "500" ? 0 : 1;
+}
