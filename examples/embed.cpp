@@ -1,4 +1,5 @@
-// Embeds the component: a host with two property sets, a study area, an analysis, and a save.
+// Embeds the component: a host with two property sets, a study area, and an analysis with a
+// parameter.
 #include <iostream>
 
 #include "datamanager/component.h"

@@ -4,6 +4,7 @@
 #include "host/commands/groups.h"
 #include "host/os.h"
 #include "host/project_file.h"
+#include "util/registry_strings.h"
 
 namespace kvdm {
 namespace {
@@ -48,6 +49,35 @@ class ProjectInfo : public Command {
   }
 };
 
+// A document with one element a line, for people.
+std::string Readable(std::string_view title, std::string_view xml) {
+  std::string text(title);
+  for (std::string line : XmlLines(xml)) {
+    line.erase(line.find_last_not_of("\r\n") + 1);
+    if (!line.empty()) text += "\n" + line;
+  }
+  return text;
+}
+
+class ProjectShow : public ReadingCommand {
+ public:
+  explicit ProjectShow(Arguments) {}
+
+ private:
+  void Run(Session& session, Output& out) override {
+    std::string metadata;
+    for (const Value& value : session.GetProject().values) {
+      if (value.IsText()) metadata += ToText(value);
+    }
+    auto& registry = *session.Component().GetServices().platform.registry;
+    const std::string catalogue = ToText(ReadRegistryString(
+        registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));
+    out.Text({{"metadata", metadata}, {"catalogue", catalogue}},
+             Readable("The metadata document, in the project file:", metadata) + "\n\n" +
+                 Readable("The study area catalogue, in the registry:", catalogue));
+  }
+};
+
 }  // namespace
 
 void AddProjectCommands(const CommandGroup& root) {
@@ -55,6 +85,8 @@ void AddProjectCommands(const CommandGroup& root) {
   project.Add<ProjectSave>("save", "Save the component's present state", "kvdm project save");
   project.Add<ProjectInfo>("info", "Show what the project file holds",
                            "kvdm project info -p North.kvdm");
+  project.Add<ProjectShow>("show", "Show the metadata document and the study area catalogue",
+                           "kvdm project show");
 }
 
 }  // namespace kvdm
