@@ -161,7 +161,8 @@ bool AreaRegistry::DeleteStudyAreaByGUID(std::string_view guid) {
 }
 
 // The folder's path has no "\" at its end, so a folder that holds others stays
-// (AreaRegistryTest.DeletingLeavesAFolderThatHoldsFolders). An empty name is no folder's.
+// (AreaRegistryTest.DeletingLeavesAFolderThatHoldsFolders). An empty name is no folder's,
+// and without a working directory the path would lead to the root of the current drive.
 bool AreaRegistry::DeleteStudyArea(const char* query, std::string_view key) {
   return Reported(kStudyAreaRules.remove, [&] {
     const auto collection = Collection(kStudyAreaRules);
@@ -169,7 +170,7 @@ bool AreaRegistry::DeleteStudyArea(const char* query, std::string_view key) {
     if (!study_area) return false;
     collection->Remove(study_area);
     const auto folder_name = ToText(study_area->GetAttribute(attributes::kDirName));
-    if (!folder_name.empty()) {
+    if (!folder_name.empty() && !manager_.working_directory_.empty()) {
       DeleteFolderTree(*manager_.platform_.files, manager_.working_directory_ + "\\" + folder_name);
     }
     manager_.Flush();

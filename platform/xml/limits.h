@@ -19,7 +19,7 @@ inline constexpr std::size_t kMaxNameBytes = 50'000;
 inline constexpr std::size_t kMaxValueBytes = 10'000'000;
 
 // Bytes of a document's text form.
-inline constexpr std::size_t kMaxDocumentBytes = std::size_t{256} << 20U;
+inline constexpr std::size_t kMaxDocumentBytes = std::size_t{64} << 20U;
 
 // Bytes of a text to load. More than a document's own text form has: numeric character references
 // take up to seven bytes for a character of two.

@@ -147,6 +147,14 @@ TEST_F(AreaRegistryTest, DeletingSavesEvenWhenTheFolderIsMissing) {
   EXPECT_THAT(Texts(areas.StudyAreaNames()), IsEmpty());
 }
 
+TEST_F(AreaRegistryTest, DeletingTouchesNothingWithoutAWorkingDirectory) {
+  world.manager = std::make_shared<KVDataManager>(world.platform.Bundle());
+  Fill("STUDYAREACOLLECTION", R"(<STUDYAREA NAME="_N_" GUID="1" DIRNAME="Home"/>)");
+  world.platform.files->AddFile(R"(C:\Home\a.txt)");
+  EXPECT_TRUE(world.manager->Areas().DeleteStudyArea("N"));
+  EXPECT_THAT(world.platform.files->Tree(R"(C:\Home)"), ElementsAre("a.txt"));
+}
+
 TEST_F(AreaRegistryTest, DeletingTouchesNothingForADirNameThatNamesNoFolderOfItsOwn) {
   for (const char* dir_name : {"", " ", ".", "..", "..\\", "..\\Other", "\\", "North\\.."}) {
     SCOPED_TRACE(dir_name);
