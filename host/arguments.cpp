@@ -37,8 +37,15 @@ void Arguments::Flag(const std::string& name, bool& value, const std::string& he
   app_->add_flag(name, value, help);
 }
 
+const CLI::App& Arguments::Root() const {
+  const CLI::App* root = app_;
+  while (root->get_parent() != nullptr) root = root->get_parent();
+  return *root;
+}
+
 CommandGroup CommandGroup::Group(const std::string& name, const std::string& help) const {
   CLI::App* app = app_->add_subcommand(name, help)->fallthrough()->require_subcommand(1);
+  app->footer(fmt::format("'{} COMMAND --help' tells more about a command.", PathOf(*app)));
   return {*app, *chosen_};
 }
 

@@ -28,6 +28,9 @@ class Arguments {
                 const std::string& help);
   void Flag(const std::string& name, bool& value, const std::string& help);
 
+  // The whole command line, for commands that describe it.
+  [[nodiscard]] const CLI::App& Root() const;
+
  private:
   CLI::App* app_;
 };

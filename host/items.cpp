@@ -1,5 +1,7 @@
 #include "host/items.h"
 
+#include <algorithm>
+#include <cctype>
 #include <iostream>
 #include <iterator>
 
@@ -24,6 +26,34 @@ void RequireFolderName(std::string_view name) {
   if (name.find_first_not_of(". ") == name.npos) {
     throw Failure(ExitCode::kUsage, "A name must hold more than dots and blanks.");
   }
+}
+
+std::string SelectorHelp(std::string_view kind) {
+  return fmt::format("The {}, by name or {{GUID}}", kind);
+}
+
+void RequireGuid(std::string_view text) {
+  constexpr std::string_view kForm = "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}";
+  const auto fits = [](char expected, char character) {
+    const bool is_digit = std::isdigit(static_cast<unsigned char>(character)) != 0 ||
+                          (character >= 'A' && character <= 'F');
+    return expected == 'x' ? is_digit : expected == character;
+  };
+  if (std::ranges::equal(kForm, text, fits)) return;
+  throw Failure(ExitCode::kUsage,
+                fmt::format("{} is no identifier. One looks like {}, with upper-case hexadecimal "
+                            "digits.",
+                            text, kForm));
+}
+
+void RequireDeleted(bool deleted) {
+  if (!deleted) throw Failure(ExitCode::kRefused, "The component did not delete it.");
+}
+
+std::string DeletedWithFolder(FileSystem& files, std::string_view item, std::string_view folder) {
+  if (!files.FolderExists(folder))
+    return fmt::format("Deleted the {} and its folder {}.", item, folder);
+  return fmt::format("Deleted the {}. Its folder {} is still there.", item, folder);
 }
 
 void RequireConsent(bool yes, std::string_view consequence) {

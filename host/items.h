@@ -12,6 +12,7 @@
 #include "datamanager/interfaces.h"
 #include "host/failure.h"
 #include "host/record.h"
+#include "platform/file_system.h"
 
 namespace kvdm {
 
@@ -56,14 +57,18 @@ template <class Item>
   return items;
 }
 
+// Whether a selector has the form of an identifier.
+[[nodiscard]] inline bool IsGuid(std::string_view selector) {
+  return selector.starts_with('{') && selector.ends_with('}');
+}
+
 // The items that `selector` means: those with that "{GUID}", else those with that name.
 template <class Item>
 [[nodiscard]] std::vector<std::shared_ptr<Item>> ItemsMeant(const ItemSource<Item>& source,
                                                             const std::string& selector) {
   auto items = AllItems(source);
   std::erase_if(items, [&](const auto& item) { return source.guid_of(*item) != selector; });
-  const bool braced = selector.starts_with('{') && selector.ends_with('}');
-  return braced && !items.empty() ? items : ItemsNamed(source, selector);
+  return IsGuid(selector) && !items.empty() ? items : ItemsNamed(source, selector);
 }
 
 template <class Item>
@@ -112,6 +117,19 @@ void RequireRenamed(Item& item, std::string_view name) {
 
 // Failure kUsage for a name that can't be a folder's, or would lead to a folder elsewhere.
 void RequireFolderName(std::string_view name);
+
+// What the help says of an argument that names an item: "The store layer, by name or {GUID}".
+[[nodiscard]] std::string SelectorHelp(std::string_view kind);
+
+// Failure kUsage for a text that is not a "{GUID}" in its full form.
+void RequireGuid(std::string_view text);
+
+// Failure kRefused when the component answered that it did not delete an item.
+void RequireDeleted(bool deleted);
+
+// What became of an item, such as "study area North", that was deleted with its folder.
+[[nodiscard]] std::string DeletedWithFolder(FileSystem& files, std::string_view item,
+                                            std::string_view folder);
 
 // Asks on the terminal whether to go on, unless `yes`. Failure kUsage where nobody can be asked,
 // kRefused when the answer is not yes.

@@ -57,6 +57,7 @@ std::string Heading(std::string name) {
 // "layer_file" -> "Layer file:"
 std::string Label(std::string name) {
   if (name == "guid") return "GUID:";
+  if (name == "id_field") return "ID field:";
   std::replace(name.begin(), name.end(), '_', ' ');
   name.front() = static_cast<char>(std::toupper(name.front()));
   return name + ":";

@@ -1,14 +1,30 @@
 // kvdm analysis: the analyses of a project.
-#include <algorithm>
-
 #include "host/commands/groups.h"
 #include "host/commands/item_comment.h"
+#include "host/commands/item_params.h"
+#include "host/commands/item_set.h"
 #include "host/sources.h"
 
 namespace kvdm {
 namespace {
 
 constexpr char kNameHelp[] = "An analysis, by name or {GUID}";
+
+// What the commands that all kinds of items have need of analyses.
+struct AnalysisItems {
+  using Item = IKVAnalysis;
+  static constexpr char kWord[] = "analysis";
+  static constexpr char kCommand[] = "analysis";
+
+  static std::shared_ptr<Item> Find(Session& session, const std::string& selector) {
+    return FindItem(Analyses(session), selector);
+  }
+
+  static std::vector<SettableField<Item>> SettableFields() {
+    return {{"--created", "When it was made, as a text", &SetText<&Item::SetCreationTime>},
+            {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
+  }
+};
 
 class AnalysisList : public ReadingCommand {
  public:
@@ -103,9 +119,8 @@ class AnalysisDelete : public ChangingCommand {
                                      "is in it.",
                                      name, folder));
     Delete(*AnalysisCollection(session), *analysis);
-    const bool left = session.Component().GetServices().platform.files->FolderExists(folder);
-    if (left) Output::Tell(fmt::format("kvdm: the folder {} is still there.", folder));
-    out.Done(record, fmt::format("Deleted the analysis {}.", name));
+    out.Done(record, DeletedWithFolder(*session.Component().GetServices().platform.files,
+                                       fmt::format("analysis {}", name), folder));
   }
 
   // By what leads to this very analysis: others may share its identifier, or its name.
@@ -117,101 +132,11 @@ class AnalysisDelete : public ChangingCommand {
     const bool deleted = found && found->AnalysisDir() == folder
                              ? analyses.DeleteAnalysisByGUID(guid)
                              : analyses.DeleteAnalysis(name);
-    if (!deleted) throw Failure(ExitCode::kRefused, "The component did not delete it.");
+    RequireDeleted(deleted);
   }
 
   std::string name_;
   bool yes_ = false;
-};
-
-// The parameters' names; none when the component answers with no list.
-std::vector<std::string> ParameterNames(IKVAnalysis& analysis) {
-  std::vector<std::string> names;
-  const auto list = analysis.ParametersList();
-  if (!list) return names;
-  for (const Value& name : *list) names.push_back(name.IsNull() ? "" : ToText(name));
-  return names;
-}
-
-class ParamList : public ReadingCommand {
- public:
-  explicit ParamList(Arguments arguments) { arguments.Required("NAME", name_, kNameHelp); }
-
- private:
-  void Run(Session& session, Output& out) override {
-    const auto analysis = FindItem(Analyses(session), name_);
-    std::vector<Record> items;
-    for (const std::string& key : ParameterNames(*analysis)) {
-      items.push_back({{"key", key}, {"value", analysis->GetParameter(key)}});
-    }
-    out.Items(std::move(items), "The analysis has no parameters.");
-  }
-
-  std::string name_;
-};
-
-class ParamGet : public ReadingCommand {
- public:
-  explicit ParamGet(Arguments arguments) {
-    arguments.Required("NAME", name_, kNameHelp);
-    arguments.Required("KEY", key_, "The parameter");
-  }
-
- private:
-  void Run(Session& session, Output& out) override {
-    const auto analysis = FindItem(Analyses(session), name_);
-    const auto names = ParameterNames(*analysis);
-    if (std::find(names.begin(), names.end(), key_) == names.end()) {
-      throw Failure(ExitCode::kNotFound,
-                    fmt::format("The analysis {} has no parameter {}.", analysis->Name(), key_));
-    }
-    const std::string value = analysis->GetParameter(key_);
-    out.Text({{"name", analysis->Name()}, {"key", key_}, {"value", value}}, value);
-  }
-
-  std::string name_;
-  std::string key_;
-};
-
-class ParamSet : public ChangingCommand {
- public:
-  explicit ParamSet(Arguments arguments) {
-    arguments.Required("NAME", name_, kNameHelp);
-    arguments.Required("KEY", key_, "The parameter");
-    arguments.Required("VALUE", value_, "Its value");
-  }
-
- private:
-  void Run(Session& session, Output& out) override {
-    const auto analysis = FindItem(Analyses(session), name_);
-    if (!analysis->SetParameter(key_, value_)) {
-      throw Failure(ExitCode::kRefused, fmt::format("The parameter {} could not be set.", key_));
-    }
-    out.Done({{"name", analysis->Name()}, {"key", key_}, {"value", value_}},
-             fmt::format("Set {} of the analysis {}.", key_, analysis->Name()));
-  }
-
-  std::string name_;
-  std::string key_;
-  std::string value_;
-};
-
-class ParamClear : public ChangingCommand {
- public:
-  explicit ParamClear(Arguments arguments) { arguments.Required("NAME", name_, kNameHelp); }
-
- private:
-  void Run(Session& session, Output& out) override {
-    const auto analysis = FindItem(Analyses(session), name_);
-    const auto count = static_cast<std::int64_t>(ParameterNames(*analysis).size());
-    if (!analysis->ClearParametersList()) {
-      throw Failure(ExitCode::kRefused, "The parameters could not be removed.");
-    }
-    out.Done({{"name", analysis->Name()}, {"removed", count}},
-             fmt::format("Removed {} parameters of the analysis {}.", count, analysis->Name()));
-  }
-
-  std::string name_;
 };
 
 class AnalysisLayer : public ProjectCommand {
@@ -262,11 +187,10 @@ void AddAnalysisCommands(const CommandGroup& root) {
   analysis.Add<AnalysisLayer>(
       "layer", "Show or set the layer file",
       "kvdm analysis layer Sales\nkvdm analysis layer Sales 'D:\\Layers\\Sales.lyr'");
-  const CommandGroup param = analysis.Group("param", "Named parameters of an analysis");
-  param.Add<ParamList>("list", "List the parameters", "kvdm analysis param list Sales");
-  param.Add<ParamGet>("get", "Show one parameter", "kvdm analysis param get Sales radius");
-  param.Add<ParamSet>("set", "Set a parameter", "kvdm analysis param set Sales radius 5");
-  param.Add<ParamClear>("clear", "Remove all parameters", "kvdm analysis param clear Sales");
+  analysis.Add<ItemSet<AnalysisItems>>("set", "Set other fields of an analysis",
+                                       "kvdm analysis set Sales --created '1/31/2026 9:00:00 AM'");
+  AddParamCommands<AnalysisItems>(analysis, "Sales");
+  AddAnalysisProperties(analysis);
 }
 
 }  // namespace kvdm

@@ -1,6 +1,7 @@
 // kvdm area: the study areas, which all projects of a user share.
 #include "host/commands/groups.h"
 #include "host/commands/item_comment.h"
+#include "host/commands/item_set.h"
 #include "host/sources.h"
 
 namespace kvdm {
@@ -20,6 +21,29 @@ Record AreaRecord(IKVStudyArea& area, Session& session, Output& out) {
           {"current", area.Name() == session.Component().CurrentStudyArea()},
           {"comments", WithPlainLineEnds(area.Comments())}};
 }
+
+// What the commands that all kinds of items have need of study areas.
+struct AreaItems {
+  using Item = IKVStudyArea;
+  static constexpr char kWord[] = "study area";
+
+  static std::shared_ptr<Item> Find(Session& session, const std::string& selector) {
+    return FindItem(StudyAreas(session), selector);
+  }
+
+  static std::vector<SettableField<Item>> SettableFields() {
+    return {{"--folder", "Another folder, which 'kvdm area delete' then deletes; nothing is moved",
+             &SetFolder},
+            {"--layer-file", "Another layer file, as a layer editor sets it", &SetEditedLayerFile},
+            {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
+  }
+
+  // The component joins file names to the folder as it is.
+  static void SetFolder(const std::shared_ptr<Item>& area, const std::string& folder) {
+    Required(Query<IKVStudyArea2>(area))
+        .SetStudyAreaDir(folder.ends_with('\\') ? folder : folder + "\\");
+  }
+};
 
 class AreaList : public ReadingCommand {
  public:
@@ -114,9 +138,8 @@ class AreaDelete : public ChangingCommand {
                                      "that is in it.",
                                      name, folder));
     Delete(*StudyAreaCollection(session), *area);
-    const bool left = session.Component().GetServices().platform.files->FolderExists(folder);
-    if (left) Output::Tell(fmt::format("kvdm: the folder {} is still there.", folder));
-    out.Done(record, fmt::format("Deleted the study area {}.", name));
+    out.Done(record, DeletedWithFolder(*session.Component().GetServices().platform.files,
+                                       fmt::format("study area {}", name), folder));
   }
 
   // By name, which closes the study area and removes its folder; by GUID only where the name means
@@ -126,7 +149,7 @@ class AreaDelete : public ChangingCommand {
     const auto namesake = areas.GetStudyArea(area.Name());
     const bool deleted = namesake && namesake->GUID() == guid ? areas.DeleteStudyArea(area.Name())
                                                               : areas.DeleteStudyAreaByGUID(guid);
-    if (!deleted) throw Failure(ExitCode::kRefused, "The component did not delete it.");
+    RequireDeleted(deleted);
   }
 
   std::string name_;
@@ -236,6 +259,8 @@ void AddAreaCommands(const CommandGroup& root) {
                                  "kvdm area comment North - < notes.txt");
   area.Add<AreaDataset>("dataset", "Show or set the dataset's name",
                         "kvdm area dataset North\nkvdm area dataset North Census");
+  area.Add<ItemSet<AreaItems>>("set", "Set other fields of a study area",
+                               "kvdm area set North --folder 'D:\\Data\\North\\'");
   const CommandGroup prop = area.Group("prop", "Free-form properties of a study area");
   prop.Add<AreaPropGet>("get", "Show a property; empty when there is none",
                         "kvdm area prop get North TYPE");

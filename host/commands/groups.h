@@ -9,16 +9,28 @@ void AddInitCommand(const CommandGroup& root);
 void AddStatusCommand(const CommandGroup& root);
 void AddAreaCommands(const CommandGroup& root);
 void AddAnalysisCommands(const CommandGroup& root);
+// Those below 'kvdm analysis'.
+void AddAnalysisProperties(const CommandGroup& analysis);
+void AddStoreCommands(const CommandGroup& root);
+void AddCustomerCommands(const CommandGroup& root);
+void AddDataCommands(const CommandGroup& root);
+void AddTableCommands(const CommandGroup& root);
 void AddMetadataCommands(const CommandGroup& root);
 void AddPresetCommands(const CommandGroup& root);
 void AddTempCommands(const CommandGroup& root);
+void AddRegistryCommands(const CommandGroup& root);
+void AddAliasCommands(const CommandGroup& root);
+void AddPathCommands(const CommandGroup& root);
 void AddProjectCommands(const CommandGroup& root);
+void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 
 // In the order of the help text.
 inline constexpr auto kCommandGroups = {
-    &AddInitCommand,      &AddStatusCommand,    &AddAreaCommands,
-    &AddAnalysisCommands, &AddMetadataCommands, &AddPresetCommands,
-    &AddTempCommands,     &AddProjectCommands,  &AddVersionCommand};
+    &AddInitCommand,      &AddStatusCommand,    &AddAreaCommands,    &AddAnalysisCommands,
+    &AddStoreCommands,    &AddCustomerCommands, &AddDataCommands,    &AddTableCommands,
+    &AddMetadataCommands, &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
+    &AddAliasCommands,    &AddPathCommands,     &AddProjectCommands, &AddGenerateCommands,
+    &AddVersionCommand};
 
 }  // namespace kvdm

@@ -1,13 +1,20 @@
 // kvdm metadata: what is kept with the layer files.
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "host/commands/groups.h"
+#include "host/layers.h"
 #include "host/sources.h"
 #include "platform/portable/sidecar_metadata.h"
+#include "platform/portable/value_set.h"
 
 namespace kvdm {
 namespace {
 
+constexpr char kNameHelp[] = "An analysis, or what a flag says, by name or {GUID}";
+constexpr std::string_view kRootPath = "Velk/Kelvaro8/";
+constexpr char kNameField[] = "Name";  // below the root path
 constexpr char kLayerTypePath[] = "Velk/Kelvaro8/LayerType";
 constexpr char kGuidPath[] = "Velk/Kelvaro8/GUID";
 
@@ -20,15 +27,45 @@ struct Layer {
   std::shared_ptr<IKVMetadata> exchange;
 };
 
-Layer FindLayer(Session& session, const std::string& name, bool is_area) {
-  if (is_area) {
-    const auto area = FindItem(StudyAreas(session), name);
-    return {area->Name(), area->GUID(), area->LayerFile(), "Study Area", Query<IKVMetadata>(area)};
-  }
-  const auto analysis = FindItem(Analyses(session), name);
-  return {analysis->Name(), analysis->AnalysisGUID(), analysis->LayerFile(), "Analysis Layer",
-          Query<IKVMetadata>(analysis)};
+template <class Item>
+Layer LayerOf(const std::shared_ptr<Item>& item, const std::string& guid, const char* type) {
+  return {item->Name(), guid, item->LayerFile(), type, Query<IKVMetadata>(item)};
 }
+
+// Which kind of item a name means: an analysis, or what a flag says.
+class LayerChoice {
+ public:
+  void Declare(Arguments& arguments) {
+    arguments.Flag("--area", area_, "NAME is a study area");
+    arguments.Flag("--customer", customer_, "NAME is a customer layer");
+    arguments.Flag("--store", store_, "NAME is a store layer");
+  }
+
+  [[nodiscard]] Layer Find(Session& session, const std::string& name) const {
+    if (int{area_} + int{customer_} + int{store_} > 1) {
+      throw Failure(ExitCode::kUsage, "Give at most one of --area, --customer and --store.");
+    }
+    if (area_) {
+      const auto area = FindItem(StudyAreas(session), name);
+      return LayerOf(area, area->GUID(), "Study Area");
+    }
+    if (customer_) {
+      const auto layer = FindItem(Layers<CustLayerKind>(session), name);
+      return LayerOf(layer, layer->GUID(), "Customer Layer");
+    }
+    if (store_) {
+      const auto layer = FindItem(Layers<StoreLayerKind>(session), name);
+      return LayerOf(layer, layer->GUID(), "Store Layer");
+    }
+    const auto analysis = FindItem(Analyses(session), name);
+    return LayerOf(analysis, analysis->AnalysisGUID(), "Analysis Layer");
+  }
+
+ private:
+  bool area_ = false;
+  bool customer_ = false;
+  bool store_ = false;
+};
 
 std::shared_ptr<LayerMetadata> MetadataOf(Session& session, const std::string& layer_file) {
   const Platform& platform = session.Component().GetServices().platform;
@@ -59,16 +96,81 @@ Record LayerRecord(const Layer& layer) {
   return {{"name", layer.name}, {"guid", layer.guid}, {"layer_file", layer.file}};
 }
 
+// Holds what an item writes, in place of its layer's file.
+class MetadataInMemory : public LayerMetadata {
+ public:
+  std::shared_ptr<NamedValueSet> ReadDocument() override { return document_; }
+  void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
+    document_ = document;
+  }
+
+ private:
+  std::shared_ptr<NamedValueSet> document_ = std::make_shared<ValueSet>();
+};
+
+// What the item would write now.
+std::shared_ptr<NamedValueSet> WrittenBy(const Layer& layer) {
+  const auto metadata = std::make_shared<MetadataInMemory>();
+  Required(layer.exchange).ExportMetadata(metadata);
+  return metadata->ReadDocument();
+}
+
+using PathValues = std::vector<std::pair<std::string, std::string>>;
+
+// The values under the component's own root path; the rest is others'.
+PathValues OwnValues(NamedValueSet& document) {
+  PathValues values;
+  const auto listing = document.ListAll();
+  for (std::size_t i = 0; i < listing.names.size(); ++i) {
+    const Value& value = listing.values[i];
+    if (!listing.names[i].starts_with(kRootPath)) continue;
+    values.emplace_back(listing.names[i].substr(kRootPath.size()),
+                        value.IsNull() ? "" : WithPlainLineEnds(ToText(value)));
+  }
+  return values;
+}
+
+const std::string* Find(const PathValues& values, const std::string& path) {
+  const auto found = std::ranges::find(values, path, &PathValues::value_type::first);
+  return found == values.end() ? nullptr : &found->second;
+}
+
+// Where an item and its layer's metadata say different things.
+struct Difference {
+  std::string field;
+  const char* state;  // "differs"; "missing" in the layer; "stale", only the layer has it
+  Field item;
+  Field layer;
+};
+
+std::vector<Difference> Differences(NamedValueSet& item_document, NamedValueSet& layer_document) {
+  const PathValues item = OwnValues(item_document);
+  const PathValues layer = OwnValues(layer_document);
+  std::vector<Difference> differences;
+  for (const auto& [path, value] : item) {
+    const std::string* kept = Find(layer, path);
+    if (kept == nullptr) {
+      differences.push_back({path, "missing", value, {}});
+    } else if (*kept != value) {
+      differences.push_back({path, "differs", value, *kept});
+    }
+  }
+  for (const auto& [path, value] : layer) {
+    if (Find(item, path) == nullptr) differences.push_back({path, "stale", {}, value});
+  }
+  return differences;
+}
+
 class MetadataExport : public ReadingCommand {
  public:
   explicit MetadataExport(Arguments arguments) {
-    arguments.Required("NAME", name_, "An analysis, by name or {GUID}");
-    arguments.Flag("--area", area_, "NAME is a study area");
+    arguments.Required("NAME", name_, kNameHelp);
+    choice_.Declare(arguments);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    const Layer layer = FindLayer(session, name_, area_);
+    const Layer layer = choice_.Find(session, name_);
     const auto metadata = MetadataOf(session, layer.file);
     Required(layer.exchange).ExportMetadata(metadata);
     RequireWritten(*metadata, layer);
@@ -90,19 +192,19 @@ class MetadataExport : public ReadingCommand {
   }
 
   std::string name_;
-  bool area_ = false;
+  LayerChoice choice_;
 };
 
 class MetadataImport : public ChangingCommand {
  public:
   explicit MetadataImport(Arguments arguments) {
-    arguments.Required("NAME", name_, "An analysis, by name or {GUID}");
-    arguments.Flag("--area", area_, "NAME is a study area");
+    arguments.Required("NAME", name_, kNameHelp);
+    choice_.Declare(arguments);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    const Layer layer = FindLayer(session, name_, area_);
+    const Layer layer = choice_.Find(session, name_);
     const auto metadata = MetadataOf(session, layer.file);
     const auto document = ReadMetadata(*metadata, layer.file);
     const std::string type = FirstText(*document, kLayerTypePath);
@@ -113,22 +215,33 @@ class MetadataImport : public ChangingCommand {
                                 layer.file, type, layer.type));
     }
     Required(layer.exchange).ImportMetadata(metadata);
-    // Importing may have given it another identifier.
-    Layer result = layer;
-    result.guid = FirstText(*document, kGuidPath);
-    out.Done(LayerRecord(result), fmt::format("Took over the metadata of {}.", layer.file));
+    const auto result = WrittenBy(layer);
+    out.Done(
+        {{"name", layer.name}, {"guid", FirstText(*result, kGuidPath)}, {"layer_file", layer.file}},
+        fmt::format("Took over the metadata of {}{}.", layer.file,
+                    Exceptions(Differences(*result, *document))));
+  }
+
+  // What the component left out, which it does quietly. It never takes over the name.
+  static std::string Exceptions(const std::vector<Difference>& differences) {
+    std::vector<std::string> fields;
+    for (const Difference& difference : differences) {
+      const bool in_layer = difference.layer != Field();
+      if (in_layer && difference.field != kNameField) fields.push_back(difference.field);
+    }
+    return fields.empty() ? "" : fmt::format(", but for {}", fmt::join(fields, ", "));
   }
 
   std::string name_;
-  bool area_ = false;
+  LayerChoice choice_;
 };
 
 class MetadataShow : public ReadingCommand {
  public:
   explicit MetadataShow(Arguments arguments) {
-    arguments.Optional("NAME", name_, "An analysis, by name or {GUID}");
+    arguments.Optional("NAME", name_, kNameHelp);
     arguments.Optional("--file", file_, "A layer file, in place of NAME");
-    arguments.Flag("--area", area_, "NAME is a study area");
+    choice_.Declare(arguments);
   }
 
  private:
@@ -136,7 +249,7 @@ class MetadataShow : public ReadingCommand {
     if (name_.has_value() == file_.has_value()) {
       throw Failure(ExitCode::kUsage, "Give either a name or --file.");
     }
-    const std::string file = file_ ? *file_ : FindLayer(session, *name_, area_).file;
+    const std::string file = file_ ? *file_ : choice_.Find(session, *name_).file;
     const auto listing = ReadMetadata(*MetadataOf(session, file), file)->ListAll();
     std::vector<Record> items;
     for (std::size_t i = 0; i < listing.names.size(); ++i) {
@@ -149,7 +262,29 @@ class MetadataShow : public ReadingCommand {
 
   std::optional<std::string> name_;
   std::optional<std::string> file_;
-  bool area_ = false;
+  LayerChoice choice_;
+};
+
+class MetadataDiff : public ReadingCommand {
+ public:
+  explicit MetadataDiff(Arguments arguments) {
+    arguments.Required("NAME", name_, kNameHelp);
+    choice_.Declare(arguments);
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const Layer layer = choice_.Find(session, name_);
+    const auto document = ReadMetadata(*MetadataOf(session, layer.file), layer.file);
+    std::vector<Record> rows;
+    for (const auto& [field, state, item, kept] : Differences(*WrittenBy(layer), *document)) {
+      rows.push_back({{"field", field}, {"state", state}, {"item", item}, {"layer", kept}});
+    }
+    out.Items(std::move(rows), "The item and its layer's metadata agree.");
+  }
+
+  std::string name_;
+  LayerChoice choice_;
 };
 
 }  // namespace
@@ -157,9 +292,12 @@ class MetadataShow : public ReadingCommand {
 void AddMetadataCommands(const CommandGroup& root) {
   const CommandGroup metadata = root.Group("metadata", "Descriptions kept with layer files");
   metadata.Add<MetadataExport>("export", "Write an item's description to its layer's metadata",
-                               "kvdm metadata export Sales\nkvdm metadata export North --area");
+                               "kvdm metadata export Sales\nkvdm metadata export North "
+                               "--area\nkvdm metadata export Shops --store");
   metadata.Add<MetadataImport>("import", "Take over a description from the layer's metadata",
                                "kvdm metadata import Sales");
+  metadata.Add<MetadataDiff>("diff", "Show where an item and its layer's metadata differ",
+                             "kvdm metadata diff Sales\nkvdm metadata diff Shops --store");
   metadata.Add<MetadataShow>("show", "Show a layer's metadata",
                              "kvdm metadata show Sales\nkvdm metadata show --file Roads.shp");
 }

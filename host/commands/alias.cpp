@@ -1,0 +1,56 @@
+// kvdm alias: what people call the two kinds of layers.
+#include <fmt/format.h>
+
+#include "host/commands/groups.h"
+#include "host/registered_items.h"
+
+namespace kvdm {
+namespace {
+
+class AliasShow : public ReadingCommand {
+ public:
+  explicit AliasShow(Arguments) {}
+
+ private:
+  void Run(Session& session, Output& out) override {
+    AreaRegistry& registry = RegistryOf(session);
+    out.Fields({{"customer", registry.CustomerAlias()}, {"store", registry.StoreAlias()}});
+  }
+};
+
+class AliasSet : public ChangingCommand {
+ public:
+  explicit AliasSet(Arguments arguments) {
+    arguments.Required("KIND", kind_, "customer or store");
+    arguments.Required("WORD", word_, "The new word; an empty one brings back the usual word");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    AreaRegistry& registry = RegistryOf(session);
+    if (kind_ == "customer") {
+      registry.SetCustomerAlias(word_);
+    } else if (kind_ == "store") {
+      registry.SetStoreAlias(word_);
+    } else {
+      throw Failure(ExitCode::kUsage, "KIND is customer or store.");
+    }
+    const std::string word = kind_ == "store" ? registry.StoreAlias() : registry.CustomerAlias();
+    out.Done({{"kind", kind_}, {"word", word}},
+             fmt::format("A {} layer is called {} now.", kind_, word));
+  }
+
+  std::string kind_;
+  std::string word_;
+};
+
+}  // namespace
+
+void AddAliasCommands(const CommandGroup& root) {
+  const CommandGroup alias =
+      root.Group("alias", "What customer and store layers are called, in all projects");
+  alias.Add<AliasShow>("show", "Show the two words", "kvdm alias show");
+  alias.Add<AliasSet>("set", "Change one word", "kvdm alias set customer Client");
+}
+
+}  // namespace kvdm

@@ -1,0 +1,129 @@
+// The commands `param` of every kind of item that has named parameters.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/arguments.h"
+#include "host/items.h"
+
+namespace kvdm {
+
+// The parameters' names; none when the component answers with no list.
+template <class Item>
+[[nodiscard]] std::vector<std::string> ParameterNames(Item& item) {
+  std::vector<std::string> names;
+  const auto list = item.ParametersList();
+  if (!list) return names;
+  for (const Value& name : *list) names.push_back(name.IsNull() ? "" : ToText(name));
+  return names;
+}
+
+// A kind has its word in sentences, `kWord`, the word of its commands, `kCommand`, and `Find`, the
+// item that a name or {GUID} means.
+template <class Kind>
+class ParamList : public ReadingCommand {
+ public:
+  explicit ParamList(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Find(session, name_);
+    std::vector<Record> items;
+    for (const std::string& key : ParameterNames(*item)) {
+      items.push_back({{"key", key}, {"value", item->GetParameter(key)}});
+    }
+    out.Items(std::move(items), fmt::format("The {} has no parameters.", Kind::kWord));
+  }
+
+  std::string name_;
+};
+
+template <class Kind>
+class ParamGet : public ReadingCommand {
+ public:
+  explicit ParamGet(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+    arguments.Required("KEY", key_, "The parameter");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Find(session, name_);
+    const auto names = ParameterNames(*item);
+    if (std::find(names.begin(), names.end(), key_) == names.end()) {
+      throw Failure(ExitCode::kNotFound,
+                    fmt::format("The {} {} has no parameter {}.", Kind::kWord, item->Name(), key_));
+    }
+    const std::string value = item->GetParameter(key_);
+    out.Text({{"name", item->Name()}, {"key", key_}, {"value", value}}, value);
+  }
+
+  std::string name_;
+  std::string key_;
+};
+
+template <class Kind>
+class ParamSet : public ChangingCommand {
+ public:
+  explicit ParamSet(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+    arguments.Required("KEY", key_, "The parameter");
+    arguments.Required("VALUE", value_, "Its value");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Find(session, name_);
+    if (!item->SetParameter(key_, value_)) {
+      throw Failure(ExitCode::kRefused, fmt::format("The parameter {} could not be set.", key_));
+    }
+    out.Done({{"name", item->Name()}, {"key", key_}, {"value", value_}},
+             fmt::format("Set {} of the {} {}.", key_, Kind::kWord, item->Name()));
+  }
+
+  std::string name_;
+  std::string key_;
+  std::string value_;
+};
+
+template <class Kind>
+class ParamClear : public ChangingCommand {
+ public:
+  explicit ParamClear(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Find(session, name_);
+    const auto count = static_cast<std::int64_t>(ParameterNames(*item).size());
+    if (!item->ClearParametersList()) {
+      throw Failure(ExitCode::kRefused, "The parameters could not be removed.");
+    }
+    out.Done({{"name", item->Name()}, {"removed", count}},
+             fmt::format("Removed {} parameters of the {} {}.", count, Kind::kWord, item->Name()));
+  }
+
+  std::string name_;
+};
+
+// `example` is the name of an item in the examples.
+template <class Kind>
+void AddParamCommands(const CommandGroup& group, std::string_view example) {
+  const CommandGroup param =
+      group.Group("param", fmt::format("Named parameters of one {}", Kind::kWord));
+  const auto line = [example](std::string_view command, std::string_view rest) {
+    return fmt::format("kvdm {} param {} {}{}", Kind::kCommand, command, example, rest);
+  };
+  param.Add<ParamList<Kind>>("list", "List the parameters", line("list", ""));
+  param.Add<ParamGet<Kind>>("get", "Show one parameter", line("get", " radius"));
+  param.Add<ParamSet<Kind>>("set", "Set a parameter", line("set", " radius 5"));
+  param.Add<ParamClear<Kind>>("clear", "Remove all parameters", line("clear", ""));
+}
+
+}  // namespace kvdm

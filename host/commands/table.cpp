@@ -1,0 +1,48 @@
+// kvdm table: where the tables of the current study area are.
+#include <fmt/format.h>
+
+#include "host/commands/groups.h"
+
+namespace kvdm {
+namespace {
+
+std::shared_ptr<IKVTablesManager> TablesManager(Session& session) {
+  session.Component().RequireWorkingDirectory();
+  if (auto tables = session.Manager().TablesManager()) return tables;
+  throw Failure(ExitCode::kRefused, "The tables can't be reached. 'kvdm status' tells more.");
+}
+
+class TableFolder : public ReadingCommand {
+ public:
+  explicit TableFolder(Arguments) {}
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const std::string folder = TablesManager(session)->TablesDir();
+    out.Text({{"folder", folder}}, folder);
+  }
+};
+
+class TablePath : public ReadingCommand {
+ public:
+  explicit TablePath(Arguments) {}
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const std::string path = TablesManager(session)->FreeTablePath();
+    out.Text({{"path", path}}, path);
+  }
+};
+
+}  // namespace
+
+void AddTableCommands(const CommandGroup& root) {
+  const CommandGroup table =
+      root.Group("table", "Tables of the study area in use, else of the working directory");
+  table.Add<TableFolder>("dir", "Show the folder of the tables", "kvdm table dir");
+  table.Add<TablePath>("path",
+                       "Show a free path for a new table, without extension; makes the folder",
+                       "kvdm table path");
+}
+
+}  // namespace kvdm

@@ -1,0 +1,142 @@
+#include "host/manual.h"
+
+#include <fmt/format.h>
+
+#include <sstream>
+#include <string_view>
+
+namespace kvdm {
+namespace {
+
+// The parts of the page that are about the program as a whole.
+constexpr char kFixedSections[] = R"(.SH EXIT STATUS
+.TP
+.B 0
+The command did its work.
+.TP
+.B 1
+The component, or the system around it, said no.
+.TP
+.B 2
+The command line can't be understood.
+.TP
+.B 3
+There is no such project, item or file.
+.TP
+.B 4
+The name exists, or means several items.
+.TP
+.B 8
+An operation of the component ended in a run\-time error.
+.TP
+.B 9
+An input file can't be read or understood.
+.SH FILES
+.TP
+.I NAME.kvdm
+A project.
+Without
+.B \-p
+it is looked for in the current folder and in those above.
+.TP
+.I NAME.kvdm.bak
+The project before its last change.
+.TP
+.I ~/.local/share/kvdm/registry.db
+The study areas, which all projects share, and the aliases.
+.SH ENVIRONMENT
+.TP
+.B KVDM_REGISTRY
+The file to use in place of
+.IR registry.db .
+.TP
+.B XDG_DATA_HOME
+The folder to use in place of
+.IR ~/.local/share .
+.TP
+.B NO_COLOR
+When it is not empty, headings of tables are not bold.
+)";
+
+// `text` as roff prints it unchanged, on the line it starts.
+std::string Roff(std::string_view text) {
+  std::string result;
+  for (const char character : text) {
+    const bool starts_line = result.empty() || result.back() == '\n';
+    if (starts_line && (character == '.' || character == '\'')) result += "\\&";
+    if (character == '\\') {
+      result += "\\e";
+    } else if (character == '-') {
+      result += "\\-";
+    } else if (character == '\'') {
+      result += "\\(aq";
+    } else if (character == '~') {
+      result += "\\(ti";
+    } else {
+      result += character;
+    }
+  }
+  return result;
+}
+
+std::string OptionEntry(const CommandOption& option) {
+  std::string names;
+  for (const std::string& name : option.names) {
+    names += (names.empty() ? "" : ", ") + fmt::format("\\fB{}\\fR", Roff(name));
+  }
+  if (!option.value.empty()) names += fmt::format(" \\fI{}\\fR", Roff(option.value));
+  return fmt::format(".TP\n{}\n{}\n", names, Roff(option.help));
+}
+
+std::string PlaceEntry(const CommandOption& place) {
+  return fmt::format(".TP\n\\fI{}\\fR\n{}\n", Roff(place.names.front()), Roff(place.help));
+}
+
+std::string Synopsis(const CommandNode& node) {
+  std::string line = fmt::format("\\fB{}\\fR", Roff(node.path));
+  for (const CommandOption& place : node.places) {
+    const std::string name = fmt::format("\\fI{}\\fR", Roff(place.names.front()));
+    line += place.required ? " " + name : " [" + name + "]";
+  }
+  return line;
+}
+
+// The indented lines of the examples in a footer.
+std::string Examples(const CommandNode& node) {
+  std::string lines;
+  std::istringstream footer(node.footer);
+  for (std::string line; std::getline(footer, line);) {
+    if (line.starts_with("  ")) lines += Roff(line.substr(2)) + "\n";
+  }
+  return lines.empty() ? "" : ".PP\n.EX\n" + lines + ".EE\n";
+}
+
+bool IsHelp(const CommandOption& option) { return option.names.back() == "--help"; }
+
+std::string CommandSection(const CommandNode& node) {
+  std::string section = fmt::format(".SS {}\n{}.\n", Synopsis(node), Roff(node.help));
+  for (const CommandOption& place : node.places) section += PlaceEntry(place);
+  for (const CommandOption& option : node.options) {
+    if (!IsHelp(option)) section += OptionEntry(option);
+  }
+  return section + Examples(node);
+}
+
+}  // namespace
+
+std::string ManualPage(const CommandNode& root) {
+  std::string page =
+      ".TH KVDM 1\n.SH NAME\nkvdm \\- study areas, analyses and layers of "
+      "market\\-analysis projects\n.SH SYNOPSIS\n";
+  page += "\\fBkvdm\\fR [\\fIOPTIONS\\fR] \\fICOMMAND\\fR [\\fIARGUMENTS\\fR]\n.SH DESCRIPTION\n";
+  page += Roff(root.help) + "\n";
+  page += "Results go to standard output, everything else to standard error.\n.SH OPTIONS\n";
+  for (const CommandOption& option : root.options) page += OptionEntry(option);
+  page += ".SH COMMANDS\n";
+  for (const CommandNode* node : AllNodes(root)) {
+    if (node != &root && node->commands.empty()) page += CommandSection(*node);
+  }
+  return page + kFixedSections + ".SH EXAMPLES\n" + Examples(root);
+}
+
+}  // namespace kvdm

@@ -1,0 +1,67 @@
+#!/usr/bin/env python3
+"""Compares docs/host-coverage.md with the operations of interfaces.h and with the program's commands.
+
+    check_coverage.py PROGRAM SOURCE_FOLDER
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+
+def declared_operations(header):
+    operations, interface = [], None
+    for line in header.read_text().splitlines():
+        if found := re.match(r"class (I\w+) : public", line):
+            interface = found[1]
+        if found := re.match(r"  virtual .*?(\w+)\(", line):
+            operations.append(f"{interface}.{found[1]}")
+    return operations
+
+
+def listed_rows(document):
+    return re.findall(r"^\| `(\w+\.\w+)` \| (.+) \|$", document.read_text(), re.MULTILINE)
+
+
+def command_problem(program, command):
+    words = [word for word in command.split()[1:] if not word.startswith("--")]
+    options = [word for word in command.split() if word.startswith("--")]
+    help_text = subprocess.run(
+        [program, *words, "--help"], capture_output=True, text=True, check=False
+    )
+    known = help_text.returncode == 0 and f"Usage: {' '.join(['kvdm', *words])} " in help_text.stdout
+    if not known:
+        return f"there is no command {command}"
+    missing = [option for option in options if f"  {option} " not in help_text.stdout]
+    return f"{command}: no such option" if missing else None
+
+
+def row_problem(program, reached_by):
+    commands = re.findall(r"`(kvdm [^`]+)`", reached_by)
+    if not commands and not reached_by.startswith("*Not for people:* "):
+        return "neither a command nor a reason"
+    problems = filter(None, (command_problem(program, command) for command in commands))
+    return next(problems, None)
+
+
+def main(program, source):
+    source = pathlib.Path(source)
+    declared = declared_operations(source / "datamanager/interfaces.h")
+    rows = listed_rows(source / "docs/host-coverage.md")
+    problems = []
+    if len(declared) < 100:
+        problems.append(f"only {len(declared)} operations were found in interfaces.h")
+    if [operation for operation, _ in rows] != declared:
+        listed = {operation for operation, _ in rows}
+        problems.append(f"not listed: {sorted(set(declared) - listed)}")
+        problems.append(f"listed, not declared, or in another order: {sorted(listed - set(declared))}")
+    for operation, reached_by in rows:
+        if problem := row_problem(program, reached_by):
+            problems.append(f"{operation}: {problem}")
+    print("\n".join(problems))
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
