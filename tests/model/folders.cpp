@@ -1,0 +1,190 @@
+#include "tests/model/folders.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include "tests/model/tree.h"
+
+namespace kvdm::model {
+namespace {
+
+constexpr int kBadName = 52;
+constexpr int kExists = 58;
+constexpr int kMissing = 76;
+
+std::string Comparable(std::string name) {
+  while (!name.empty() && (name.back() == ' ' || name.back() == '.')) name.pop_back();
+  for (char& c : name) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return name;
+}
+
+bool IsCreatable(const std::string& name) {
+  return std::ranges::none_of(name, [](char c) {
+    return static_cast<unsigned char>(c) < ' ' ||
+           std::string_view("<>:\"|?*").find(c) != std::string_view::npos;
+  });
+}
+
+bool HasDrive(std::string_view path) { return path.size() > 1 && path[1] == ':'; }
+
+bool MayBeDeleted(std::string_view path) {
+  const bool is_rooted = HasDrive(path) || path.starts_with("\\");
+  const auto names = HasDrive(path) ? path.substr(2) : path;
+  return is_rooted && names.find_first_not_of('\\') != std::string_view::npos &&
+         path.find("\\..") == std::string_view::npos && !path.ends_with("\\\\");
+}
+
+}  // namespace
+
+std::optional<Folders::Place> Folders::PlaceOf(std::string_view path) {
+  if (path.find_first_not_of(' ') == std::string_view::npos || path.starts_with("\\\\")) {
+    return std::nullopt;
+  }
+  Place place{{"C:"}, ""};
+  if (HasDrive(path)) {
+    place.key = {Comparable(std::string(path.substr(0, 2)))};
+    path.remove_prefix(2);
+  }
+  for (const auto part : std::views::split(path, '\\')) {
+    const std::string name(part.begin(), part.end());
+    if (name.empty()) continue;
+    place.key.push_back(Comparable(name));
+    place.name = name;
+  }
+  return place;
+}
+
+bool Folders::HasFolder(const Key& key) const {
+  if (key.size() == 1) return key.front() == "C:" || key.front() == "D:";
+  const auto found = entries_.find(key);
+  return found != entries_.end() && found->second.is_folder;
+}
+
+std::string Folders::PathIn(const Key& folder, const std::string& name) const {
+  const auto found = entries_.find(folder);
+  return (found == entries_.end() ? folder.front() : found->second.path) + "\\" + name;
+}
+
+std::vector<Folders::Key> Folders::Inside(const Key& folder) const {
+  std::vector<Key> inside;
+  for (const auto& [key, entry] : entries_) {
+    if (key.size() == folder.size() + 1 &&
+        std::ranges::equal(folder, key | std::views::take(folder.size()))) {
+      inside.push_back(key);
+    }
+  }
+  return inside;
+}
+
+bool Folders::FolderExists(std::string_view path) const {
+  const auto place = PlaceOf(path);
+  return place && HasFolder(place->key);
+}
+
+void Folders::CreateFolder(std::string_view path) {
+  const auto place = PlaceOf(path);
+  if (!place) throw Fault{kMissing};
+  if (place->key.size() == 1 || entries_.contains(place->key)) throw Fault{kExists};
+  const Key parent(place->key.begin(), place->key.end() - 1);
+  if (!HasFolder(parent)) throw Fault{kMissing};
+  if (!IsCreatable(place->name)) throw Fault{kBadName};
+  entries_[place->key] = {PathIn(parent, place->name)};
+}
+
+void Folders::CreateFolderPath(const std::string& path) {
+  const std::size_t first = path.find('\\');
+  std::size_t from = first == std::string::npos ? 0 : first + 1;
+  while (from < path.size()) {
+    const std::size_t end = std::min(path.find('\\', from), path.size() - 1);
+    const std::string part = path.substr(0, end + 1);
+    if (!FolderExists(part)) CreateFolder(part);
+    from = end + 1;
+  }
+}
+
+bool Folders::WriteFile(std::string_view path) {
+  const auto place = PlaceOf(path);
+  const Key parent(place->key.begin(), place->key.end() - 1);
+  if (!HasFolder(parent) || HasFolder(place->key)) return false;
+  entries_.try_emplace(place->key,
+                       Entry{PathIn(parent, place->name), false, place->name.starts_with(".")});
+  return true;
+}
+
+void Folders::DeleteFiles(const Key& folder) {
+  for (const auto& key : Inside(folder)) {
+    const Entry& entry = entries_.at(key);
+    if (!entry.is_folder && !entry.is_hidden) entries_.erase(key);
+  }
+}
+
+std::optional<std::string> Folders::FirstSeen(const Key& folder) const {
+  for (const auto& key : Inside(folder)) {
+    const Entry& entry = entries_.at(key);
+    if (!entry.is_hidden) return entry.path.substr(entry.path.rfind('\\') + 1);
+  }
+  return std::nullopt;
+}
+
+bool Folders::DeleteTree(const std::string& path) {
+  return MayBeDeleted(path) && FolderExists(path) && DeleteSteps(path);
+}
+
+bool Folders::DeleteSteps(const std::string& path) {
+  if (!FolderExists(path)) return false;
+  const Key key = PlaceOf(path)->key;
+  DeleteFiles(key);
+  while (const auto name = FirstSeen(key)) {
+    if (!DeleteSteps(path + *name + "\\")) return false;
+  }
+  if (!Inside(key).empty()) return false;
+  entries_.erase(key);
+  return true;
+}
+
+void Folders::Clean(const std::string& path) {
+  if (!FolderExists(path)) return;
+  const Key key = PlaceOf(path)->key;
+  DeleteFiles(key);
+  while (const auto name = FirstSeen(key)) {
+    if (!DeleteTree(path + *name + "\\")) return;
+  }
+}
+
+bool Folders::HasFileNamed(std::string_view path) const {
+  const std::size_t slash = path.rfind('\\');
+  const auto folder = PlaceOf(path.substr(0, slash + 1));
+  if (!folder) return false;
+  const auto upper = [](std::string name) { return Comparable(name + "|"); };
+  const std::string wanted = upper(std::string(path.substr(slash + 1)));
+  return std::ranges::any_of(Inside(folder->key), [&](const Key& key) {
+    const Entry& entry = entries_.at(key);
+    if (entry.is_folder || entry.is_hidden) return false;
+    const std::string name = upper(entry.path.substr(entry.path.rfind('\\') + 1));
+    return name == wanted || name.starts_with(wanted.substr(0, wanted.size() - 1) + ".");
+  });
+}
+
+std::string Folders::FreeFolderName(const std::string& parent, const std::string& name) const {
+  std::string candidate = name;
+  for (int n = 1; FolderExists(parent + "\\" + candidate); ++n)
+    candidate = name + std::to_string(n);
+  return candidate;
+}
+
+std::string Folders::FreeFileName(const std::string& folder, const std::string& name) const {
+  std::string candidate = name;
+  for (int n = 1; HasFileNamed(folder + "\\" + candidate); ++n)
+    candidate = name + std::to_string(n);
+  return candidate;
+}
+
+std::vector<std::string> Folders::Tree() const {
+  std::vector<std::string> tree;
+  for (const auto& [key, entry] : entries_)
+    tree.push_back(entry.path + (entry.is_folder ? "\\" : ""));
+  std::ranges::sort(tree);
+  return tree;
+}
+
+}  // namespace kvdm::model

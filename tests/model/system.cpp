@@ -1,0 +1,134 @@
+#include "tests/model/system.h"
+
+#include <algorithm>
+
+#include "datamanager/component.h"
+#include "platform/file_attributes.h"
+#include "platform/portable/variant_list.h"
+#include "platform/posix/posix_platform.h"
+
+namespace kvdm::model {
+namespace {
+
+constexpr char kKey[] = "Software\\Velk\\Kelvaro";
+constexpr char kCatalogue[] = "StudyAreaCollection";
+
+// Remembers what is written, then fails, which ends a save before it flushes.
+class FailingStream : public VariantList {
+ public:
+  void Write(const Value& value) override {
+    VariantList::Write(value);
+    throw RuntimeError(kPermissionDenied);
+  }
+};
+
+// The entries of a drive in `folder`.
+void AddTree(const std::filesystem::path& folder, const std::string& drive,
+             std::vector<std::string>& tree) {
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    std::string path = std::filesystem::relative(entry.path(), folder).string();
+    std::ranges::replace(path, '/', '\\');
+    tree.push_back(drive + "\\" + path + (entry.is_directory() ? "\\" : ""));
+  }
+}
+
+}  // namespace
+
+void System::Start(const std::string& directory) {
+  kept_.clear();
+  host_->Settings()->SetProperty("VELKKVDirectory", directory);
+  manager_ = Query<IKVDataManager>(CreateObject(kDataManagerClass, platform_));
+  Query<IKVDMInitialize>(manager_)->DMInitialize(host_);
+}
+
+void System::Restart(const std::string& directory) {
+  const auto stream = std::make_shared<VariantList>();
+  Query<IPersistVariant>(manager_)->Save(stream);
+  Start(directory);
+  Query<IPersistVariant>(manager_)->Load(stream);
+}
+
+void System::Load(const std::string& text) {
+  const auto stream = std::make_shared<VariantList>();
+  stream->Write(text);
+  Query<IPersistVariant>(manager_)->Load(stream);
+}
+
+void System::PutCatalogue(const std::string& text) {
+  platform_.registry->WriteText(RegistryRoot::kLocalMachine, kKey, kCatalogue, text);
+}
+
+bool System::WriteFile(const std::string& path) {
+  const std::size_t name = path.rfind('\\') + 1;
+  if (!Disk().FolderExists(path.substr(0, name)) || Disk().FolderExists(path)) return false;
+  Disk().WriteFile(path, "");
+  if (path[name] == '.') HideFile(path);
+  return true;
+}
+
+std::string System::MetadataText() {
+  const auto stream = std::make_shared<FailingStream>();
+  Query<IPersistVariant>(manager_)->Save(stream);
+  return ToText(stream->Read());
+}
+
+std::string System::RegistryText() {
+  const auto value = platform_.registry->Read(RegistryRoot::kLocalMachine, kKey, kCatalogue);
+  return value ? value->data : "";
+}
+
+std::string System::CurrentStudyArea() {
+  return ToText(host_->CurrentState()->GetProperty("Study Area Name"));
+}
+
+void System::SetCurrentStudyArea(const std::string& name) {
+  host_->CurrentState()->SetProperty("Study Area Name", name);
+}
+
+std::vector<std::string> System::TakeMessages() {
+  std::vector<std::string> texts;
+  for (const auto& message : memory_.box->Messages()) texts.push_back(message.text);
+  memory_.box->Clear();
+  return texts;
+}
+
+std::vector<std::string> MemorySystem::Tree() {
+  std::vector<std::string> tree;
+  for (const std::string drive : {"C:\\", "D:\\"}) {
+    for (const auto& path : Memory().files->Tree(drive)) tree.push_back(drive + path);
+  }
+  std::ranges::sort(tree);
+  return tree;
+}
+
+void MemorySystem::HideFile(const std::string& path) {
+  Memory().files->SetAttributes(path, kHiddenAttribute);
+}
+
+PosixSystem::PosixSystem() : old_current_folder_(std::filesystem::current_path()) {
+  PosixOptions options;
+  for (const char drive : {'C', 'D'}) {
+    options.drives[drive] = folder_.Path(std::string(1, drive));
+    std::filesystem::create_directory(options.drives[drive]);
+  }
+  options.registry_path = folder_.Path("registry.db");
+  const Platform posix = MakePosixPlatform(options);
+  Platform mixed = Memory().Bundle();
+  mixed.files = posix.files;
+  mixed.registry = posix.registry;
+  SetPlatform(mixed);
+  std::filesystem::current_path(options.drives['C']);
+}
+
+PosixSystem::~PosixSystem() { std::filesystem::current_path(old_current_folder_); }
+
+std::vector<std::string> PosixSystem::Tree() {
+  std::vector<std::string> tree;
+  for (const char drive : {'C', 'D'}) {
+    AddTree(folder_.Path(std::string(1, drive)), std::string{drive, ':'}, tree);
+  }
+  std::ranges::sort(tree);
+  return tree;
+}
+
+}  // namespace kvdm::model
