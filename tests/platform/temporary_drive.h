@@ -5,7 +5,6 @@
 #include <sys/xattr.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -14,24 +13,12 @@
 #include <system_error>
 
 #include "platform/posix/posix_file_system.h"
+#include "tests/temp_folder.h"
 
 namespace kvdm {
 
-// Lives in the user's temporary folder and is removed at the end, whatever is in it.
 class TemporaryDrive {
  public:
-  TemporaryDrive() {
-    std::string name = (std::filesystem::temp_directory_path() / "kvdm-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::system_error(errno, std::generic_category());
-    root_ = name;
-  }
-  TemporaryDrive(const TemporaryDrive&) = delete;
-  TemporaryDrive& operator=(const TemporaryDrive&) = delete;
-  ~TemporaryDrive() {
-    std::error_code ignored;
-    std::filesystem::remove_all(root_, ignored);
-  }
-
   [[nodiscard]] const std::filesystem::path& root() const { return root_; }
 
   [[nodiscard]] PosixFileOptions Options() const {
@@ -69,7 +56,8 @@ class TemporaryDrive {
   }
 
  private:
-  std::filesystem::path root_;
+  TempFolder folder_;
+  std::filesystem::path root_ = folder_.Path();
 };
 
 }  // namespace kvdm
