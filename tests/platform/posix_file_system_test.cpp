@@ -276,36 +276,19 @@ TEST_F(PosixFileSystemTest, AFolderThatRefusesNewFilesIsAnError) {
               ::testing::AnyOf(kPathNotFound, kPermissionDenied, kPathFileAccess));
 }
 
-// What happens while no descriptor is left. The sanitizer's check of virtual calls needs one
-// itself.
-struct WithoutDescriptors {
-  int error;
-  bool exists;
-};
-__attribute__((no_sanitize("vptr"))) WithoutDescriptors DeleteWithoutDescriptors(
-    FileSystem& files, Directory& folder) {
-  rlimit old{};
-  ::getrlimit(RLIMIT_NOFILE, &old);
-  const rlimit none{0, old.rlim_max};
-  ::setrlimit(RLIMIT_NOFILE, &none);
-  WithoutDescriptors outcome{};
-  try {
-    folder.DeleteFiles();
-  } catch (const RuntimeError& error) {
-    outcome.error = error.number();
-  }
-  outcome.exists = files.FolderExists(R"(D:\)");
-  ::setrlimit(RLIMIT_NOFILE, &old);
-  return outcome;
-}
-
 TEST_F(PosixFileSystemTest, RunningOutOfDescriptorsIsAnErrorAndDeletesNothing) {
   drive_.Put("hidden");
   drive_.SetDosAttribute("hidden", "0x2");
   const auto root = files_.OpenFolder(R"(D:\)");
-  const auto outcome = DeleteWithoutDescriptors(files_, *root);
-  EXPECT_EQ(outcome.error, kPathFileAccess);
-  EXPECT_FALSE(outcome.exists);
+  rlimit old{};
+  ::getrlimit(RLIMIT_NOFILE, &old);
+  const rlimit none{0, old.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  const int error = ErrorOf([&] { root->DeleteFiles(); });
+  const bool exists = files_.FolderExists(R"(D:\)");
+  ::setrlimit(RLIMIT_NOFILE, &old);
+  EXPECT_EQ(error, kPathFileAccess);
+  EXPECT_FALSE(exists);
   EXPECT_TRUE(drive_.Has("hidden"));
 }
 
