@@ -1,6 +1,7 @@
 // The few things that the host asks of the operating system itself. Failures are std::system_error.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -23,6 +24,9 @@ void ReplaceFile(const std::filesystem::path& from, const std::filesystem::path&
 
 [[nodiscard]] bool InputIsTerminal();
 [[nodiscard]] bool OutputIsTerminal();
+
+// The columns that a character takes on a terminal: 0, 1 or 2.
+[[nodiscard]] std::size_t ColumnsOf(char32_t character);
 
 // The environment variable; "" when it is not set.
 [[nodiscard]] std::string Environment(const char* name);

@@ -1,10 +1,10 @@
 #include "host/text.h"
 
 #include <fmt/format.h>
-#include <utf8proc.h>
 
 #include <algorithm>
 
+#include "host/os.h"
 #include "platform/utf8.h"
 
 namespace kvdm {
@@ -67,10 +67,7 @@ std::string PrintableLines(std::string_view text) {
 
 std::size_t DisplayWidth(std::string_view text) {
   std::size_t width = 0;
-  while (!text.empty()) {
-    const auto character = static_cast<utf8proc_int32_t>(TakeCodePoint(text).value);
-    width += static_cast<std::size_t>(std::max(0, utf8proc_charwidth(character)));
-  }
+  while (!text.empty()) width += os::ColumnsOf(TakeCodePoint(text).value);
   return width;
 }
 

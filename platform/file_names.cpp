@@ -1,10 +1,9 @@
 #include "platform/file_names.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 #include <utility>
 
+#include "platform/letter_case.h"
 #include "platform/utf8.h"
 
 namespace kvdm {
@@ -24,11 +23,11 @@ bool StartsWithDrive(std::string_view path) {
 
 // Only characters of one UTF-16 unit have another case here, and no letter beyond ASCII becomes an
 // ASCII one: a dotless "i" is not an "I".
-char32_t UpperCase(char32_t c) {
+char32_t Folded(char32_t c) {
   if (c > 0xFFFF) return c;
-  const auto upper = static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(c)));
+  const char32_t upper = UpperCase(static_cast<char16_t>(c));
   const bool becomes_ascii = c >= 0x80 && upper < 0x80;
-  return becomes_ascii || upper > 0xFFFF ? c : upper;
+  return becomes_ascii ? c : upper;
 }
 
 // The characters of a name in upper case. Bytes that are not UTF-8 become values that no character
@@ -40,7 +39,7 @@ std::u32string Folded(std::string_view name) {
   while (!name.empty()) {
     const auto byte = static_cast<unsigned char>(name.front());
     const CodePoint next = TakeCodePoint(name);
-    folded += next.valid ? UpperCase(next.value) : kInvalidByte + byte;
+    folded += next.valid ? Folded(next.value) : kInvalidByte + byte;
   }
   return folded;
 }

@@ -9,9 +9,9 @@
 #include <string>
 #include <utility>
 
-#include "platform/posix/attribute_scan.h"
 #include "platform/posix/xml_decoding.h"
 #include "platform/utf8.h"
+#include "platform/xml/attribute_scan.h"
 #include "platform/xml/limits.h"
 
 namespace kvdm {

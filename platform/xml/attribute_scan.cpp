@@ -1,4 +1,4 @@
-#include "platform/posix/attribute_scan.h"
+#include "platform/xml/attribute_scan.h"
 
 #include <algorithm>
 

@@ -1,0 +1,16 @@
+# The component on Windows: a static library with its adapters inside, which the component's DLL and
+# the host are made of.
+kvdm_sources(WINDOWS_SOURCES platform/windows)
+add_library(kvdm STATIC ${CORE_SOURCES} ${WINDOWS_SOURCES})
+target_compile_definitions(kvdm PUBLIC UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
+target_link_libraries(kvdm PUBLIC advapi32 user32 ole32 oleaut32 uuid)
+
+# Programs and libraries need no other file of the compiler's at run time.
+add_link_options(-static)
+
+# Header-only libraries are the build machine's own; the folders around them are not for Windows.
+set(HEADERS_DIR ${PROJECT_BINARY_DIR}/headers)
+file(MAKE_DIRECTORY ${HEADERS_DIR})
+foreach(library CLI fmt nlohmann)
+  file(CREATE_LINK /usr/include/${library} ${HEADERS_DIR}/${library} SYMBOLIC)
+endforeach()
