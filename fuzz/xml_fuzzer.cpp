@@ -1,4 +1,5 @@
-// Whatever is loaded can be saved, loaded and saved again with identical bytes.
+// Whatever is loaded can be saved, loaded and saved again with identical bytes; and the pieces of a
+// text are those that a parser reports.
 //
 // Without KVDM_FUZZ_REPLAY a libFuzzer target; with it a program that runs the files named as its
 // arguments.
@@ -11,6 +12,9 @@
 
 #include "platform/posix/libxml_parser.h"
 #include "platform/xml/document.h"
+#include "platform/xml/namespace_check.h"
+#include "platform/xml/pieces.h"
+#include "tests/xml_notes.h"
 
 namespace kvdm::xml {
 namespace {
@@ -22,7 +26,19 @@ void CheckSavedForm(const Document& document) {
   if (!again.LoadXml(parser, saved) || again.Xml() != saved) std::abort();
 }
 
+void CheckPieces(std::string_view text) {
+  XmlNotes parsed;
+  if (!LibxmlParser().Parse(text, XmlEncoding::kUtf8, parsed)) return;
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  const std::string lines = WithLineFeeds(text.substr(text.starts_with(kMark) ? kMark.size() : 0));
+  XmlNotes read;
+  NamespaceCheck namespaces;
+  if (!ReportPieces(lines, namespaces) || !ReportPieces(lines, read)) std::abort();
+  if (read.notes != parsed.notes) std::abort();
+}
+
 void Check(std::string_view bytes) {
+  CheckPieces(bytes);
   LibxmlParser parser;
   Document document;
   if (document.LoadXml(parser, bytes)) CheckSavedForm(document);

@@ -30,7 +30,11 @@ constexpr std::array kDescriptions = {
     Description{kObjectNotSet, "Object variable or With block variable not set"},
     Description{kInvalidUseOfNull, "Invalid use of Null"},
     Description{kCannotCreateObject, "Component can't create object"},
+    Description{kInterfaceNotSupported,
+                "Class doesn't support the interface that is expected of it"},
     Description{kMemberNotSupported, "Object doesn't support this property or method"},
+    Description{kActionNotSupported, "Object doesn't support this action"},
+    Description{kWrongArgumentCount, "Wrong number of arguments or invalid property assignment"},
 };
 
 }  // namespace

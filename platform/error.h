@@ -29,7 +29,10 @@ enum ErrorNumber : std::int32_t {
   kInvalidUseOfNull = 94,
   kCollectionMissing = 333,
   kCannotCreateObject = 429,
+  kInterfaceNotSupported = 430,
   kMemberNotSupported = 438,
+  kActionNotSupported = 445,
+  kWrongArgumentCount = 450,
   kAutomationFailure = -2147467259,
 };
 

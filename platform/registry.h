@@ -20,8 +20,14 @@ struct RegistryValue {
   bool operator==(const RegistryValue&) const = default;
 };
 
-// Keys and value names are found whatever the case of their ASCII letters. A key is a path such as
-// "Software\Velk".
+// A copy that was kept of a value.
+struct PreservedValue {
+  std::string when;  // UTC, such as "2026-11-15T07:35:30Z".
+  RegistryValue value;
+};
+
+// Keys and value names are found whatever the case of their ASCII letters; the system's own
+// registry takes no other letter's case either. A key is a path such as "Software\Velk".
 class Registry {
  public:
   virtual ~Registry() = default;

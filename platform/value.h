@@ -35,7 +35,7 @@ class Value {
 
   Value() = default;
   Value(Null null) : storage_(null) {}                    // NOLINT(google-explicit-constructor)
-  Value(bool boolean) : storage_(boolean) {}              // NOLINT(google-explicit-constructor)
+  Value(bool flag) : storage_(flag) {}                    // NOLINT(google-explicit-constructor)
   Value(std::int32_t number) : storage_(number) {}        // NOLINT(google-explicit-constructor)
   Value(double number) : storage_(number) {}              // NOLINT(google-explicit-constructor)
   Value(DateTime time) : storage_(time) {}                // NOLINT(google-explicit-constructor)

@@ -1,6 +1,7 @@
 // A conforming XML parser behind a small interface: it reports what it reads, in order.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -38,5 +39,8 @@ class XmlParser {
   // opened, ever.
   virtual bool Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) = 0;
 };
+
+// The parser of this system: libxml2's on POSIX, MSXML's on Windows.
+[[nodiscard]] std::shared_ptr<XmlParser> MakeXmlParser();
 
 }  // namespace kvdm

@@ -1,17 +1,19 @@
 // A folder of a test's own, removed with all that is in it.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
+#include <random>
 #include <string>
 
 namespace kvdm {
 
 class TempFolder {
  public:
-  TempFolder() : path_((std::filesystem::temp_directory_path() / "kvdm-test-XXXXXX").string()) {
-    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary folder");
+  TempFolder() {
+    do {
+      const auto name = "kvdm-test-" + std::to_string(std::random_device()());
+      path_ = (std::filesystem::temp_directory_path() / name).string();
+    } while (!std::filesystem::create_directory(path_));
   }
   ~TempFolder() {
     std::error_code ignored;

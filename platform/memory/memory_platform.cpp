@@ -4,7 +4,6 @@
 #include "platform/memory/failing_services.h"
 #include "platform/portable/portable_gis_core.h"
 #include "platform/portable/portable_siblings.h"
-#include "platform/posix/libxml_parser.h"
 
 namespace kvdm {
 namespace {
@@ -27,7 +26,7 @@ MemoryPlatform::MemoryPlatform(CodePage code_page)
     : files(std::make_shared<MemoryFileSystem>()),
       registry(std::make_shared<MemoryRegistry>(code_page)),
       box(std::make_shared<RecordingMessageBox>()),
-      xml_parser(std::make_shared<LibxmlParser>()),
+      xml_parser(MakeXmlParser()),
       clock(std::make_shared<FixedClock>()),
       gis_core(std::make_shared<PortableGisCore>(SequentialGuids())),
       siblings(std::make_shared<PortableSiblings>()),

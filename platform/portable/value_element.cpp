@@ -15,8 +15,10 @@ namespace {
 constexpr std::string_view kType = "TYPE";
 constexpr std::string_view kValue = "VALUE";
 constexpr std::string_view kMore = "MORE";
-constexpr std::size_t kPieceBytes = 8'000'000;
-static_assert(kPieceBytes < xml::kMaxValueBytes);
+// So few that the piece as written, with up to six bytes for one, is no larger than a value either:
+// some parsers count that.
+constexpr std::size_t kPieceBytes = 1'500'000;
+static_assert(6 * kPieceBytes < xml::kMaxValueBytes);
 
 struct TypedText {
   std::string_view type;

@@ -9,10 +9,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/posix/xml_decoding.h"
-#include "platform/utf8.h"
-#include "platform/xml/attribute_scan.h"
 #include "platform/xml/limits.h"
+#include "platform/xml/xml_input.h"
 
 namespace kvdm {
 namespace {
@@ -176,23 +174,16 @@ void Run::OnError(void* user_data, xmlErrorPtr error) {
   run.context_->disableSAX = 1;
 }
 
-bool ParseUtf8(std::string_view text, XmlHandler& handler) {
-  constexpr std::string_view kMark = "\xEF\xBB\xBF";
-  const bool is_text = text.size() <= xml::kMaxInputBytes && !text.starts_with(kMark) &&
-                       text.find('\0') == std::string_view::npos && IsValidUtf8(text);
-  if (!is_text || !HasAttributesWithin(text, xml::kMaxAttributes)) return false;
-  const Context context(xmlNewParserCtxt());
-  if (!context) throw std::bad_alloc();
-  return Run(context.get(), handler).Parse(text);
-}
-
 }  // namespace
 
 bool LibxmlParser::Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) {
-  if (text.size() > xml::kMaxInputBytes) return false;
-  if (encoding == XmlEncoding::kUtf8) return ParseUtf8(WithoutByteOrderMark(text), handler);
-  const auto decoded = DecodedXml(text);
-  return decoded && ParseUtf8(*decoded, handler);
+  return ParseDecoded(text, encoding, [&handler](std::string_view utf8) {
+    const Context context(xmlNewParserCtxt());
+    if (!context) throw std::bad_alloc();
+    return Run(context.get(), handler).Parse(utf8);
+  });
 }
+
+std::shared_ptr<XmlParser> MakeXmlParser() { return std::make_shared<LibxmlParser>(); }
 
 }  // namespace kvdm

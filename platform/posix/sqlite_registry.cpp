@@ -126,9 +126,8 @@ bool SqliteRegistry::Holds(char32_t character) const {
   return kvdm::Holds(options_.code_page, character);
 }
 
-std::vector<SqliteRegistry::PreservedValue> SqliteRegistry::Preserved(RegistryRoot root,
-                                                                      std::string_view key,
-                                                                      std::string_view name) {
+std::vector<PreservedValue> SqliteRegistry::Preserved(RegistryRoot root, std::string_view key,
+                                                      std::string_view name) {
   return Noting(std::vector<PreservedValue>(), [&] {
     std::vector<PreservedValue> values;
     const auto database = OpenForReading();

@@ -33,11 +33,6 @@ struct SqliteRegistryOptions {
 // damaged, belongs to another program or was written by a newer version is never written to.
 class SqliteRegistry : public Registry {
  public:
-  struct PreservedValue {
-    std::string when;  // UTC, such as "2026-11-15T07:35:30Z".
-    RegistryValue value;
-  };
-
   SqliteRegistry(SqliteRegistryOptions options, std::shared_ptr<Log> log);
 
   std::optional<RegistryValue> Read(RegistryRoot root, std::string_view key,

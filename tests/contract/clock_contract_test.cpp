@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/memory/memory_platform.h"
-#include "platform/posix/posix_platform.h"
+#include "tests/contract/implementations.h"
 
 namespace kvdm {
 namespace {
@@ -12,15 +12,15 @@ struct Implementation {
   std::shared_ptr<Clock> (*make)();
 };
 
+std::shared_ptr<Clock> MakeMemory() { return MemoryPlatform().clock; }
+
+std::shared_ptr<Clock> MakeSystem() { return SystemPlatform().clock; }
+
 class ClockContractTest : public testing::TestWithParam<Implementation> {};
 
 INSTANTIATE_TEST_SUITE_P(All, ClockContractTest,
-                         testing::Values(Implementation{"Memory",
-                                                        []() -> std::shared_ptr<Clock> {
-                                                          return MemoryPlatform().clock;
-                                                        }},
-                                         Implementation{
-                                             "Posix", [] { return MakePosixPlatform({}).clock; }}),
+                         testing::Values(Implementation{"Memory", MakeMemory},
+                                         Implementation{SystemName(), MakeSystem}),
                          [](const auto& tested) { return tested.param.name; });
 
 TEST_P(ClockContractTest, AnswersADateOfTheCalendar) {

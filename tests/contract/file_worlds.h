@@ -18,8 +18,12 @@ class FileWorld {
   virtual ~FileWorld() = default;
 
   virtual FileSystem& files() = 0;
+  // Whether the system is Wine, which follows links when it deletes, and deletes by the path that
+  // an open folder had.
+  [[nodiscard]] virtual bool IsWine() const { return false; }
   virtual void SetAttributes(const std::string& path, unsigned attributes) = 0;
-  // Makes a link that leads nowhere.
+  // Makes a link that leads nowhere; under Wine, which does not show such a link, one to an empty
+  // folder outside.
   virtual void AddLink(const std::string& path) = 0;
   virtual void MoveFolder(const std::string& from, const std::string& to) = 0;
   virtual void RemoveTree(const std::string& path) = 0;
@@ -31,6 +35,9 @@ struct FileWorldMaker {
   std::string_view name;
   std::unique_ptr<FileWorld> (*make)();
 };
+
+// Makes the world of the system's own files.
+FileWorldMaker SystemFileWorldMaker();
 
 std::vector<FileWorldMaker> FileWorldMakers();
 

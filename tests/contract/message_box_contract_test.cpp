@@ -6,6 +6,7 @@
 
 #include "platform/memory/recording_sinks.h"
 #include "platform/portable/callback_sinks.h"
+#include "tests/contract/implementations.h"
 
 namespace kvdm {
 namespace {
@@ -30,6 +31,13 @@ World MakeCallback() {
   return {box, [recorder] { return recorder->Messages(); }};
 }
 
+World MakeSystem() {
+  const auto recorder = std::make_shared<RecordingMessageBox>();
+  const Platform platform = SystemPlatform(
+      [recorder](auto text, auto caption, auto style) { recorder->Show(text, caption, style); });
+  return {platform.message_box, [recorder] { return recorder->Messages(); }};
+}
+
 struct Implementation {
   std::string name;
   World (*make)();
@@ -42,7 +50,8 @@ class MessageBoxContractTest : public testing::TestWithParam<Implementation> {
 
 INSTANTIATE_TEST_SUITE_P(All, MessageBoxContractTest,
                          testing::Values(Implementation{"Recording", MakeRecording},
-                                         Implementation{"Callback", MakeCallback}),
+                                         Implementation{"Callback", MakeCallback},
+                                         Implementation{SystemName(), MakeSystem}),
                          [](const auto& tested) { return tested.param.name; });
 
 TEST_P(MessageBoxContractTest, ShowsTextCaptionAndStyle) {

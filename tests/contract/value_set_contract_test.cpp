@@ -5,7 +5,7 @@
 #include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/portable/sidecar_metadata.h"
-#include "platform/posix/posix_platform.h"
+#include "tests/contract/implementations.h"
 
 namespace kvdm {
 namespace {
@@ -22,8 +22,8 @@ std::shared_ptr<NamedValueSet> MakeMemory() {
   return MemoryPlatform().gis_core->CreateNamedValueSet();
 }
 
-std::shared_ptr<NamedValueSet> MakePosix() {
-  return MakePosixPlatform({}).gis_core->CreateNamedValueSet();
+std::shared_ptr<NamedValueSet> MakeSystem() {
+  return SystemPlatform().gis_core->CreateNamedValueSet();
 }
 
 // The set that a layer's side-car hands out.
@@ -42,7 +42,7 @@ class ValueSetContractTest : public testing::TestWithParam<Implementation> {
 
 INSTANTIATE_TEST_SUITE_P(All, ValueSetContractTest,
                          testing::Values(Implementation{"Memory", MakeMemory},
-                                         Implementation{"Posix", MakePosix},
+                                         Implementation{SystemName(), MakeSystem},
                                          Implementation{"Sidecar", MakeFromSidecar}),
                          [](const auto& tested) { return tested.param.name; });
 

@@ -119,7 +119,7 @@ TEST_P(VariantStreamContractTest, ValuesKeepTypeAndContent) {
 
 TEST_P(VariantStreamContractTest, LongTextsAreKept) {
   std::string text;
-  while (text.size() < 17'000'000) text += "<\u00FC\u65E5\U0001F600>\r\n";
+  while (text.size() < 4'000'000) text += "<\u00FC\u65E5\U0001F600>\r\n";
   EXPECT_TRUE(Saved({text})->Read() == Value(text));
 }
 

@@ -2,46 +2,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
-#include "platform/posix/libxml_parser.h"
-#include "platform/xml/limits.h"
+#include "platform/xml_parser.h"
+#include "tests/contract/implementations.h"
 #include "tests/throws_number.h"
+#include "tests/xml_notes.h"
 
 namespace kvdm {
 namespace {
 
 using testing::ElementsAre;
 using namespace std::string_view_literals;
-
-// Notes what is reported, one entry a piece; adjacent character data is one piece.
-class Notes final : public XmlHandler {
- public:
-  bool StartElement(std::string_view tag, Attributes attributes) override {
-    std::string note = std::string("<").append(tag);
-    for (const auto& [name, value] : attributes) note += " " + name + "=" + value;
-    return Note(note);
-  }
-  bool EndElement() override { return Note(">"); }
-  bool Characters(std::string_view text) override {
-    if (notes.empty() || !notes.back().starts_with('"')) notes.emplace_back("\"");
-    notes.back() += text;
-    return true;
-  }
-  bool Comment(std::string_view text) override { return Note(std::string("!").append(text)); }
-  bool Instruction(std::string_view target, std::string_view data) override {
-    return Note(std::string("?").append(target).append("|").append(data));
-  }
-
-  std::vector<std::string> notes;
-
- private:
-  bool Note(std::string note) {
-    notes.push_back(std::move(note));
-    return true;
-  }
-};
 
 // Accepts all but elements called STOP, which it refuses, and THROW, at which it fails.
 class Picky final : public XmlHandler {
@@ -61,27 +33,26 @@ class Picky final : public XmlHandler {
 
 struct Implementation {
   std::string name;
-  std::function<std::unique_ptr<XmlParser>()> make;
+  std::shared_ptr<XmlParser> (*make)();
 };
 
 class XmlParserContractTest : public testing::TestWithParam<Implementation> {
  protected:
   bool Accepts(std::string_view text, XmlEncoding encoding = XmlEncoding::kUtf8) {
-    Notes ignored;
+    XmlNotes ignored;
     return GetParam().make()->Parse(text, encoding, ignored);
   }
 
   std::vector<std::string> Reported(std::string_view text,
                                     XmlEncoding encoding = XmlEncoding::kUtf8) {
-    Notes handler;
+    XmlNotes handler;
     EXPECT_TRUE(GetParam().make()->Parse(text, encoding, handler)) << text;
     return handler.notes;
   }
 };
 
 INSTANTIATE_TEST_SUITE_P(All, XmlParserContractTest,
-                         testing::Values(Implementation{
-                             "Libxml", [] { return std::make_unique<LibxmlParser>(); }}),
+                         testing::Values(Implementation{SystemName(), MakeXmlParser}),
                          [](const auto& tested) { return tested.param.name; });
 
 TEST_P(XmlParserContractTest, AcceptsWellFormedTexts) {

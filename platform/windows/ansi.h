@@ -1,0 +1,23 @@
+// The ANSI code page of the process, in which the registry and message boxes take text.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kvdm {
+
+// UTF-8 text as bytes in the code page with this number, or in that of the process. A character
+// that it does not have becomes "?", two of them where the character takes two UTF-16 units;
+// look-alikes are never put instead.
+[[nodiscard]] std::string ToAnsi(std::string_view text, unsigned page);
+[[nodiscard]] std::string ToAnsi(std::string_view text);
+
+// Bytes in the code page as UTF-8 text.
+[[nodiscard]] std::string FromAnsi(std::string_view bytes, unsigned page);
+[[nodiscard]] std::string FromAnsi(std::string_view bytes);
+
+// Whether the code page has `character`.
+[[nodiscard]] bool HasAnsi(char32_t character, unsigned page);
+[[nodiscard]] bool HasAnsi(char32_t character);
+
+}  // namespace kvdm

@@ -1,0 +1,121 @@
+#include "platform/encodings.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string>
+
+#include "platform/utf8.h"
+#include "platform/windows/utf16.h"
+
+namespace kvdm {
+namespace {
+
+struct Encoding {
+  std::string_view name;
+  unsigned page;
+};
+
+constexpr unsigned kAscii = 20127;
+constexpr unsigned kGb18030 = 54936;
+// Of ISO 8859-n, n from 1 to 15.
+constexpr unsigned kBeforeIso8859 = 28590;
+constexpr unsigned kLastIso8859 = 15;
+
+constexpr std::array kEncodings = {
+    Encoding{"us-ascii", kAscii}, Encoding{"ascii", kAscii},       Encoding{"latin1", 28591},
+    Encoding{"koi8-r", 20866},    Encoding{"koi8-u", 21866},       Encoding{"shift_jis", 932},
+    Encoding{"windows-31j", 932}, Encoding{"euc-jp", 20932},       Encoding{"gb2312", 936},
+    Encoding{"gbk", 936},         Encoding{"gb18030", kGb18030},   Encoding{"big5", 950},
+    Encoding{"euc-kr", 949},      Encoding{"ks_c_5601-1987", 949},
+};
+
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  std::ranges::transform(lower, lower.begin(), [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter;
+  });
+  return lower;
+}
+
+// The number n, from 1 to `last`, of a name that is `prefix` followed by n.
+std::optional<unsigned> NumberAfter(std::string_view prefix, std::string_view name, unsigned last) {
+  if (!name.starts_with(prefix)) return std::nullopt;
+  name.remove_prefix(prefix.size());
+  unsigned number = 0;
+  const char* const end = name.data() + name.size();
+  const auto [stop, error] = std::from_chars(name.data(), end, number);
+  if (error != std::errc() || stop != end || number == 0 || number > last) return std::nullopt;
+  return number;
+}
+
+// The code page of an encoding; nothing for an unknown one.
+std::optional<unsigned> PageOf(std::string_view name) {
+  constexpr unsigned kLastAnsi = 1258;
+  for (const auto prefix : {"windows-", "cp", "ibm"}) {
+    if (const auto page = NumberAfter(prefix, name, kLastAnsi)) return page;
+  }
+  if (const auto part = NumberAfter("iso-8859-", name, kLastIso8859)) return kBeforeIso8859 + *part;
+  const auto* found = std::ranges::find(kEncodings, name, &Encoding::name);
+  if (found == kEncodings.end()) return std::nullopt;
+  return found->page;
+}
+
+// Code pages let bytes that stand for no character stand for controls or private characters. (In
+// ISO 8859 the controls are meant, and GB 18030 has every character.)
+bool StandsForNothing(wchar_t unit, unsigned page) {
+  const bool is_iso = page > kBeforeIso8859 && page <= kBeforeIso8859 + kLastIso8859;
+  const bool is_control = unit >= 0x80 && unit <= 0x9F;
+  const bool is_private = unit >= 0xE000 && unit <= 0xF8FF;
+  return page != kGb18030 && (is_private || (is_control && !is_iso));
+}
+
+bool IsAscii(std::string_view bytes) {
+  return std::ranges::all_of(bytes, [](char byte) { return static_cast<signed char>(byte) >= 0; });
+}
+
+std::optional<std::string> FromPage(unsigned page, std::string_view bytes) {
+  // The system would cut off what is beyond ASCII.
+  if (page == kAscii && !IsAscii(bytes)) return std::nullopt;
+  const auto count = static_cast<int>(bytes.size());
+  std::wstring units(bytes.size(), L'\0');  // No character takes more units than bytes.
+  const int length =
+      ::MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, bytes.data(), count, units.data(), count);
+  units.resize(static_cast<std::size_t>(length));
+  const auto is_nothing = [page](wchar_t unit) { return StandsForNothing(unit, page); };
+  if ((length == 0 && count != 0) || std::ranges::any_of(units, is_nothing)) return std::nullopt;
+  return ToUtf8(units);
+}
+
+// Nothing when there is half a character.
+std::optional<std::string> FromUtf16(std::string_view bytes, std::size_t low_byte) {
+  if (bytes.size() % 2 != 0) return std::nullopt;
+  std::wstring units;
+  units.reserve(bytes.size() / 2);
+  for (; !bytes.empty(); bytes.remove_prefix(2)) {
+    const auto low = static_cast<unsigned char>(bytes[low_byte]);
+    const auto high = static_cast<unsigned char>(bytes[1 - low_byte]);
+    units += static_cast<wchar_t>(high << 8U | low);
+  }
+  std::string text = ToUtf8(units);
+  // What isn't paired has become another character.
+  if (ToUtf16(text) != units) return std::nullopt;
+  return text;
+}
+
+}  // namespace
+
+std::optional<std::string> Utf8From(std::string_view encoding, std::string_view bytes) {
+  const std::string name = LowerCase(encoding);
+  if (name == "utf-16le") return FromUtf16(bytes, 0);
+  if (name == "utf-16be") return FromUtf16(bytes, 1);
+  if (name == "utf-8" || name == "utf8") {
+    return IsValidUtf8(bytes) ? std::optional(std::string(bytes)) : std::nullopt;
+  }
+  const auto page = PageOf(name);
+  return page ? FromPage(*page, bytes) : std::nullopt;
+}
+
+}  // namespace kvdm

@@ -1,0 +1,149 @@
+#include "platform/windows/folder_entries.h"
+
+#include <winternl.h>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "platform/file_names.h"
+#include "platform/windows/utf16.h"
+#include "platform/windows/win32_error.h"
+
+namespace kvdm {
+namespace {
+
+// Other reparse points, such as compressed files, are what they seem to be. A system that does not
+// tell the tag has links only.
+bool IsLink(DWORD attributes, DWORD tag) {
+  return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+         (tag == 0 || IsReparseTagNameSurrogate(tag));
+}
+
+// For a reparse point the system puts its tag where the size of extended attributes is otherwise.
+FolderEntry EntryOf(const FILE_ID_BOTH_DIR_INFO& info) {
+  return {std::wstring(info.FileName, info.FileNameLength / sizeof(wchar_t)), info.FileAttributes,
+          IsLink(info.FileAttributes, info.EaSize)};
+}
+
+bool WasDeleted(const FileHandle& folder) {
+  FILE_STANDARD_INFO info{};
+  return ::GetFileInformationByHandleEx(folder.get(), FileStandardInfo, &info, sizeof info) !=
+             FALSE &&
+         (info.DeletePending != FALSE || info.NumberOfLinks == 0);
+}
+
+// A part of a listing. The numbers in it need their alignment.
+struct alignas(LARGE_INTEGER) ListingPart {
+  std::array<char, 65536> bytes;
+};
+
+void AppendEntries(const ListingPart& part, std::vector<FolderEntry>& entries) {
+  const char* next = part.bytes.data();
+  while (true) {
+    const auto& info = *reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(next);
+    FolderEntry entry = EntryOf(info);
+    if (entry.name != L"." && entry.name != L"..") entries.push_back(std::move(entry));
+    if (info.NextEntryOffset == 0) return;
+    next += info.NextEntryOffset;
+  }
+}
+
+// The path of an open file or folder on its volume, without a separator at the end; nothing when
+// the system has lost it.
+std::optional<std::string> PathOnVolume(const FileHandle& file) {
+  constexpr std::size_t kLongestPath = 32768;
+  std::vector<FILE_NAME_INFO> info(kLongestPath * sizeof(wchar_t) / sizeof(FILE_NAME_INFO));
+  const auto size = static_cast<DWORD>(info.size() * sizeof(FILE_NAME_INFO));
+  if (::GetFileInformationByHandleEx(file.get(), FileNameInfo, info.data(), size) == FALSE) {
+    return std::nullopt;
+  }
+  const FILE_NAME_INFO& path = info.front();
+  std::wstring_view name(path.FileName, path.FileNameLength / sizeof(wchar_t));
+  if (name.ends_with(L'\\')) name.remove_suffix(1);
+  return ToUtf8(name);
+}
+
+// Some systems follow a link whatever they are asked, and some leave out blanks and dots at the end
+// of the path of an open file.
+bool IsIn(const FileHandle& folder, const FileHandle& file, const std::wstring& name) {
+  const auto same = [](std::string_view a, std::string_view b) {
+    return SameName(TrimmedName(a), TrimmedName(b));
+  };
+  const auto parent = PathOnVolume(folder);
+  const auto path = PathOnVolume(file);
+  const std::size_t separator = path ? path->rfind('\\') : std::string::npos;
+  return parent && separator != std::string::npos &&
+         same(std::string_view(*path).substr(0, separator), *parent) &&
+         same(std::string_view(*path).substr(separator + 1), ToUtf8(name));
+}
+
+bool IsStill(const FileHandle& file, const FolderEntry& entry) {
+  FILE_ATTRIBUTE_TAG_INFO info{};
+  if (::GetFileInformationByHandleEx(file.get(), FileAttributeTagInfo, &info, sizeof info) ==
+      FALSE) {
+    ThrowLastError();
+  }
+  const FolderEntry now{entry.name, info.FileAttributes,
+                        IsLink(info.FileAttributes, info.ReparseTag)};
+  return now.is_link == entry.is_link && now.IsFolder() == entry.IsFolder();
+}
+
+FileHandle OpenRelative(const FileHandle& folder, std::wstring name, DWORD access) {
+  constexpr ULONG kOptions =
+      FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT | FILE_SYNCHRONOUS_IO_NONALERT;
+  const auto size = static_cast<USHORT>(name.size() * sizeof(wchar_t));
+  UNICODE_STRING relative_name{size, size, name.data()};
+  OBJECT_ATTRIBUTES attributes;
+  InitializeObjectAttributes(&attributes, &relative_name, 0, folder.get(), nullptr);
+  IO_STATUS_BLOCK result;
+  HANDLE file = nullptr;
+  const NTSTATUS status =
+      ::NtCreateFile(&file, access | FILE_READ_ATTRIBUTES | SYNCHRONIZE, &attributes, &result,
+                     nullptr, 0, kShareAll, FILE_OPEN, kOptions, nullptr, 0);
+  if (status != 0) ThrowSystemError(::RtlNtStatusToDosError(status));
+  return FileHandle(file);
+}
+
+}  // namespace
+
+std::vector<FolderEntry> EntriesOf(const FileHandle& folder) {
+  std::vector<FolderEntry> entries;
+  const auto part = std::make_unique<ListingPart>();
+  auto step = FileIdBothDirectoryRestartInfo;
+  while (::GetFileInformationByHandleEx(folder.get(), step, part.get(), sizeof *part) != FALSE) {
+    AppendEntries(*part, entries);
+    step = FileIdBothDirectoryInfo;
+  }
+  const DWORD error = ::GetLastError();
+  const bool complete = error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND;
+  if (!complete && !WasDeleted(folder)) ThrowSystemError(error);
+  return entries;
+}
+
+FileHandle OpenEntry(const FileHandle& folder, const FolderEntry& entry, DWORD access) {
+  FileHandle file = OpenRelative(folder, entry.name, access);
+  if (!IsStill(file, entry) || !IsIn(folder, file, entry.name)) {
+    ThrowSystemError(ERROR_REPARSE_TAG_MISMATCH);
+  }
+  return file;
+}
+
+void DeleteEntry(const FileHandle& folder, const FolderEntry& entry) {
+  const FileHandle file = OpenEntry(folder, entry, DELETE);
+  if (!DeleteOpened(file)) ThrowLastError();
+}
+
+bool DeleteOpened(const FileHandle& file) {
+  // FileDispositionInfoEx with the flags "delete" and "at once", which older systems do not know.
+  constexpr auto kDispositionEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(21);
+  DWORD flags = 0x1 | 0x2;
+  FILE_DISPOSITION_INFO classic{TRUE};
+  return ::SetFileInformationByHandle(file.get(), kDispositionEx, &flags, sizeof flags) != FALSE ||
+         ::SetFileInformationByHandle(file.get(), FileDispositionInfo, &classic, sizeof classic) !=
+             FALSE;
+}
+
+}  // namespace kvdm

@@ -1,0 +1,57 @@
+// An open key of the registry.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/registry.h"
+
+namespace kvdm {
+
+// A value of any type.
+struct StoredValue {
+  DWORD type = REG_SZ;
+  std::string bytes;
+  bool operator==(const StoredValue&) const = default;
+};
+
+class RegistryKey {
+ public:
+  // Nothing when the key is missing or can't be read.
+  static std::optional<RegistryKey> Open(RegistryRoot root, std::string_view path);
+  // Creates the key where it is missing. Nothing when the registry refuses.
+  static std::optional<RegistryKey> Create(RegistryRoot root, std::string_view path);
+
+  RegistryKey(RegistryKey&& other) noexcept : key_(std::exchange(other.key_, nullptr)) {}
+  RegistryKey& operator=(RegistryKey&& other) noexcept {
+    std::swap(key_, other.key_);
+    return *this;
+  }
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+  ~RegistryKey();
+
+  // The value with a text's bytes in the ANSI code page.
+  [[nodiscard]] std::optional<StoredValue> ReadAnsi(std::string_view name) const;
+  // Stores a text whose bytes are in the ANSI code page. The registry adds a NUL of its own, unless
+  // the text is empty or ends with one. False when it refuses.
+  [[nodiscard]] bool WriteAnsi(std::string_view name, const std::string& text) const;
+
+  // The value with the very bytes that the registry keeps.
+  [[nodiscard]] std::optional<StoredValue> Read(std::string_view name) const;
+  [[nodiscard]] bool Write(std::string_view name, const StoredValue& value) const;
+
+  [[nodiscard]] std::vector<std::string> ValueNames() const;
+
+ private:
+  explicit RegistryKey(HKEY key) : key_(key) {}
+
+  HKEY key_;
+};
+
+}  // namespace kvdm

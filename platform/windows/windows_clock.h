@@ -1,0 +1,13 @@
+// The system's clock in the local time zone.
+#pragma once
+
+#include "platform/clock.h"
+
+namespace kvdm {
+
+class WindowsClock final : public Clock {
+ public:
+  DateTime Now() override;
+};
+
+}  // namespace kvdm

@@ -1,0 +1,126 @@
+#include "platform/windows/windows_file_system.h"
+
+#include <windows.h>
+
+#include <array>
+#include <system_error>
+#include <tuple>
+#include <utility>
+
+#include "platform/file_names.h"
+#include "platform/windows/file_handle.h"
+#include "platform/windows/folder_entries.h"
+#include "platform/windows/save_file.h"
+#include "platform/windows/utf16.h"
+#include "platform/windows/win32_error.h"
+#include "platform/windows/windows_directory.h"
+#include "platform/windows/windows_paths.h"
+
+namespace kvdm {
+namespace {
+
+std::string ReadAll(const FileHandle& file) {
+  std::string content;
+  std::array<char, 65536> buffer;
+  while (true) {
+    DWORD size = 0;
+    if (::ReadFile(file.get(), buffer.data(), buffer.size(), &size, nullptr) == FALSE) {
+      ThrowLastError();
+    }
+    if (size == 0) return content;
+    content.append(buffer.data(), size);
+  }
+}
+
+}  // namespace
+
+bool WindowsFileSystem::FolderExists(std::string_view path) {
+  try {
+    DrivePath resolved = ResolveWindowsPath(path);
+    return OpenFolderAt(resolved, ERROR_DIRECTORY, FILE_READ_ATTRIBUTES).is_open();
+  } catch (const std::system_error&) {
+    return false;  // What can't be reached is not there for the caller.
+  }
+}
+
+void WindowsFileSystem::CreateFolder(std::string_view path) {
+  TranslatingErrors(path, [&] {
+    const WindowsPlace place = PlaceOf(path, ERROR_ALREADY_EXISTS);
+    if (place.attributes) throw PathError(kFileExists, path);
+    if (!place.HasCreatableName()) throw PathError(kBadFileName, path);
+    if (::CreateDirectoryW(SystemPath(place.path).c_str(), nullptr) == FALSE) ThrowLastError();
+  });
+}
+
+std::string WindowsFileSystem::FullPath(std::string_view path) {
+  return TranslatingErrors(path, [&] {
+    DrivePath resolved = ResolveWindowsPath(path);
+    std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
+    return resolved.Text();
+  });
+}
+
+void WindowsFileSystem::HideFolder(std::string_view path) {
+  TranslatingErrors(path, [&] {
+    DrivePath resolved = ResolveWindowsPath(path);
+    std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
+    const std::wstring folder = SystemPath(resolved);
+    const DWORD attributes = ::GetFileAttributesW(folder.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES ||
+        ::SetFileAttributesW(folder.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN) == FALSE) {
+      ThrowLastError();
+    }
+  });
+}
+
+std::string WindowsFileSystem::SystemDrive() {
+  std::array<wchar_t, MAX_PATH> folder{};
+  if (::GetSystemWindowsDirectoryW(folder.data(), MAX_PATH) == 0) {
+    throw Win32Error(::GetLastError(), {});
+  }
+  return ToUtf8({folder.data(), 2});
+}
+
+std::vector<std::string> WindowsFileSystem::FindFiles(std::string_view pattern) {
+  const SearchPattern search = SplitPattern(pattern);
+  const std::string_view folder = search.folder.empty() ? "." : search.folder;
+  if (!FolderExists(folder)) return {};
+  std::vector<std::string> names = OpenFolder(folder)->Files();
+  std::erase_if(names, [&](const std::string& name) { return !MatchesPattern(name, search.name); });
+  return names;
+}
+
+std::unique_ptr<Directory> WindowsFileSystem::OpenFolder(std::string_view path) {
+  return TranslatingErrors(path, [&] {
+    DrivePath resolved = ResolveWindowsPath(path);
+    FileHandle folder = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess);
+    return std::make_unique<WindowsDirectory>(std::move(folder), resolved.Text());
+  });
+}
+
+std::optional<std::string> WindowsFileSystem::ReadFile(std::string_view path) {
+  try {
+    const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
+    if (!place.attributes || place.IsFolder()) return std::nullopt;
+    const FileHandle file(::CreateFileW(SystemPath(place.path).c_str(), GENERIC_READ, kShareAll,
+                                        nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
+                                        nullptr));
+    if (!file.is_open()) return std::nullopt;
+    return ReadAll(file);
+  } catch (const std::system_error&) {
+    return std::nullopt;  // Missing or unreadable, which is one answer here.
+  }
+}
+
+void WindowsFileSystem::WriteFile(std::string_view path, std::string_view bytes) {
+  TranslatingErrors(path, [&] {
+    const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
+    if (!place.attributes && !place.HasCreatableName()) throw PathError(kBadFileName, path);
+    if (place.IsFolder()) throw PathError(kPathFileAccess, path);
+    const bool read_only = (place.attributes.value_or(0) & FILE_ATTRIBUTE_READONLY) != 0;
+    if (read_only) throw PathError(kPermissionDenied, path);
+    SaveFile(place, bytes);
+  });
+}
+
+}  // namespace kvdm

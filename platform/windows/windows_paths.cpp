@@ -1,0 +1,123 @@
+#include "platform/windows/windows_paths.h"
+
+#include <memory>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "platform/windows/device_names.h"
+#include "platform/windows/folder_entries.h"
+#include "platform/windows/utf16.h"
+#include "platform/windows/win32_error.h"
+
+namespace kvdm {
+namespace {
+
+struct SearchCloser {
+  using pointer = HANDLE;
+  void operator()(HANDLE search) const { ::FindClose(search); }
+};
+using Search = std::unique_ptr<HANDLE, SearchCloser>;
+
+DrivePath CurrentFolder() {
+  std::wstring path(::GetCurrentDirectoryW(0, nullptr), L'\0');
+  path.resize(::GetCurrentDirectoryW(static_cast<DWORD>(path.size()), path.data()));
+  auto folder = ResolvePath(SplitPath(ToUtf8(path)), {});
+  if (!folder) ThrowSystemError(ERROR_PATH_NOT_FOUND);  // A share.
+  return *std::move(folder);
+}
+
+std::optional<DWORD> AttributesOf(const std::wstring& path) {
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  return attributes == INVALID_FILE_ATTRIBUTES ? std::nullopt : std::optional(attributes);
+}
+
+std::wstring Joined(const DrivePath& folder, std::string_view name) {
+  std::wstring path = SystemPath(folder);
+  if (!path.ends_with(L'\\')) path += L'\\';
+  return path + ToUtf16(name);
+}
+
+bool MeansMissing(DWORD error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ||
+         error == ERROR_DIRECTORY || error == ERROR_INVALID_NAME;
+}
+
+// The names in `folder` among which FindName finds what `name` means. In a folder that may not be
+// listed that is the very name.
+std::vector<std::string> NamesLike(const DrivePath& folder, const std::string& name) {
+  const std::wstring pattern = Joined(folder, std::string(TrimmedName(name)) + "*");
+  WIN32_FIND_DATAW found;
+  const Search search(::FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &found,
+                                         FindExSearchNameMatch, nullptr, 0));
+  if (search.get() == INVALID_HANDLE_VALUE) {
+    const DWORD error = ::GetLastError();
+    if (error == ERROR_ACCESS_DENIED && AttributesOf(Joined(folder, name))) return {name};
+    if (error == ERROR_ACCESS_DENIED || MeansMissing(error)) return {};
+    ThrowSystemError(error);
+  }
+  std::vector<std::string> names;
+  do {
+    names.push_back(ToUtf8(found.cFileName));
+  } while (::FindNextFileW(search.get(), &found) != FALSE);
+  if (::GetLastError() != ERROR_NO_MORE_FILES) ThrowLastError();
+  return names;
+}
+
+// The name of the entry that `name` means; nothing when there is none.
+std::optional<std::string> FindEntry(const DrivePath& folder, const std::string& name) {
+  if (!IsCreatableName(name)) return std::nullopt;  // No entry has such a name.
+  return FindName(NamesLike(folder, name), name);
+}
+
+// Replaces the names of a path by the real ones.
+void FindNames(DrivePath& path) {
+  DrivePath found{path.drive, {}};
+  for (const std::string& name : path.names) {
+    auto entry = FindEntry(found, name);
+    if (!entry) ThrowSystemError(ERROR_PATH_NOT_FOUND);
+    found.names.push_back(*std::move(entry));
+  }
+  path = std::move(found);
+}
+
+}  // namespace
+
+DrivePath ResolveWindowsPath(std::string_view path) {
+  const PathParts parts = SplitPath(path);
+  if (parts.start == PathStart::kNowhere) ThrowSystemError(ERROR_PATH_NOT_FOUND);
+  const bool from_root = parts.start == PathStart::kDrive;
+  return *ResolvePath(parts, from_root ? DrivePath{} : CurrentFolder());
+}
+
+std::wstring SystemPath(const DrivePath& path) { return LR"(\\?\)" + ToUtf16(path.Text()); }
+
+FileHandle OpenFolderAt(DrivePath& path, DWORD no_folder, DWORD access) {
+  FindNames(path);
+  const std::wstring system_path = SystemPath(path);
+  const auto attributes = AttributesOf(system_path);
+  if (!attributes) ThrowLastError();
+  if ((*attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) ThrowSystemError(no_folder);
+  FileHandle folder(::CreateFileW(system_path.c_str(), access, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  if (!folder.is_open()) ThrowLastError();
+  return folder;
+}
+
+bool WindowsPlace::HasCreatableName() const {
+  return IsCreatableName(path.names.back()) && !IsDeviceName(path.names.back());
+}
+
+WindowsPlace PlaceOf(std::string_view path, DWORD root_error) {
+  DrivePath resolved = ResolveWindowsPath(path);
+  const bool is_root = resolved.names.empty();
+  const std::string name = is_root ? std::string() : std::move(resolved.names.back());
+  if (!is_root) resolved.names.pop_back();
+  std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
+  if (is_root) ThrowSystemError(root_error);
+  const auto entry = FindEntry(resolved, name);
+  resolved.names.push_back(entry.value_or(name));
+  return {resolved, entry ? AttributesOf(SystemPath(resolved)) : std::nullopt};
+}
+
+}  // namespace kvdm

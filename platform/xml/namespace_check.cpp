@@ -1,0 +1,94 @@
+#include "platform/xml/namespace_check.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "platform/xml/xml_text.h"
+
+namespace kvdm {
+namespace {
+
+using xml::IsNamespaceDeclaration;
+using xml::IsPlainName;
+using xml::PrefixOf;
+
+constexpr std::string_view kXml = "xml";
+constexpr std::string_view kXmlns = "xmlns";
+constexpr std::string_view kXmlNamespace = "http://www.w3.org/XML/1998/namespace";
+constexpr std::string_view kXmlnsNamespace = "http://www.w3.org/2000/xmlns/";
+
+std::string_view LocalNameOf(std::string_view name) {
+  const auto colon = name.find(':');
+  return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+bool IsQualifiedName(std::string_view name) {
+  const bool has_prefix = name.find(':') != std::string_view::npos;
+  return IsPlainName(LocalNameOf(name)) && (!has_prefix || IsPlainName(PrefixOf(name)));
+}
+
+bool CanBeDeclared(std::string_view prefix, std::string_view space) {
+  if (prefix == kXml) return space == kXmlNamespace;
+  const bool is_reserved = space == kXmlNamespace || space == kXmlnsNamespace;
+  return prefix != kXmlns && !is_reserved && !space.empty();
+}
+
+bool IsAllowed(std::string_view name, std::string_view value) {
+  if (!IsQualifiedName(name)) return false;
+  if (name == kXmlns) return value != kXmlNamespace && value != kXmlnsNamespace;
+  return !IsNamespaceDeclaration(name) || CanBeDeclared(LocalNameOf(name), value);
+}
+
+}  // namespace
+
+bool NamespaceCheck::StartElement(std::string_view tag, Attributes attributes) {
+  const bool allowed = std::ranges::all_of(attributes, [](const auto& attribute) {
+    return IsAllowed(attribute.first, attribute.second);
+  });
+  if (!allowed || !IsQualifiedName(tag)) return false;
+  scopes_.emplace_back();
+  for (const auto& [name, value] : attributes) {
+    if (PrefixOf(name) == kXmlns) Declare(LocalNameOf(name), value);
+  }
+  return IsBound(tag) && AreBoundAndApart(attributes);
+}
+
+bool NamespaceCheck::EndElement() {
+  for (const std::string& prefix : scopes_.back()) declared_.find(prefix)->second.pop_back();
+  scopes_.pop_back();
+  return true;
+}
+
+bool NamespaceCheck::Instruction(std::string_view target, std::string_view /*data*/) {
+  return target.find(':') == std::string_view::npos;
+}
+
+void NamespaceCheck::Declare(std::string_view prefix, std::string_view space) {
+  scopes_.back().emplace_back(prefix);
+  declared_[scopes_.back().back()].emplace_back(space);
+}
+
+bool NamespaceCheck::IsBound(std::string_view name) const {
+  const std::string_view prefix = PrefixOf(name);
+  return prefix.empty() || !NamespaceOf(prefix).empty();
+}
+
+std::string_view NamespaceCheck::NamespaceOf(std::string_view prefix) const {
+  if (prefix == kXml) return kXmlNamespace;
+  const auto found = declared_.find(prefix);
+  if (found == declared_.end() || found->second.empty()) return {};
+  return found->second.back();
+}
+
+bool NamespaceCheck::AreBoundAndApart(const Attributes& attributes) const {
+  std::set<std::pair<std::string_view, std::string_view>> names;
+  return std::ranges::all_of(attributes, [&](const auto& attribute) {
+    const std::string_view name = attribute.first;
+    if (PrefixOf(name).empty() || IsNamespaceDeclaration(name)) return true;
+    const std::string_view space = NamespaceOf(PrefixOf(name));
+    return !space.empty() && names.emplace(space, LocalNameOf(name)).second;
+  });
+}
+
+}  // namespace kvdm

@@ -1,0 +1,38 @@
+// Name prefixes in a text that is being read, for parsers that don't insist on their declaration.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/xml_parser.h"
+
+namespace kvdm {
+
+// Refuses the first piece that breaks a rule of namespaces: a name with more than a prefix and a
+// local name, a prefix that isn't declared, one that is declared as nothing or is reserved, and the
+// same attribute under two prefixes.
+class NamespaceCheck final : public XmlHandler {
+ public:
+  bool StartElement(std::string_view tag, Attributes attributes) override;
+  bool EndElement() override;
+  bool Characters(std::string_view /*text*/) override { return true; }
+  bool Comment(std::string_view /*text*/) override { return true; }
+  bool Instruction(std::string_view target, std::string_view data) override;
+
+ private:
+  void Declare(std::string_view prefix, std::string_view space);
+  // Whether the prefix of `name`, if it has one, is declared.
+  [[nodiscard]] bool IsBound(std::string_view name) const;
+  // "" for a prefix that is not declared.
+  [[nodiscard]] std::string_view NamespaceOf(std::string_view prefix) const;
+  // Whether the attributes' prefixes are declared, and no two are the same attribute.
+  [[nodiscard]] bool AreBoundAndApart(const Attributes& attributes) const;
+
+  // The namespaces of each prefix, the innermost last; and what each open element declares.
+  std::map<std::string, std::vector<std::string>, std::less<>> declared_;
+  std::vector<std::vector<std::string>> scopes_;
+};
+
+}  // namespace kvdm

@@ -1,0 +1,24 @@
+// What XML parsers have in common before they parse.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/xml_parser.h"
+
+namespace kvdm {
+
+// The UTF-8 form, without a byte order mark, of a text in the encoding that its byte order mark or
+// else its declaration names, UTF-8 without both. Nothing when the encoding is unknown or doesn't
+// fit the bytes.
+std::optional<std::string> DecodedXml(std::string_view bytes);
+
+// Answers what `parse` answers for the UTF-8 form of `text`, without a byte order mark and with no
+// NULs. False, without calling it, when the text doesn't fit its encoding, is larger than documents
+// get, or gives an element more attributes than elements have.
+bool ParseDecoded(std::string_view text, XmlEncoding encoding,
+                  const std::function<bool(std::string_view utf8)>& parse);
+
+}  // namespace kvdm

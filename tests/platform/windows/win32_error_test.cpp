@@ -1,0 +1,56 @@
+#include "platform/windows/win32_error.h"
+
+#include <gtest/gtest.h>
+
+namespace kvdm {
+namespace {
+
+TEST(Win32ErrorTest, ErrorsHaveTheNumbersThatClientsKnow) {
+  const struct {
+    DWORD error;
+    int number;
+  } rows[] = {
+      {ERROR_FILE_NOT_FOUND, kPathNotFound},
+      {ERROR_PATH_NOT_FOUND, kPathNotFound},
+      {ERROR_INVALID_DRIVE, kPathNotFound},
+      {ERROR_BAD_NETPATH, kPathNotFound},
+      {ERROR_INVALID_NAME, kBadFileName},
+      {ERROR_FILENAME_EXCED_RANGE, kBadFileName},
+      {ERROR_ALREADY_EXISTS, kFileExists},
+      {ERROR_FILE_EXISTS, kFileExists},
+      {ERROR_ACCESS_DENIED, kPermissionDenied},
+      {ERROR_SHARING_VIOLATION, kPermissionDenied},
+      {ERROR_WRITE_PROTECT, kPermissionDenied},
+      {ERROR_DIR_NOT_EMPTY, kPathFileAccess},
+      {ERROR_DIRECTORY, kPathFileAccess},
+      {ERROR_DISK_FULL, kPathFileAccess},
+      {ERROR_REPARSE_TAG_MISMATCH, kPathFileAccess},
+      {ERROR_NOT_READY, kDeviceUnavailable},
+      {ERROR_NOT_ENOUGH_MEMORY, kOutOfMemory},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(Win32Error(row.error, "D:\\x").number(), row.number) << row.error;
+  }
+}
+
+TEST(Win32ErrorTest, ErrorsNameThePath) {
+  EXPECT_STREQ(Win32Error(ERROR_FILE_NOT_FOUND, R"(D:\x)").what(), R"(Path not found: D:\x)");
+}
+
+TEST(Win32ErrorTest, AnErrorWithoutAClassicNumberTellsItsCode) {
+  const RuntimeError error = Win32Error(ERROR_CRC, R"(D:\x)");
+  EXPECT_EQ(error.number(), kAutomationFailure);
+  EXPECT_STREQ(error.what(), R"(D:\x: system error 23)");
+}
+
+TEST(Win32ErrorTest, SystemErrorsInABodyAreTranslated) {
+  try {
+    TranslatingErrors("D:\\x", [] { ThrowSystemError(ERROR_DIR_NOT_EMPTY); });
+    FAIL() << "no error";
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.number(), kPathFileAccess);
+  }
+}
+
+}  // namespace
+}  // namespace kvdm
