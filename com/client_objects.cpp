@@ -1,0 +1,163 @@
+#include "com/client_objects.h"
+
+#include "com/kvdm.h"
+#include "com/late_objects.h"
+#include "com/objects.h"
+#include "com/value_arrays.h"
+#include "platform/error.h"
+#include "platform/windows/automation.h"
+#include "platform/windows/hresult.h"
+
+namespace kvdm::com {
+namespace {
+
+using Microsoft::WRL::ComPtr;
+
+// An object that has the interface `Interface`.
+template <class Interface>
+class SlotObject : public ClientObject {
+ public:
+  explicit SlotObject(const ComPtr<Interface>& object) : ClientObject(object), object_(object) {}
+
+ protected:
+  Interface& Slots() { return *object_.Get(); }
+
+ private:
+  ComPtr<Interface> object_;
+};
+
+// What a client's operation answers in a variant.
+template <class Operation>
+Variant Answer(const Operation& operation) {
+  Variant answer;
+  Check(operation(answer.address()));
+  return answer;
+}
+
+class SlotPropertySet final : public HostPropertySet, public SlotObject<::IHostPropertySet> {
+ public:
+  using SlotObject::SlotObject;
+
+  Value GetProperty(std::string_view name) override {
+    Bstr text(name);
+    return FromVariant(
+        Answer([&](VARIANT* out) { return Slots().GetProperty(text.address(), out); }).get());
+  }
+  void SetProperty(std::string_view name, const Value& value) override {
+    Bstr text(name);
+    Variant given(value);
+    Check(Slots().SetProperty(text.address(), given.address()));
+  }
+};
+
+class SlotHost final : public Host, public SlotObject<::IHost> {
+ public:
+  using SlotObject::SlotObject;
+
+  std::shared_ptr<HostPropertySet> CurrentState() override {
+    ComPtr<::IHostPropertySet> set;
+    Check(Slots().get_CurrentState(&set));
+    return PropertySet(set);
+  }
+  std::shared_ptr<HostPropertySet> Settings() override {
+    ComPtr<::IHostPropertySet> set;
+    Check(Slots().get_Settings(&set));
+    return PropertySet(set);
+  }
+
+ private:
+  static std::shared_ptr<HostPropertySet> PropertySet(const ComPtr<::IHostPropertySet>& set) {
+    return set ? std::make_shared<SlotPropertySet>(set) : nullptr;
+  }
+};
+
+class SlotStream final : public VariantStream, public SlotObject<::IVariantStream> {
+ public:
+  using SlotObject::SlotObject;
+
+  void Write(const Value& value) override {
+    Variant given(value);
+    Check(Slots().Write(given.address()));
+  }
+  Value Read() override {
+    return FromVariant(Answer([&](VARIANT* out) { return Slots().Read(out); }).get());
+  }
+};
+
+class SlotValueSet final : public NamedValueSet, public SlotObject<::INamedValueSet> {
+ public:
+  using SlotObject::SlotObject;
+
+  std::vector<Value> GetValues(std::string_view path) override {
+    Bstr text(path);
+    return FromArray(
+        Answer([&](VARIANT* out) { return Slots().GetValues(text.address(), out); }).get());
+  }
+  void PutValue(std::string_view path, const Value& value) override {
+    Bstr text(path);
+    Variant given(value);
+    Check(Slots().PutValue(text.address(), given.address()));
+  }
+  Listing ListAll() override {
+    Variant names;
+    Variant values;
+    Check(Slots().ListAll(names.address(), values.address()));
+    return ListingOf(names.get(), values.get());
+  }
+  int EntryCount() override {
+    long count = 0;
+    Check(Slots().EntryCount(&count));
+    return static_cast<int>(count);
+  }
+  void PrepareForUpdate() override { Check(Slots().PrepareForUpdate()); }
+};
+
+class SlotMetadata final : public LayerMetadata, public SlotObject<::ILayerMetadata> {
+ public:
+  using SlotObject::SlotObject;
+
+  std::shared_ptr<NamedValueSet> ReadDocument() override {
+    ComPtr<IUnknown> document;
+    Check(Slots().ReadDocument(&document));
+    return FromClient<NamedValueSet>(document.Get());
+  }
+  void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
+    Check(Slots().WriteDocument(ToClient(document).Get()));
+  }
+};
+
+// `object` as a Slots object if it has the interface, else as a Late one.
+template <class T, class Interface, class Slots, class Late>
+std::shared_ptr<T> Adapted(IUnknown* object) {
+  if (object == nullptr) return nullptr;
+  ComPtr<IUnknown> client(object);
+  ComPtr<Interface> slots;
+  if (SUCCEEDED(client.As(&slots))) return std::make_shared<Slots>(slots);
+  ComPtr<IDispatch> names;
+  if (SUCCEEDED(client.As(&names))) return std::make_shared<Late>(names);
+  throw RuntimeError(kTypeMismatch);
+}
+
+}  // namespace
+
+template <>
+std::shared_ptr<Host> FromClient<Host>(IUnknown* object) {
+  return Adapted<Host, ::IHost, SlotHost, LateHost>(object);
+}
+
+template <>
+std::shared_ptr<VariantStream> FromClient<VariantStream>(IUnknown* object) {
+  return Adapted<VariantStream, ::IVariantStream, SlotStream, LateStream>(object);
+}
+
+template <>
+std::shared_ptr<LayerMetadata> FromClient<LayerMetadata>(IUnknown* object) {
+  return Adapted<LayerMetadata, ::ILayerMetadata, SlotMetadata, LateMetadata>(object);
+}
+
+template <>
+std::shared_ptr<NamedValueSet> FromClient<NamedValueSet>(IUnknown* object) {
+  return Adapted<NamedValueSet, ::INamedValueSet, SlotValueSet, LateValueSet>(object);
+}
+
+}  // namespace kvdm::com

@@ -1,0 +1,52 @@
+#include "com/error_object.h"
+
+// Needs the types of <windows.h>.
+#include <oleauto.h>
+#include <wrl/client.h>
+
+#include <exception>
+
+#include "platform/error.h"
+#include "platform/windows/automation.h"
+#include "platform/windows/hresult.h"
+
+namespace kvdm::com {
+namespace {
+
+using Microsoft::WRL::ComPtr;
+
+RuntimeError CurrentError() {
+  try {
+    throw;
+  } catch (const std::exception& error) {
+    return AsRuntimeError(error);
+  } catch (...) {
+    return RuntimeError(kAutomationFailure);
+  }
+}
+
+void SetErrorObject(const RuntimeError& error, const char* class_identity, const IID& iid) {
+  ComPtr<ICreateErrorInfo> made;
+  Check(::CreateErrorInfo(&made));
+  const std::string source = error.source().empty() ? class_identity : error.source();
+  Check(made->SetGUID(iid));
+  Check(made->SetSource(Bstr(source).get()));
+  Check(made->SetDescription(Bstr(error.what()).get()));
+  ComPtr<IErrorInfo> info;
+  Check(made.As(&info));
+  Check(::SetErrorInfo(0, info.Get()));
+}
+
+}  // namespace
+
+HRESULT RaiseCurrentError(const char* class_identity, const IID& iid) noexcept {
+  try {
+    const RuntimeError error = CurrentError();
+    SetErrorObject(error, class_identity, iid);
+    return ResultOf(error);
+  } catch (const std::exception& error) {
+    return ResultOf(AsRuntimeError(error));
+  }
+}
+
+}  // namespace kvdm::com

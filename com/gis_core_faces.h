@@ -1,0 +1,45 @@
+// The interfaces of the objects that stand in for the GIS core library's.
+#pragma once
+
+#include "com/kvdm.h"
+#include "com/object.h"
+#include "com/value_arrays.h"
+#include "platform/gis_core.h"
+
+namespace kvdm::com {
+
+class IdentifierFace final : public FaceOf<::IIdentifier, Identifier> {
+ public:
+  using FaceOf::FaceOf;
+
+  STDMETHODIMP Generate() override { return Call(&Core::Generate); }
+  STDMETHODIMP GetValue(BSTR* result) override { return Call(&Core::GetValue, result); }
+  STDMETHODIMP PutValue(BSTR* text) override { return Call(&Core::PutValue, text); }
+};
+
+class NamedValueSetFace final : public FaceOf<::INamedValueSet, NamedValueSet> {
+ public:
+  using FaceOf::FaceOf;
+
+  STDMETHODIMP GetValues(BSTR* path, VARIANT* result) override {
+    return Call(&Core::GetValues, path, result);
+  }
+  STDMETHODIMP PutValue(BSTR* path, VARIANT* value) override {
+    return Call(&Core::PutValue, path, value);
+  }
+  STDMETHODIMP ListAll(VARIANT* names, VARIANT* values) override {
+    for (VARIANT* list : {names, values}) {
+      if (list != nullptr) ::VariantInit(list);
+    }
+    if (names == nullptr || values == nullptr) return E_POINTER;
+    return Guarded([&] {
+      const NamedValueSet::Listing all = core_->ListAll();
+      PutArray({all.names.begin(), all.names.end()}, names);
+      PutArray(all.values, values);
+    });
+  }
+  STDMETHODIMP EntryCount(long* result) override { return Call(&Core::EntryCount, result); }
+  STDMETHODIMP PrepareForUpdate() override { return Call(&Core::PrepareForUpdate); }
+};
+
+}  // namespace kvdm::com

@@ -1,0 +1,134 @@
+#include "com/late_binding.h"
+
+// Needs the types of <windows.h>.
+#include <oleauto.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "com/late_arguments.h"
+#include "com/module.h"
+#include "platform/windows/automation.h"
+#include "platform/windows/hresult.h"
+#include "platform/windows/late_call.h"
+
+namespace kvdm::com {
+namespace {
+
+using Microsoft::WRL::ComPtr;
+
+// Identifiers below are those that the type library gives to names itself.
+constexpr DISPID kFirstOwnId = 0x60000000;
+
+bool SameLetters(std::wstring_view a, std::wstring_view b) {
+  return ::CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(),
+                                static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
+}
+
+// The interface's description with its place for each operation, also for one that can be called by
+// name on its own.
+ComPtr<ITypeInfo> DescriptionOf(const IID& iid) {
+  ComPtr<ITypeLib> library;
+  Check(::LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &library));
+  ComPtr<ITypeInfo> type;
+  Check(library->GetTypeInfoOfGuid(iid, &type));
+  constexpr UINT kInterfaceOfDual = static_cast<UINT>(-1);
+  HREFTYPE reference = 0;
+  if (FAILED(type->GetRefTypeOfImplType(kInterfaceOfDual, &reference))) return type;
+  ComPtr<ITypeInfo> of_interface;
+  Check(type->GetRefTypeInfo(reference, &of_interface));
+  return of_interface;
+}
+
+UINT OperationCount(ITypeInfo& type) {
+  TYPEATTR* attributes = nullptr;
+  Check(type.GetTypeAttr(&attributes));
+  const UINT count = attributes->cFuncs;
+  type.ReleaseTypeAttr(attributes);
+  return count;
+}
+
+struct ReleaseOperation {
+  ITypeInfo* type;
+  void operator()(FUNCDESC* operation) const { type->ReleaseFuncDesc(operation); }
+};
+using Operation = std::unique_ptr<FUNCDESC, ReleaseOperation>;
+
+Operation OperationAt(ITypeInfo& type, UINT index) {
+  FUNCDESC* operation = nullptr;
+  Check(type.GetFuncDesc(index, &operation));
+  return {operation, {&type}};
+}
+
+std::wstring NameOf(ITypeInfo& type, MEMBERID id) {
+  Bstr name;
+  Check(type.GetDocumentation(id, name.address(), nullptr, nullptr, nullptr));
+  return {name.get(), ::SysStringLen(name.get())};
+}
+
+// The value that a property is set to has a name of its own.
+bool HasNamedArguments(const DISPPARAMS& parameters) {
+  const bool is_value =
+      parameters.cNamedArgs == 1 && parameters.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
+  return parameters.cNamedArgs != 0 && !is_value;
+}
+
+// A caller by name can do nothing with an object that can't be called so.
+void MakeCallable(VARIANT* result) {
+  if (result == nullptr || V_VT(result) != VT_UNKNOWN) return;
+  Variant object = ObjectValue(V_UNKNOWN(result));
+  ::VariantClear(result);
+  *result = object.Release();
+}
+
+}  // namespace
+
+void LateBinding::Add(const IID& iid, IUnknown* face) {
+  const ComPtr<ITypeInfo> type = DescriptionOf(iid);
+  const UINT count = OperationCount(*type.Get());
+  for (UINT i = 0; i < count; ++i) {
+    const Operation operation = OperationAt(*type.Get(), i);
+    std::wstring name = NameOf(*type.Get(), operation->memid);
+    const auto known = IdOf(name);
+    const DISPID next = kFirstOwnId + static_cast<DISPID>(members_.size());
+    const DISPID own = operation->memid < kFirstOwnId ? operation->memid : next;
+    members_.push_back({std::move(name), known.value_or(own), operation->invkind, i, type, face});
+  }
+}
+
+std::optional<DISPID> LateBinding::IdOf(std::wstring_view name) const {
+  const auto found = std::ranges::find_if(
+      members_, [&](const Member& member) { return SameLetters(member.name, name); });
+  if (found == members_.end()) return std::nullopt;
+  return found->id;
+}
+
+// Reading a property and calling an operation are one thing to many callers.
+const LateBinding::Member* LateBinding::Find(DISPID id, WORD flags) const {
+  constexpr WORD kCallOrRead = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+  if ((flags & kCallOrRead) != 0) flags |= kCallOrRead;
+  const auto found = std::ranges::find_if(members_, [&](const Member& member) {
+    return member.id == id && (member.kind & flags) != 0;
+  });
+  return found == members_.end() ? nullptr : &*found;
+}
+
+HRESULT LateBinding::Invoke(const LateCall& call) const {
+  const Member* member = Find(call.id, call.flags);
+  if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
+  if (HasNamedArguments(call.parameters)) return DISP_E_NONAMEDARGS;
+  const Operation operation = OperationAt(*member->type.Get(), member->index);
+  LateArguments arguments(*operation, call.parameters);
+  const HRESULT result = member->type->Invoke(
+      member->face, operation->memid, static_cast<WORD>(member->kind), &arguments.Parameters(),
+      call.result, call.exception, call.wrong_argument);
+  if (FAILED(result)) {
+    if (call.result != nullptr) ::VariantInit(call.result);
+    return result;
+  }
+  arguments.HandBack();
+  MakeCallable(call.result);
+  return result;
+}
+
+}  // namespace kvdm::com

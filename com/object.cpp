@@ -1,0 +1,96 @@
+#include "com/object.h"
+
+#include <algorithm>
+
+namespace kvdm::com {
+
+using Microsoft::WRL::ComPtr;
+
+ComPtr<Object> Object::Make(const char* identity) {
+  ComPtr<Object> object;
+  *object.GetAddressOf() = new Object(identity);
+  return object;
+}
+
+FaceBase* Object::Find(REFIID iid) const {
+  const auto found = std::ranges::find_if(
+      faces_, [&](const auto& face) { return ::IsEqualIID(face->Iid(), iid) != FALSE; });
+  return found == faces_.end() ? nullptr : found->get();
+}
+
+STDMETHODIMP Object::QueryInterface(REFIID iid, void** out) {
+  if (out == nullptr) return E_POINTER;
+  *out = nullptr;
+  if (::IsEqualIID(iid, IID_IUnknown) || ::IsEqualIID(iid, IID_IDispatch)) {
+    *out = static_cast<IDispatch*>(this);
+  } else if (::IsEqualIID(iid, IID_ISupportErrorInfo)) {
+    *out = static_cast<ISupportErrorInfo*>(this);
+  } else if (FaceBase* face = Find(iid)) {
+    *out = face->Interface();
+  } else {
+    return E_NOINTERFACE;
+  }
+  AddRef();
+  return S_OK;
+}
+
+STDMETHODIMP_(ULONG) Object::AddRef() { return ++references_; }
+
+STDMETHODIMP_(ULONG) Object::Release() {
+  const ULONG left = --references_;
+  if (left == 0) delete this;
+  return left;
+}
+
+STDMETHODIMP Object::InterfaceSupportsErrorInfo(REFIID iid) {
+  return Find(iid) != nullptr ? S_OK : S_FALSE;
+}
+
+LateBinding& Object::Late() {
+  if (late_) return *late_;
+  late_.emplace();
+  for (const auto& face : faces_) late_->Add(face->Iid(), face->Interface());
+  return *late_;
+}
+
+// What the interfaces describe together stands nowhere as one type.
+STDMETHODIMP Object::GetTypeInfoCount(UINT* count) {
+  if (count == nullptr) return E_POINTER;
+  *count = 0;
+  return S_OK;
+}
+
+STDMETHODIMP Object::GetTypeInfo(UINT, LCID, ITypeInfo** type) {
+  if (type == nullptr) return E_POINTER;
+  *type = nullptr;
+  return DISP_E_BADINDEX;
+}
+
+STDMETHODIMP Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
+  if (names == nullptr || ids == nullptr) return E_POINTER;
+  if (!::IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  std::fill_n(ids, count, DISPID_UNKNOWN);
+  if (count == 0) return S_OK;
+  HRESULT result = S_OK;
+  const HRESULT guarded = abi::Guarded(identity_, IID_IDispatch, [&] {
+    const auto id = Late().IdOf(names[0]);
+    if (id) ids[0] = *id;
+    // Arguments have no names here.
+    result = id && count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
+  });
+  return FAILED(guarded) ? guarded : result;
+}
+
+STDMETHODIMP Object::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                            VARIANT* result, EXCEPINFO* exception, UINT* wrong_argument) {
+  if (parameters == nullptr) return E_POINTER;
+  if (!::IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  if (result != nullptr) ::VariantInit(result);
+  const LateCall call{id, locale, flags, *parameters, result, exception, wrong_argument};
+  HRESULT invoked = S_OK;
+  const HRESULT guarded =
+      abi::Guarded(identity_, IID_IDispatch, [&] { invoked = Late().Invoke(call); });
+  return FAILED(guarded) ? guarded : invoked;
+}
+
+}  // namespace kvdm::com

@@ -1,0 +1,107 @@
+// The COM object around an object of the component, and the interfaces it answers.
+#pragma once
+
+#include <windows.h>
+// Needs the types of the former.
+#include <oaidl.h>
+#include <wrl/client.h>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "com/abi.h"
+#include "com/late_binding.h"
+#include "com/module.h"
+
+namespace kvdm::com {
+
+// One interface of an object.
+class FaceBase {
+ public:
+  virtual ~FaceBase() = default;
+  [[nodiscard]] virtual const IID& Iid() const = 0;
+  [[nodiscard]] virtual IUnknown* Interface() = 0;
+};
+
+// One identity with any number of interfaces, and calls by name into all of them. It lives until
+// its last reference goes, and keeps the component's object alive, which a view's data manager is
+// part of.
+class Object final : public IDispatch, public ISupportErrorInfo {
+ public:
+  // An object without interfaces, with one reference. `identity` names its class in errors.
+  [[nodiscard]] static Microsoft::WRL::ComPtr<Object> Make(const char* identity);
+
+  // Adds an interface. Of two operations of one name, calls by name reach the one added first.
+  template <class Face>
+  void Add(std::shared_ptr<typename Face::Core> core) {
+    faces_.push_back(std::make_unique<Face>(*this, std::move(core)));
+  }
+
+  [[nodiscard]] const char* Identity() const { return identity_; }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** out) override;
+  STDMETHODIMP_(ULONG) AddRef() override;
+  STDMETHODIMP_(ULONG) Release() override;
+
+  STDMETHODIMP GetTypeInfoCount(UINT* count) override;
+  STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** type) override;
+  STDMETHODIMP GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
+                             DISPID* ids) override;
+  STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                      VARIANT* result, EXCEPINFO* exception, UINT* wrong_argument) override;
+
+  STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override;
+
+ private:
+  explicit Object(const char* identity) : identity_(identity) {}
+  ~Object() = default;
+
+  [[nodiscard]] FaceBase* Find(REFIID iid) const;
+  LateBinding& Late();
+
+  ModuleLock lock_;
+  const char* identity_;
+  std::atomic<ULONG> references_ = 1;
+  std::vector<std::unique_ptr<FaceBase>> faces_;
+  std::optional<LateBinding> late_;
+};
+
+// The interface `Abi` of an object, each operation of which calls one of the component's `Core`.
+template <class AbiInterface, class CoreInterface>
+class FaceOf : public AbiInterface, public FaceBase {
+ public:
+  using Core = CoreInterface;
+
+  FaceOf(Object& object, std::shared_ptr<Core> core) : object_(object), core_(std::move(core)) {}
+
+  [[nodiscard]] const IID& Iid() const override { return __uuidof(AbiInterface); }
+  [[nodiscard]] IUnknown* Interface() override { return this; }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
+    return object_.QueryInterface(iid, out);
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return object_.AddRef(); }
+  STDMETHODIMP_(ULONG) Release() override { return object_.Release(); }
+
+ protected:
+  // What most operations are: the call of the component's operation with the same arguments.
+  template <class Operation, class... Arguments>
+  HRESULT Call(Operation operation, Arguments... arguments) {
+    using Caller = decltype(abi::CallerOf(operation));
+    return Caller::Call(object_.Identity(), Iid(), *core_, operation, arguments...);
+  }
+
+  template <class Body>
+  HRESULT Guarded(const Body& body) {
+    return abi::Guarded(object_.Identity(), Iid(), body);
+  }
+
+  Object& object_;
+  std::shared_ptr<Core> core_;
+};
+
+}  // namespace kvdm::com

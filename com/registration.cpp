@@ -1,0 +1,162 @@
+#include "com/registration.h"
+
+#include <windows.h>
+// Needs the types of the former.
+#include <oleauto.h>
+#include <wrl/client.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "com/classes.h"
+#include "com/kvdm.h"
+#include "com/module.h"
+#include "platform/windows/automation.h"
+#include "platform/windows/hresult.h"
+#include "platform/windows/utf16.h"
+
+namespace kvdm::com {
+namespace {
+
+using Microsoft::WRL::ComPtr;
+
+constexpr wchar_t kVersion[] = L"1.0";
+constexpr wchar_t kVersionSuffix[] = L".1";
+// The system's own, which passes calls between apartments by the type library.
+constexpr wchar_t kAutomationMarshaller[] = L"{00020424-0000-0000-C000-000000000046}";
+constexpr bool kIs64Bit = sizeof(void*) == 8;
+
+void CheckCode(LSTATUS code) { Check(HRESULT_FROM_WIN32(static_cast<DWORD>(code))); }
+
+std::wstring GuidText(const GUID& guid) {
+  std::array<wchar_t, 39> text{};
+  ::StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
+  return text.data();
+}
+
+// While it lives, the classes of the process are those of `scope` alone.
+class ClassesOf {
+ public:
+  explicit ClassesOf(Scope scope) {
+    const HKEY root = scope == Scope::kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
+    HKEY classes = nullptr;
+    CheckCode(::RegCreateKeyW(root, L"Software\\Classes", &classes));
+    const LSTATUS code = ::RegOverridePredefKey(HKEY_CLASSES_ROOT, classes);
+    ::RegCloseKey(classes);
+    CheckCode(code);
+  }
+  ~ClassesOf() { ::RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
+  ClassesOf(const ClassesOf&) = delete;
+  ClassesOf& operator=(const ClassesOf&) = delete;
+};
+
+// Sets a value of a key of classes; the key's own value without a `name`.
+void Set(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+  const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+  CheckCode(::RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), name, REG_SZ, text.c_str(), bytes));
+}
+
+void Remove(const std::wstring& key) {
+  const LSTATUS code = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
+  if (code != ERROR_FILE_NOT_FOUND) CheckCode(code);
+}
+
+std::wstring ClassKey(const Class& of) { return L"CLSID\\" + GuidText(*of.clsid); }
+
+void RegisterClass(const Class& of, const std::wstring& path) {
+  const std::wstring name = ToUtf16(of.identity);
+  const std::wstring key = ClassKey(of);
+  Set(key, nullptr, name);
+  Set(key + L"\\InprocServer32", nullptr, path);
+  Set(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+  Set(key + L"\\ProgID", nullptr, name + kVersionSuffix);
+  Set(key + L"\\VersionIndependentProgID", nullptr, name);
+  Set(key + L"\\TypeLib", nullptr, GuidText(LIBID_KVDM));
+  Set(key + L"\\Version", nullptr, kVersion);
+  for (const std::wstring& program : {name, name + kVersionSuffix}) {
+    Set(program, nullptr, name);
+    Set(program + L"\\CLSID", nullptr, GuidText(*of.clsid));
+  }
+  Set(name + L"\\CurVer", nullptr, name + kVersionSuffix);
+}
+
+void UnregisterClass(const Class& of) {
+  const std::wstring name = ToUtf16(of.identity);
+  Remove(ClassKey(of));
+  Remove(name);
+  Remove(name + kVersionSuffix);
+}
+
+struct Interface {
+  std::wstring key;
+  std::wstring name;
+};
+
+bool IsInterface(TYPEKIND kind) { return kind == TKIND_INTERFACE || kind == TKIND_DISPATCH; }
+
+std::vector<Interface> Interfaces(ITypeLib& library) {
+  std::vector<Interface> interfaces;
+  for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
+    ComPtr<ITypeInfo> type;
+    Check(library.GetTypeInfo(i, &type));
+    Bstr name;
+    Check(library.GetDocumentation(static_cast<INT>(i), name.address(), nullptr, nullptr, nullptr));
+    TYPEATTR* attributes = nullptr;
+    Check(type->GetTypeAttr(&attributes));
+    if (IsInterface(attributes->typekind)) {
+      interfaces.push_back({L"Interface\\" + GuidText(attributes->guid), name.get()});
+    }
+    type->ReleaseTypeAttr(attributes);
+  }
+  return interfaces;
+}
+
+ComPtr<ITypeLib> LoadLibraryIn(const std::wstring& path) {
+  ComPtr<ITypeLib> library;
+  Check(::LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library));
+  return library;
+}
+
+std::wstring LibraryKey() { return L"TypeLib\\" + GuidText(LIBID_KVDM); }
+
+// The system's own function would write for all users, also when it is meant for one.
+void RegisterLibrary(const std::wstring& path) {
+  const ComPtr<ITypeLib> library = LoadLibraryIn(path);
+  Bstr name;
+  constexpr INT kLibraryItself = -1;
+  Check(library->GetDocumentation(kLibraryItself, nullptr, name.address(), nullptr, nullptr));
+  const std::wstring key = LibraryKey() + L"\\" + kVersion;
+  Set(key, nullptr, name.get());
+  Set(key + (kIs64Bit ? L"\\0\\win64" : L"\\0\\win32"), nullptr, path);
+  Set(key + L"\\FLAGS", nullptr, L"0");
+  Set(key + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
+  for (const Interface& each : Interfaces(*library.Get())) {
+    Set(each.key, nullptr, each.name);
+    Set(each.key + L"\\ProxyStubClsid32", nullptr, kAutomationMarshaller);
+    Set(each.key + L"\\TypeLib", nullptr, GuidText(LIBID_KVDM));
+    Set(each.key + L"\\TypeLib", L"Version", kVersion);
+  }
+}
+
+void UnregisterLibrary(const std::wstring& path) {
+  for (const Interface& each : Interfaces(*LoadLibraryIn(path).Get())) Remove(each.key);
+  Remove(LibraryKey());
+}
+
+}  // namespace
+
+void Register(Scope scope) {
+  const ClassesOf classes(scope);
+  const std::wstring path = ModulePath();
+  for (const Class& each : Classes()) RegisterClass(each, path);
+  RegisterLibrary(path);
+}
+
+void Unregister(Scope scope) {
+  const ClassesOf classes(scope);
+  for (const Class& each : Classes()) UnregisterClass(each);
+  UnregisterLibrary(ModulePath());
+}
+
+}  // namespace kvdm::com
