@@ -59,8 +59,7 @@ TEST(PersistenceConformance, SaveAfterLoadGivesTheSameText) {
 }
 
 TEST(PersistenceConformance, CarriesOnlyTheMetadata) {
-  OpenWorld world(R"(<STUDYAREA NAME="_North_"/>)");
-  const std::string saved = world.SavedText();
+  const std::string saved = OpenWorld(R"(<STUDYAREA NAME="_North_"/>)").SavedText();
   World other;
   other.LoadText(saved);
   EXPECT_EQ(other.Manager()->WorkingDirectory(), "");

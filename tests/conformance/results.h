@@ -38,8 +38,12 @@ inline std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
 inline Outcome Succeeds() { return {}; }
 inline Outcome Fails(int error) { return {error, {}}; }
 
+// Whether an error brings the report that was not delivered, from this build of the component.
+extern const bool kTellsUnsentReports;
+
 // A report by a name that the data manager does not publish.
 inline Outcome FailsToReport(std::string message) {
+  if (!kTellsUnsentReports) message.clear();
   return {kMemberNotSupported, std::move(message)};
 }
 

@@ -1,6 +1,7 @@
 // The world in which the component is observed from outside, and all that its tests may know of it.
 //
-// Another build of the component runs the same tests behind another implementation of World.
+// The part that differs with the build of the component is in memory_world.cpp; the tests of
+// another build have another file in its place.
 #pragma once
 
 #include <memory>
@@ -114,7 +115,11 @@ class World {
 
  private:
   struct Services;
-  std::unique_ptr<Services> services_;
+  class TestHost;
+  static std::shared_ptr<Services> MakeServices();
+
+  std::shared_ptr<Services> services_;
+  std::shared_ptr<TestHost> host_;
   std::shared_ptr<IKVDataManager> manager_;
 };
 

@@ -9,6 +9,7 @@
 
 #include "tests/model/commands.h"
 #include "tests/model/describe.h"
+#include "tests/model/posix_system.h"
 
 namespace kvdm::model {
 namespace {

@@ -1,7 +1,6 @@
 // The component on one platform, as its host and its clients have it.
 #pragma once
 
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
@@ -13,7 +12,6 @@
 #include "platform/portable/properties_host.h"
 #include "platform/portable/value_set.h"
 #include "tests/model/kinds.h"
-#include "tests/temp_folder.h"
 
 namespace kvdm::model {
 
@@ -69,20 +67,6 @@ class MemorySystem : public System {
 
  private:
   void HideFile(const std::string& path) override;
-};
-
-// Files and registry are the operating system's, in a temporary folder.
-class PosixSystem : public System {
- public:
-  PosixSystem();
-  ~PosixSystem() override;
-  std::vector<std::string> Tree() override;
-
- private:
-  void HideFile(const std::string&) override {}
-
-  TempFolder folder_;
-  std::filesystem::path old_current_folder_;
 };
 
 }  // namespace kvdm::model

@@ -1,0 +1,99 @@
+"""The registry entries of the component, as its own registration writes them, and the manifest that stands in for them."""
+
+import sys
+from xml.sax.saxutils import quoteattr
+
+sys.path.insert(0, __file__.rsplit("/", 2)[0] + "/scripts")
+import idl  # noqa: E402
+
+AUTOMATION_MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
+LIBRARY_VERSION = "1.0"
+LIBRARY_NAME = "KVDM data manager 1.0"
+
+
+def guid(identity):
+    return "{" + identity + "}"
+
+
+def entries(file, folder, bits):
+    """(key below the classes, value name or "", text) of all entries, for the DLL `file` in `folder`."""
+    library = guid(idl.library())
+    for name, (identity, _) in idl.classes().items():
+        program, clsid = "KVDM." + name, guid(identity)
+        key = "CLSID\\" + clsid
+        yield key, "", program
+        yield key + "\\InprocServer32", "", file
+        yield key + "\\InprocServer32", "ThreadingModel", "Apartment"
+        yield key + "\\ProgID", "", program + ".1"
+        yield key + "\\VersionIndependentProgID", "", program
+        yield key + "\\TypeLib", "", library
+        yield key + "\\Version", "", LIBRARY_VERSION
+        for program_id in (program, program + ".1"):
+            yield program_id, "", program
+            yield program_id + "\\CLSID", "", clsid
+        yield program + "\\CurVer", "", program + ".1"
+    version = f"TypeLib\\{library}\\{LIBRARY_VERSION}"
+    yield version, "", LIBRARY_NAME
+    yield f"{version}\\0\\win{bits}", "", file
+    yield version + "\\FLAGS", "", "0"
+    yield version + "\\HELPDIR", "", folder
+    for name, (identity, _) in idl.interfaces().items():
+        key = "Interface\\" + guid(identity)
+        yield key, "", name
+        yield key + "\\ProxyStubClsid32", "", AUTOMATION_MARSHALLER
+        yield key + "\\TypeLib", "", library
+        yield key + "\\TypeLib", "Version", LIBRARY_VERSION
+
+
+def manifest(version, bits):
+    """The manifest of an assembly of the DLL, by which programs find the classes without registration."""
+    architecture = {64: "amd64", 32: "x86"}[bits]
+    library = guid(idl.library())
+    yield '<?xml version="1.0" encoding="UTF-8" standalone="yes"?>'
+    yield '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">'
+    yield f'  <assemblyIdentity type="win32" name="KVDM" version="{version}.0" processorArchitecture="{architecture}"/>'
+    yield '  <file name="KVDM.dll">'
+    for name, (identity, _) in idl.classes().items():
+        yield f'    <comClass clsid="{guid(identity)}" progid="KVDM.{name}.1" threadingModel="Apartment" tlbid="{library}">'
+        yield f"      <progid>KVDM.{name}</progid>"
+        yield "    </comClass>"
+    yield f'    <typelib tlbid="{library}" version="{LIBRARY_VERSION}" helpdir=""/>'
+    yield "  </file>"
+    for name, (identity, _) in idl.interfaces().items():
+        yield (
+            f'  <comInterfaceExternalProxyStub name="{name}" iid="{guid(identity)}" tlbid="{library}"'
+            f' proxyStubClsid32="{AUTOMATION_MARSHALLER}"/>'
+        )
+    yield "</assembly>"
+
+
+def wix_values(entries_, indent):
+    """The entries as elements of an installer's source."""
+    for key, name, text in entries_:
+        named = f" Name={quoteattr(name)}" if name else ""
+        key = quoteattr("Software\\Classes\\" + key)
+        yield f'{indent}<RegistryValue Root="HKLM" Key={key}{named} Value={quoteattr(text)} Type="string"/>'
+
+
+def main(arguments):
+    form, version, bits = arguments[0], arguments[1], int(arguments[2])
+    if form == "manifest":
+        lines = manifest(version, bits)
+    else:
+        lines = wix_source(form, version, bits)
+    print("\n".join(lines))
+
+
+def wix_source(template, version, bits):
+    """The installer's source: `template` with the version and the registry entries."""
+    with open(template, encoding="utf-8") as file:
+        for line in file.read().splitlines():
+            if line.strip() == "<!-- entries -->":
+                indent = line[: len(line) - len(line.lstrip())]
+                yield from wix_values(entries("[#KVDM.dll]", "[INSTALLFOLDER]", bits), indent)
+            else:
+                yield line.replace("@VERSION@", version)
+
+
+if __name__ == "__main__":
+    main(sys.argv[1:])
