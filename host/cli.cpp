@@ -23,6 +23,8 @@ struct GlobalOptions {
 void Declare(CLI::App& app, GlobalOptions& options) {
   app.name("kvdm");
   app.require_subcommand(1);
+  // A path may start with "/" on every system.
+  app.allow_windows_style_options(false);
   app.add_option("-p,--project", options.project,
                  "The project file; without it the *.kvdm here or in a folder above")
       ->option_text("FILE");

@@ -68,10 +68,8 @@ void HostedComponent::SaveTo(Project& project) {
     throw Failure(ExitCode::kRefused, "The component could not save its metadata.");
   }
   if (services_.registry->Refused()) {
-    throw Failure(ExitCode::kRefused,
-                  fmt::format("The study areas can't be saved in {}. Run the command with --debug "
-                              "to see why.",
-                              RegistryFile()));
+    throw Failure(ExitCode::kRefused, fmt::format("The study areas can't be saved in {}. {}",
+                                                  RegistryPlace(), RegistryAdvice()));
   }
   project.values = stream->Values();
   project.settings = settings_->All();

@@ -9,7 +9,7 @@ namespace kvdm {
 namespace {
 
 // The parts of the page that are about the program as a whole.
-constexpr char kFixedSections[] = R"(.SH EXIT STATUS
+constexpr char kStatusAndFiles[] = R"(.SH EXIT STATUS
 .TP
 .B 0
 The command did its work.
@@ -41,19 +41,9 @@ it is looked for in the current folder and in those above.
 .TP
 .I NAME.kvdm.bak
 The project before its last change.
-.TP
-.I ~/.local/share/kvdm/registry.db
-The study areas, which all projects share, and the aliases.
-.SH ENVIRONMENT
-.TP
-.B KVDM_REGISTRY
-The file to use in place of
-.IR registry.db .
-.TP
-.B XDG_DATA_HOME
-The folder to use in place of
-.IR ~/.local/share .
-.TP
+)";
+
+constexpr char kNoColor[] = R"(.TP
 .B NO_COLOR
 When it is not empty, headings of tables are not bold.
 )";
@@ -136,7 +126,10 @@ std::string ManualPage(const CommandNode& root) {
   for (const CommandNode* node : AllNodes(root)) {
     if (node != &root && node->commands.empty()) page += CommandSection(*node);
   }
-  return page + kFixedSections + ".SH EXAMPLES\n" + Examples(root);
+  const SystemManual system = ThisSystemsManual();
+  page += kStatusAndFiles;
+  page += fmt::format("{}.SH ENVIRONMENT\n{}{}", system.registry, system.environment, kNoColor);
+  return page + ".SH EXAMPLES\n" + Examples(root);
 }
 
 }  // namespace kvdm

@@ -6,8 +6,24 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kvdm::os {
+
+// Whether there is anything at a path; a link counts, wherever it leads.
+[[nodiscard]] bool Exists(const std::filesystem::path& path);
+
+// An absolute path for a path, "." and ".." resolved by their text. It may end in a separator.
+[[nodiscard]] std::filesystem::path Absolute(const std::filesystem::path& path);
+
+// The absolute path of what a path leads to, links followed.
+[[nodiscard]] std::filesystem::path Canonical(const std::filesystem::path& path);
+
+// The paths of the regular files in a folder; none when it can't be read.
+[[nodiscard]] std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder);
+
+// Makes a folder, and those above it, where they are missing.
+void CreateFolders(const std::filesystem::path& folder);
 
 // The bytes of a regular file.
 [[nodiscard]] std::string ReadBytes(const std::filesystem::path& file);
@@ -15,14 +31,20 @@ namespace kvdm::os {
 // Writes a file anew; on return its bytes are on the disk.
 void WriteBytes(const std::filesystem::path& file, std::string_view bytes);
 
-// Puts `from` in the place of `to` in one step; on return the folder is on the disk too.
-void ReplaceFile(const std::filesystem::path& from, const std::filesystem::path& to);
+// Gives a file's content a second name, in place of what had that name. What is done to the file
+// later, other than replacing it, may show under both names.
+void KeepAs(const std::filesystem::path& file, const std::filesystem::path& second);
+
+// Puts `from` in the place of `to`, if that is there with its permissions, in one step; on return
+// the folder is on the disk too.
+void PutInPlace(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // Locks a file, which is made when it is missing, against other processes for as long as the result
 // lives. Nothing when another process holds it.
 [[nodiscard]] std::shared_ptr<void> TryLock(const std::filesystem::path& file);
 
 [[nodiscard]] bool InputIsTerminal();
+// Whether standard output is a terminal that knows escape sequences.
 [[nodiscard]] bool OutputIsTerminal();
 
 // The columns that a character takes on a terminal: 0, 1 or 2.
@@ -31,13 +53,15 @@ void ReplaceFile(const std::filesystem::path& from, const std::filesystem::path&
 // The environment variable; "" when it is not set.
 [[nodiscard]] std::string Environment(const char* name);
 
-// A path as UTF-8 text, and back.
+// A path as UTF-8 text, and back. The text of a path that the system's own text does not allow is
+// not valid UTF-8.
 [[nodiscard]] std::string ToText(const std::filesystem::path& path);
 [[nodiscard]] std::filesystem::path ToPath(std::string_view text);
 
 // An absolute path in the component's own form.
 //
-//   ComponentPath("/home/ann/North")   // Z:\home\ann\North
+//   ComponentPath("/home/ann/North")      // Z:\home\ann\North
+//   ComponentPath("C:/Users/Ann/North")   // C:\Users\Ann\North
 [[nodiscard]] std::string ComponentPath(const std::filesystem::path& absolute);
 
 }  // namespace kvdm::os

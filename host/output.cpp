@@ -58,6 +58,7 @@ std::string Heading(std::string name) {
 std::string Label(std::string name) {
   if (name == "guid") return "GUID:";
   if (name == "id_field") return "ID field:";
+  if (name == "dll") return "DLL:";
   std::replace(name.begin(), name.end(), '_', ' ');
   name.front() = static_cast<char>(std::toupper(name.front()));
   return name + ":";

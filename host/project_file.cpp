@@ -19,16 +19,10 @@ constexpr std::chrono::seconds kLockPatience{5};
 constexpr std::chrono::milliseconds kLockPause{20};
 
 std::vector<fs::path> ProjectsIn(const fs::path& folder) {
-  std::vector<fs::path> projects;
-  std::error_code unreadable;
-  for (const auto& entry : fs::directory_iterator(folder, unreadable)) {
-    std::error_code vanished;
-    if (entry.path().extension() == ".kvdm" && entry.is_regular_file(vanished)) {
-      projects.push_back(entry.path());
-    }
-  }
-  std::sort(projects.begin(), projects.end());
-  return projects;
+  auto files = os::FilesIn(folder);
+  std::erase_if(files, [](const fs::path& file) { return file.extension() != ".kvdm"; });
+  std::sort(files.begin(), files.end());
+  return files;
 }
 
 [[noreturn]] void SeveralProjects(const std::vector<fs::path>& projects) {
@@ -41,34 +35,23 @@ std::vector<fs::path> ProjectsIn(const fs::path& folder) {
 }
 
 fs::path GivenProjectFile(std::string_view given) {
-  std::error_code missing;
-  // A link is followed here, so that saving replaces the project and not the link to it.
-  const fs::path file = fs::canonical(os::ToPath(given), missing);
-  if (missing) {
+  try {
+    // A link is followed here, so that saving replaces the project and not the link to it.
+    return os::Canonical(os::ToPath(given));
+  } catch (const std::system_error& error) {
     throw Failure(ExitCode::kNotFound,
-                  fmt::format("There is no project {} ({}).", given, missing.message()));
+                  fmt::format("There is no project {} ({}).", given, error.code().message()));
   }
-  return file;
 }
 
 // What to do about a project file that can't be used.
 std::string WayOut(const fs::path& file) {
   const fs::path previous = Beside(file, ".bak");
-  std::error_code missing;
-  if (!fs::exists(previous, missing)) return "Restore it from a backup.";
+  if (!os::Exists(previous)) return "Restore it from a backup.";
   return fmt::format(
       "The state before the last change is in {}: copy that file over {} to return "
       "to it.",
       os::ToText(previous), os::ToText(file));
-}
-
-// Puts the present file aside as the previous one.
-void KeepPrevious(const fs::path& file) {
-  const fs::path previous = Beside(file, ".bak");
-  fs::remove(previous);
-  std::error_code unlinkable;
-  fs::create_hard_link(file, previous, unlinkable);
-  if (unlinkable) fs::copy_file(file, previous);
 }
 
 void Replace(const fs::path& file, const std::string& text, bool replaces) {
@@ -77,11 +60,8 @@ void Replace(const fs::path& file, const std::string& text, bool replaces) {
   if (os::ReadBytes(temporary) != text) {
     throw std::system_error(std::make_error_code(std::errc::io_error), os::ToText(temporary));
   }
-  if (replaces) {
-    fs::permissions(temporary, fs::status(file).permissions());
-    KeepPrevious(file);
-  }
-  os::ReplaceFile(temporary, file);
+  if (replaces) os::KeepAs(file, Beside(file, ".bak"));
+  os::PutInPlace(temporary, file);
 }
 
 }  // namespace
@@ -98,7 +78,7 @@ fs::path FindProjectFile(std::string_view given) {
   for (;;) {
     const auto projects = ProjectsIn(folder);
     if (projects.size() > 1) SeveralProjects(projects);
-    if (projects.size() == 1) return fs::canonical(projects.front());
+    if (projects.size() == 1) return os::Canonical(projects.front());
     if (folder == folder.parent_path()) break;
     folder = folder.parent_path();
   }
@@ -126,7 +106,7 @@ void FailToOpen(const fs::path& file, const Failure& failure) {
 bool WriteProjectFile(const fs::path& file, const Project& project) {
   const std::string text = ProjectText(project);
   try {
-    const bool replaces = fs::exists(file);
+    const bool replaces = os::Exists(file);
     if (replaces && os::ReadBytes(file) == text) return false;
     Replace(file, text, replaces);
     return true;
@@ -139,6 +119,7 @@ bool WriteProjectFile(const fs::path& file, const Project& project) {
 
 std::shared_ptr<void> WaitForLock(const fs::path& file, std::string_view what) {
   try {
+    os::CreateFolders(file.parent_path());
     const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
     while (std::chrono::steady_clock::now() < deadline) {
       if (auto lock = os::TryLock(file)) return lock;

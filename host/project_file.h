@@ -33,7 +33,8 @@ namespace kvdm {
 bool WriteProjectFile(const std::filesystem::path& file, const Project& project);
 
 // Waits a few seconds for the lock file `file`, which then holds off other processes as long as the
-// result lives. Failure kRefused, naming `what`, when another process keeps it.
+// result lives; its folder is made when it is missing. Failure kRefused, naming `what`, when
+// another process keeps it.
 [[nodiscard]] std::shared_ptr<void> WaitForLock(const std::filesystem::path& file,
                                                 std::string_view what);
 

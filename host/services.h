@@ -1,6 +1,7 @@
 // The services that the hosted component stands on.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -45,10 +46,15 @@ struct Services {
   std::function<std::vector<PreservedCatalogue>()> preserved_catalogues;
 };
 
-// This system's services. Messages and log lines go to `out`, which must outlive them.
+// This system's services. `drives` are the folders behind drive letters on a system that has no
+// drives itself. Messages and log lines go to `out`, which must outlive them.
 [[nodiscard]] Services MakeServices(const std::map<char, std::string>& drives, Output& out);
 
-// The file that holds the registry.
-[[nodiscard]] std::string RegistryFile();
+// Where the registry is, and what can be done when it refuses to be written, for people.
+[[nodiscard]] std::string RegistryPlace();
+[[nodiscard]] std::string RegistryAdvice();
+
+// The file that is locked while a command changes what all projects share.
+[[nodiscard]] std::filesystem::path RegistryLockFile();
 
 }  // namespace kvdm

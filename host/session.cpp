@@ -2,21 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <system_error>
-
 #include "host/os.h"
 #include "host/project_file.h"
 
 namespace kvdm {
 namespace {
-
-std::filesystem::path RegistryLockFile() {
-  const auto registry = os::ToPath(RegistryFile());
-  // A folder that can't be made shows when the lock is taken.
-  std::error_code failed;
-  std::filesystem::create_directories(registry.parent_path(), failed);
-  return Beside(registry, ".lock");
-}
 
 HostedComponent Start(const std::filesystem::path& file, const Project& project, Output& out) {
   try {
@@ -32,7 +22,7 @@ ChangeLock::ChangeLock(const std::filesystem::path& project_file)
     : project_(WaitForLock(Beside(project_file, ".lock"),
                            fmt::format("The project {}", os::ToText(project_file)))),
       registry_(WaitForLock(RegistryLockFile(),
-                            fmt::format("The list of study areas in {}", RegistryFile()))) {}
+                            fmt::format("The list of study areas in {}", RegistryPlace()))) {}
 
 Session::Session(const std::filesystem::path& file, Output& out)
     : file_(file), project_(ReadProjectFile(file_)), component_(Start(file_, project_, out)) {}

@@ -1,7 +1,6 @@
 // kvdm analysis properties: an analysis's name, comments and parameters as a JSON file.
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "host/commands/groups.h"
@@ -70,7 +69,7 @@ class PropertiesExport : public ReadingCommand {
     const auto analysis = FindItem(Analyses(session), name_);
     const Json object = ToJson(*Exported(*analysis));
     const auto path = os::ToPath(file_);
-    if (std::filesystem::symlink_status(path).type() != std::filesystem::file_type::not_found) {
+    if (os::Exists(path)) {
       throw Failure(ExitCode::kConflict,
                     fmt::format("There is a file {} already. It stays as it is.", file_));
     }

@@ -25,12 +25,15 @@ void AddProjectCommands(const CommandGroup& root);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 
+// Those that only this operating system has.
+void AddSystemCommands(const CommandGroup& root);
+
 // In the order of the help text.
 inline constexpr auto kCommandGroups = {
     &AddInitCommand,      &AddStatusCommand,    &AddAreaCommands,    &AddAnalysisCommands,
     &AddStoreCommands,    &AddCustomerCommands, &AddDataCommands,    &AddTableCommands,
     &AddMetadataCommands, &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
     &AddAliasCommands,    &AddPathCommands,     &AddProjectCommands, &AddGenerateCommands,
-    &AddVersionCommand};
+    &AddVersionCommand,   &AddSystemCommands};
 
 }  // namespace kvdm

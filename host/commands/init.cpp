@@ -19,7 +19,7 @@ constexpr char kDefaultWorkingFolder[] = "KVData";
 
 // `path` as an absolute path without a separator at its end. Failure kUsage when it is not UTF-8.
 fs::path Absolute(const fs::path& path) {
-  fs::path absolute = fs::absolute(path).lexically_normal();
+  fs::path absolute = os::Absolute(path);
   if (!absolute.has_filename()) absolute = absolute.parent_path();
   if (!IsValidUtf8(os::ToText(absolute))) {
     throw Failure(ExitCode::kUsage, fmt::format("The path {} is not UTF-8 text. Choose a folder "
@@ -35,17 +35,18 @@ bool NamesDrive(std::string_view path) {
 }
 
 void CreateFolders(const fs::path& folder) {
-  std::error_code failed;
-  fs::create_directories(folder, failed);
-  if (failed) {
+  try {
+    os::CreateFolders(folder);
+  } catch (const std::system_error& error) {
     throw Failure(ExitCode::kRefused, fmt::format("The folder {} can't be made: {}.",
-                                                  os::ToText(folder), failed.message()));
+                                                  os::ToText(folder), error.code().message()));
   }
 }
 
-// The working directory in the component's form; the folders above it are made.
+// The working directory in the component's form; the folders above it are made. Where the system
+// has no drives, a path that names one is in that form already.
 std::string WorkingDirectory(const fs::path& path) {
-  if (NamesDrive(os::ToText(path))) return os::ToText(path);
+  if (!path.has_root_name() && NamesDrive(os::ToText(path))) return os::ToText(path);
   const fs::path folder = Absolute(path);
   for (const fs::path& part : folder.relative_path()) RequireFolderName(os::ToText(part));
   CreateFolders(folder.parent_path());
@@ -69,7 +70,7 @@ class Init : public Command {
         WorkingDirectory(workdir_ ? os::ToPath(*workdir_) : folder / kDefaultWorkingFolder);
     CreateFolders(folder);
     const ChangeLock lock(file);
-    if (fs::symlink_status(file).type() != fs::file_type::not_found) {
+    if (os::Exists(file)) {
       throw Failure(ExitCode::kConflict, fmt::format("There is a project {} already. It stays as "
                                                      "it is.",
                                                      os::ToText(file)));

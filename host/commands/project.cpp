@@ -37,7 +37,7 @@ class ProjectInfo : public Command {
       if (value.IsText()) metadata_bytes += static_cast<std::int64_t>(ToText(value).size());
     }
     const fs::path previous = Beside(file, ".bak");
-    const bool kept = fs::exists(previous);
+    const bool kept = os::Exists(previous);
     invocation.out.Fields({{"project", os::ToText(file)},
                            {"version", kProjectVersion},
                            {"checksum", project.checksum},

@@ -43,7 +43,7 @@ class Status : public ReadingCommand {
                 {"current_study_area", component.CurrentStudyArea()},
                 {"study_areas", CountOf(StudyAreaCollection(session)->StudyAreasGUIDsList())},
                 {"analyses", CountOf(AnalysisCollection(session)->AnalysesGUIDsList())},
-                {"registry", RegistryFile()},
+                {"registry", RegistryPlace()},
                 {"catalogue_damaged", damaged}});
     out.Section("damaged_catalogues", PreservedRecords(component.GetServices()));
     if (damaged) {

@@ -44,6 +44,37 @@ class Descriptor {
 
 }  // namespace
 
+bool Exists(const std::filesystem::path& path) {
+  return std::filesystem::symlink_status(path).type() != std::filesystem::file_type::not_found;
+}
+
+std::filesystem::path Absolute(const std::filesystem::path& path) {
+  return std::filesystem::absolute(path).lexically_normal();
+}
+
+std::filesystem::path Canonical(const std::filesystem::path& path) {
+  std::error_code failed;
+  auto canonical = std::filesystem::canonical(path, failed);
+  if (failed) Fail(path, failed.value());
+  return canonical;
+}
+
+std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> files;
+  std::error_code unreadable;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, unreadable)) {
+    std::error_code vanished;
+    if (entry.is_regular_file(vanished)) files.push_back(entry.path());
+  }
+  return files;
+}
+
+void CreateFolders(const std::filesystem::path& folder) {
+  std::error_code failed;
+  std::filesystem::create_directories(folder, failed);
+  if (failed) Fail(folder, failed.value());
+}
+
 std::string ReadBytes(const std::filesystem::path& file) {
   // A pipe with nobody at its other end does not hold up the opening.
   const Descriptor source(file, O_RDONLY | O_NONBLOCK);
@@ -70,7 +101,18 @@ void WriteBytes(const std::filesystem::path& file, std::string_view bytes) {
   target.Sync();
 }
 
-void ReplaceFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+void KeepAs(const std::filesystem::path& file, const std::filesystem::path& second) {
+  std::filesystem::remove(second);
+  std::error_code unlinkable;
+  std::filesystem::create_hard_link(file, second, unlinkable);
+  if (unlinkable) std::filesystem::copy_file(file, second);
+}
+
+void PutInPlace(const std::filesystem::path& from, const std::filesystem::path& to) {
+  const auto replaced = std::filesystem::status(to);
+  if (std::filesystem::exists(replaced)) {
+    std::filesystem::permissions(from, replaced.permissions());
+  }
   std::filesystem::rename(from, to);
   Descriptor(to.parent_path(), O_RDONLY | O_DIRECTORY).Sync();
 }
@@ -101,7 +143,7 @@ std::string ToText(const std::filesystem::path& path) { return path.string(); }
 std::filesystem::path ToPath(std::string_view text) { return {text}; }
 
 std::string ComponentPath(const std::filesystem::path& absolute) {
-  std::string path = "Z:" + absolute.lexically_normal().string();
+  std::string path = "Z:" + Absolute(absolute).string();
   std::replace(path.begin(), path.end(), '/', '\\');
   return path;
 }

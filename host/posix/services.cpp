@@ -1,5 +1,7 @@
 #include "host/services.h"
 
+#include "host/os.h"
+#include "host/project_file.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/sqlite_registry.h"
 #include "util/registry_strings.h"
@@ -28,6 +30,10 @@ Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
   return services;
 }
 
-std::string RegistryFile() { return DefaultRegistryPath(); }
+std::string RegistryPlace() { return DefaultRegistryPath(); }
+
+std::string RegistryAdvice() { return "Run the command with --debug to see why."; }
+
+std::filesystem::path RegistryLockFile() { return Beside(os::Absolute(RegistryPlace()), ".lock"); }
 
 }  // namespace kvdm

@@ -51,15 +51,6 @@ TEST_F(ProjectFileTest, IsNotRewrittenWithoutAChange) {
   EXPECT_FALSE(fs::exists(Beside(file_, ".bak")));
 }
 
-TEST_F(ProjectFileTest, KeepsItsPermissions) {
-  WriteProjectFile(file_, ProjectWith("one"));
-  fs::permissions(file_, fs::perms::owner_read | fs::perms::owner_write);
-
-  WriteProjectFile(file_, ProjectWith("two"));
-
-  EXPECT_EQ(fs::status(file_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
-
 TEST_F(ProjectFileTest, StaysAsItIsWhenItCantBeWritten) {
   WriteProjectFile(file_, ProjectWith("one"));
   fs::create_directory(Beside(file_, ".tmp"));
@@ -89,13 +80,6 @@ TEST_F(ProjectFileTest, IsNotAFolder) {
   EXPECT_EQ(failure.code(), ExitCode::kUnreadable);
 }
 
-TEST_F(ProjectFileTest, IsFoundThroughALink) {
-  WriteProjectFile(file_, ProjectWith("one"));
-  fs::create_symlink(file_, folder_.Path("link"));
-
-  EXPECT_EQ(FindProjectFile(folder_.Path("link")), fs::canonical(file_));
-}
-
 TEST_F(ProjectFileTest, LocksOutOthersUntilTheLockIsGone) {
   const fs::path lock_file = folder_.Path("lock");
   auto lock = os::TryLock(lock_file);
@@ -105,10 +89,6 @@ TEST_F(ProjectFileTest, LocksOutOthersUntilTheLockIsGone) {
   lock.reset();
 
   EXPECT_TRUE(os::TryLock(lock_file));
-}
-
-TEST_F(ProjectFileTest, HasAFormForTheComponent) {
-  EXPECT_EQ(os::ComponentPath("/home/ann/./North"), R"(Z:\home\ann\North)");
 }
 
 }  // namespace

@@ -32,7 +32,10 @@ TEST(TextTest, KeepsLinesAndTabsOfLongerTexts) {
 TEST(TextTest, MeasuresTerminalColumns) {
   EXPECT_EQ(DisplayWidth("Nörd"), 4U);
   EXPECT_EQ(DisplayWidth("北京"), 4U);
+  EXPECT_EQ(DisplayWidth("북ｶかＡ"), 7U);
+  EXPECT_EQ(DisplayWidth("😀𠀀"), 4U);
   EXPECT_EQ(DisplayWidth("o\u0308"), 1U);
+  EXPECT_EQ(DisplayWidth("a\u200b"), 1U);
 }
 
 TEST(TextTest, PadsToColumns) {

@@ -1,0 +1,75 @@
+#include "host/services.h"
+
+#include <fmt/format.h>
+
+#include "host/os.h"
+#include "platform/portable/portable_siblings.h"
+#include "platform/windows/com_siblings.h"
+#include "platform/windows/windows_platform.h"
+#include "platform/windows/windows_registry.h"
+#include "util/registry_strings.h"
+
+namespace kvdm {
+namespace {
+
+// The sibling libraries that are registered on this machine, and stand-ins for the others.
+class AvailableSiblings : public Siblings {
+ public:
+  std::shared_ptr<DatasetManager> CreateDatasetManager() override {
+    return FirstOf(&Siblings::CreateDatasetManager);
+  }
+  std::shared_ptr<ResourceFinder> CreateResourceFinder() override {
+    return FirstOf(&Siblings::CreateResourceFinder);
+  }
+
+ private:
+  template <class Sibling>
+  std::shared_ptr<Sibling> FirstOf(std::shared_ptr<Sibling> (Siblings::*create)()) {
+    try {
+      return (registered_.*create)();
+    } catch (const RuntimeError& error) {
+      if (error.number() != kCannotCreateObject) throw;
+      return (stand_ins_.*create)();
+    }
+  }
+
+  ComSiblings registered_;
+  PortableSiblings stand_ins_;
+};
+
+}  // namespace
+
+Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
+  WindowsOptions options;
+  options.message_box = [&out](std::string_view text, std::string_view, MessageStyle) {
+    out.Message(text);
+  };
+  options.log = [&out](std::string_view line) { out.Note(line); };
+  options.siblings = std::make_shared<AvailableSiblings>();
+  if (!drives.empty()) out.Note("The project's folders for drives are not used on Windows.");
+  Services services{MakeWindowsPlatform(options), nullptr, nullptr};
+  const auto store = std::dynamic_pointer_cast<WindowsRegistry>(services.platform.registry);
+  services.registry = std::make_shared<WatchedRegistry>(store);
+  services.platform.registry = services.registry;
+  services.preserved_catalogues = [store] {
+    std::vector<PreservedCatalogue> copies;
+    for (const auto& copy :
+         store->Preserved(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue)) {
+      copies.push_back({copy.when, copy.value.data});
+    }
+    return copies;
+  };
+  return services;
+}
+
+std::string RegistryPlace() { return fmt::format("HKEY_LOCAL_MACHINE\\{}", kRegistryKey); }
+
+std::string RegistryAdvice() {
+  return "Users that are no administrators may not change them: start kvdm as one.";
+}
+
+std::filesystem::path RegistryLockFile() {
+  return os::ToPath(os::Environment("LOCALAPPDATA")) / "kvdm" / "registry.lock";
+}
+
+}  // namespace kvdm
