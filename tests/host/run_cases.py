@@ -14,8 +14,8 @@ A case file is a session in a folder of its own:
 
 In place of what differs from run to run stand TMP (the folder), Z:\\TMP (the folder as the
 component writes it), REGISTRY, {GUID1} {GUID2} ... (identifiers, also in commands), TIME, CHECKSUM
-and <N> (a number, in expectations). Of several blanks between columns two are left. Commands may also
-use what is in the folder tools. --update writes what the commands print into the case files.
+and <N> (a number, in expectations). Of several blanks between columns two are left. Commands may
+also use what is in the folder tools. --update writes what the commands print into the case files.
 
 With --wine PROGRAM is one for Windows, and Wine with that prefix runs it. The folder then is
 Z:\\TMP for PROGRAM too: that is what an expected TMP/North/North.kvdm stands for.
@@ -37,7 +37,9 @@ GUID = re.compile(r"\{[0-9A-F]{8}(?:-[0-9A-F]{4}){3}-[0-9A-F]{12}\}")
 TIMES = re.compile(
     r"\d{1,2}/\d{1,2}/\d{4} \d{1,2}:\d\d:\d\d [AP]M|\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ"
 )
-REGISTRY = re.compile(r"TMP/\.data/kvdm/registry\.db|HKEY_LOCAL_MACHINE(\\\\?)Software\1Velk\1Kelvaro")
+REGISTRY = re.compile(
+    r"TMP/\.data/kvdm/registry\.db|HKEY_LOCAL_MACHINE(\\\\?)Software\1Velk\1Kelvaro"
+)
 CHECKSUM = re.compile(r"crc32:[0-9a-f]{8}")
 
 

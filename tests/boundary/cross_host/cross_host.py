@@ -1,8 +1,6 @@
 """Projects that go from one system to the other and back.
 
-    cross_host.py NATIVE_KVDM WINDOWS_KVDM THROUGH_DLL WINE...
-
-WINE is the command that runs a program for Windows.
+    cross_host.py NATIVE_KVDM WINDOWS_KVDM THROUGH_DLL WINE_PREFIX
 """
 
 import json
@@ -14,6 +12,9 @@ import sys
 import tempfile
 import unittest
 import zlib
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "host"))
+from run_cases import Windows
 
 # What both hosts and the DLL are given, letters beyond ASCII, markup and line ends among it.
 COMMANDS = [
@@ -161,7 +162,10 @@ class CrossHostTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    native = Host(os.path.abspath(sys.argv[1]))
-    windows = Host(*sys.argv[4:], os.path.abspath(sys.argv[2]))
-    dll = Host(*sys.argv[4:], os.path.abspath(sys.argv[3]))
-    unittest.main(argv=sys.argv[:1], verbosity=2)
+    native_program, windows_program, dll_program, prefix = map(os.path.abspath, sys.argv[1:])
+    system = Windows(windows_program, prefix)
+    native = Host(native_program)
+    windows = Host(*system.wine, windows_program)
+    dll = Host(*system.wine, dll_program)
+    with system.running():
+        unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -2,8 +2,8 @@
 
     compare.py NATIVE_PROGRAM COMMAND...
 
-COMMAND runs the program of the Windows build. KVDM_DIFFERENTIAL_SEQUENCES is the number of sequences,
-KVDM_DIFFERENTIAL_SEED the seed of the first one.
+COMMAND runs the program of the Windows build. KVDM_DIFFERENTIAL_SEQUENCES is the number of
+sequences, KVDM_DIFFERENTIAL_SEED the seed of the first one.
 """
 
 import itertools
