@@ -10,7 +10,8 @@
 
 namespace kvdm::os {
 
-// Whether there is anything at a path; a link counts, wherever it leads.
+// Whether there is anything at a path. A link counts, wherever it leads, and so does what may not
+// be looked at.
 [[nodiscard]] bool Exists(const std::filesystem::path& path);
 
 // An absolute path for a path, "." and ".." resolved by their text. It may end in a separator.

@@ -45,7 +45,9 @@ class Descriptor {
 }  // namespace
 
 bool Exists(const std::filesystem::path& path) {
-  return std::filesystem::symlink_status(path).type() != std::filesystem::file_type::not_found;
+  std::error_code refused;
+  const auto status = std::filesystem::symlink_status(path, refused);
+  return status.type() != std::filesystem::file_type::not_found;
 }
 
 std::filesystem::path Absolute(const std::filesystem::path& path) {

@@ -27,7 +27,7 @@ class FakeDispatch final : public IDispatch {
 
   static Microsoft::WRL::ComPtr<FakeDispatch> Create(std::map<std::string, Operation> operations) {
     Microsoft::WRL::ComPtr<FakeDispatch> object;
-    object.Attach(new FakeDispatch(std::move(operations)));
+    *object.GetAddressOf() = new FakeDispatch(std::move(operations));
     return object;
   }
 
