@@ -1,32 +1,16 @@
 #include "com/class_factory.h"
 
-#include <atomic>
-
 #include "com/abi.h"
+#include "com/counted.h"
 #include "com/module.h"
 #include "com/objects.h"
 
 namespace kvdm::com {
 namespace {
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public Counted<IClassFactory> {
  public:
   explicit ClassFactory(const Class& of) : class_(of) {}
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    const bool known = ::IsEqualIID(iid, IID_IUnknown) || ::IsEqualIID(iid, IID_IClassFactory);
-    *out = known ? this : nullptr;
-    if (!known) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
     if (out == nullptr) return E_POINTER;
@@ -43,10 +27,6 @@ class ClassFactory final : public IClassFactory {
   }
 
  private:
-  ~ClassFactory() = default;
-
-  ModuleLock lock_;
-  std::atomic<ULONG> references_ = 1;
   const Class& class_;
 };
 

@@ -2,28 +2,15 @@
 
 #include <algorithm>
 
+#include "com/counted.h"
+
 namespace kvdm::com {
 namespace {
 
 // Goes through a list as it stands at each step.
-class Enumerator final : public IEnumVARIANT {
+class Enumerator final : public Counted<IEnumVARIANT> {
  public:
   Enumerator(std::shared_ptr<NameList> list, int next) : list_(std::move(list)), next_(next) {}
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    const bool known = ::IsEqualIID(iid, IID_IUnknown) || ::IsEqualIID(iid, IID_IEnumVARIANT);
-    *out = known ? this : nullptr;
-    if (!known) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   STDMETHODIMP Next(ULONG count, VARIANT* values, ULONG* fetched) override {
     if (fetched != nullptr) *fetched = 0;
@@ -60,10 +47,6 @@ class Enumerator final : public IEnumVARIANT {
  private:
   static constexpr char kIdentity[] = "KVDM.NameList";
 
-  ~Enumerator() = default;
-
-  ModuleLock lock_;
-  std::atomic<ULONG> references_ = 1;
   std::shared_ptr<NameList> list_;
   int next_;
 };

@@ -2,9 +2,9 @@
 
 #include "host/os.h"
 #include "host/project_file.h"
+#include "host/stored_services.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/sqlite_registry.h"
-#include "util/registry_strings.h"
 
 namespace kvdm {
 
@@ -15,19 +15,7 @@ Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
     out.Message(text);
   };
   options.log = [&out](std::string_view line) { out.Note(line); };
-  Services services{MakePosixPlatform(options), nullptr, nullptr};
-  const auto store = std::dynamic_pointer_cast<SqliteRegistry>(services.platform.registry);
-  services.registry = std::make_shared<WatchedRegistry>(store);
-  services.platform.registry = services.registry;
-  services.preserved_catalogues = [store] {
-    std::vector<PreservedCatalogue> copies;
-    for (const auto& copy :
-         store->Preserved(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue)) {
-      copies.push_back({copy.when, copy.value.data});
-    }
-    return copies;
-  };
-  return services;
+  return ServicesOn<SqliteRegistry>(MakePosixPlatform(options));
 }
 
 std::string RegistryPlace() { return DefaultRegistryPath(); }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "host/os.h"
+#include "host/stored_services.h"
 #include "platform/portable/portable_siblings.h"
 #include "platform/windows/com_siblings.h"
 #include "platform/windows/windows_platform.h"
@@ -47,19 +48,7 @@ Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
   options.log = [&out](std::string_view line) { out.Note(line); };
   options.siblings = std::make_shared<AvailableSiblings>();
   if (!drives.empty()) out.Note("The project's folders for drives are not used on Windows.");
-  Services services{MakeWindowsPlatform(options), nullptr, nullptr};
-  const auto store = std::dynamic_pointer_cast<WindowsRegistry>(services.platform.registry);
-  services.registry = std::make_shared<WatchedRegistry>(store);
-  services.platform.registry = services.registry;
-  services.preserved_catalogues = [store] {
-    std::vector<PreservedCatalogue> copies;
-    for (const auto& copy :
-         store->Preserved(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue)) {
-      copies.push_back({copy.when, copy.value.data});
-    }
-    return copies;
-  };
-  return services;
+  return ServicesOn<WindowsRegistry>(MakeWindowsPlatform(options));
 }
 
 std::string RegistryPlace() { return fmt::format("HKEY_LOCAL_MACHINE\\{}", kRegistryKey); }
