@@ -15,7 +15,8 @@ TEST(DeclarationTest, TellsEncodingAndLength) {
       {"<?xml version='1.0' encoding='a.b_c-1' standalone='yes'?>", "a.b_c-1"},
   };
   for (const auto& [text, encoding] : rows) {
-    const auto declaration = DeclarationOf(std::string(text) + "<a encoding='x'/>");
+    const std::string document = std::string(text) + "<a encoding='x'/>";
+    const auto declaration = DeclarationOf(document);
     ASSERT_TRUE(declaration) << text;
     EXPECT_EQ(declaration->encoding, encoding);
     EXPECT_EQ(declaration->length, text.size());
