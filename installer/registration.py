@@ -1,7 +1,6 @@
 """The registry entries of the component, as its own registration writes them, and the manifest that stands in for them."""
 
 import sys
-from xml.sax.saxutils import quoteattr
 
 sys.path.insert(0, __file__.rsplit("/", 2)[0] + "/scripts")
 import idl  # noqa: E402
@@ -67,33 +66,10 @@ def manifest(version, bits):
     yield "</assembly>"
 
 
-def wix_values(entries_, indent):
-    """The entries as elements of an installer's source."""
-    for key, name, text in entries_:
-        named = f" Name={quoteattr(name)}" if name else ""
-        key = quoteattr("Software\\Classes\\" + key)
-        yield f'{indent}<RegistryValue Root="HKLM" Key={key}{named} Value={quoteattr(text)} Type="string"/>'
-
-
-def main(arguments):
-    form, version, bits = arguments[0], arguments[1], int(arguments[2])
-    if form == "manifest":
-        lines = manifest(version, bits)
-    else:
-        lines = wix_source(form, version, bits)
-    print("\n".join(lines))
-
-
-def wix_source(template, version, bits):
-    """The installer's source: `template` with the version and the registry entries."""
-    with open(template, encoding="utf-8") as file:
-        for line in file.read().splitlines():
-            if line.strip() == "<!-- entries -->":
-                indent = line[: len(line) - len(line.lstrip())]
-                yield from wix_values(entries("[#KVDM.dll]", "[INSTALLFOLDER]", bits), indent)
-            else:
-                yield line.replace("@VERSION@", version)
+def main(form, version, bits):
+    assert form == "manifest"
+    print("\n".join(manifest(version, int(bits))))
 
 
 if __name__ == "__main__":
-    main(sys.argv[1:])
+    main(*sys.argv[1:])

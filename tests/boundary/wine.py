@@ -17,12 +17,16 @@ class Wine:
         self.prefix = pathlib.Path(prefix)
 
     def run(self, *command, check=True, quiet=False):
-        """The status of a program; with `check` anything but success is an error."""
-        output = subprocess.DEVNULL if quiet else None
-        status = subprocess.run([RUN, self.prefix, *command], stdout=output).returncode
-        if check and status != 0:
-            raise RuntimeError(f"{' '.join(map(str, command))}: status {status}")
-        return status
+        """The status of a program; with `check` anything but success is an error. A quiet one is heard then only."""
+        done = subprocess.run([RUN, self.prefix, *command], stdout=subprocess.PIPE if quiet else None)
+        if check and done.returncode != 0:
+            said = (done.stdout or b"").decode(errors="replace")
+            raise RuntimeError(f"{' '.join(map(str, command))}: status {done.returncode} {said}")
+        return done.returncode
+
+    def output(self, *command):
+        """What a program that succeeds has written."""
+        return subprocess.run([RUN, self.prefix, *command], stdout=subprocess.PIPE, check=True).stdout.decode()
 
     def regsvr32(self, dll, *options):
         self.run("regsvr32.exe", "/s", *options, windows_path(dll))

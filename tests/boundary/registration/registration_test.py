@@ -11,11 +11,15 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE.parent), str(HERE.parents[2] / "installer")]
 
+from checks import check, check_same  # noqa: E402
 from registration import entries  # noqa: E402
-from registry_dump import dump, keys, texts  # noqa: E402
+from registry_dump import dump, keys, values  # noqa: E402
 from wine import Wine, windows_path  # noqa: E402
 
 FOR_USER = ("/n", "/i:user")
+
+MACHINES_CLASSES = r"HKLM\Software\Classes"
+USERS_CLASSES = r"HKCU\Software\Classes"
 
 # Where all components are; an empty one may stay.
 SHARED_KEYS = {"clsid", "interface", "typelib"}
@@ -30,31 +34,17 @@ def expected(dll):
 
 
 def added(before, after):
-    old, new = texts(before), texts(after)
+    old, new = values(before), values(after)
     return {
         place: text for place, text in new.items() if old.get(place) != text and not place[0].startswith(OTHER_SIDE)
     }
-
-
-def check(what, holds):
-    print(("ok " if holds else "FAILED ") + what)
-    return holds
-
-
-def check_same(what, wanted, found):
-    if check(what, wanted == found):
-        return True
-    for place in sorted(wanted.keys() | found.keys()):
-        if wanted.get(place) != found.get(place):
-            print(f"  {place}: wanted {wanted.get(place)!r}, found {found.get(place)!r}")
-    return False
 
 
 def check_machine(wine, dll, program, before):
     """Registers twice and unregisters twice."""
     wine.regsvr32(dll)
     wine.regsvr32(dll)
-    yield check_same("the entries are those of the installer", expected(dll), added(before, dump(wine, "HKLM")))
+    yield check_same("the entries are those of the installer", expected(dll), added(before, dump(wine, MACHINES_CLASSES)))
     yield check("the classes are found", wine.run(program, "--gtest_filter=Registered*Test.*-*User*", check=False) == 0)
     wine.regsvr32(dll, "/u")
     wine.regsvr32(dll, "/u")
@@ -62,16 +52,16 @@ def check_machine(wine, dll, program, before):
 
 def check_user(wine, dll, program, before):
     """Also that nothing of the registration for the machine is left."""
-    users = dump(wine, "HKCU")
+    users = dump(wine, USERS_CLASSES)
     wine.regsvr32(dll, *FOR_USER)
     wine.regsvr32(dll, *FOR_USER)
-    yield check("the machine's classes are as before", before == dump(wine, "HKLM"))
-    yield check_same("the user has the same entries", expected(dll), added(users, dump(wine, "HKCU")))
+    yield check("the machine's classes are as before", before == dump(wine, MACHINES_CLASSES))
+    yield check_same("the user has the same entries", expected(dll), added(users, dump(wine, USERS_CLASSES)))
     yield check("the user finds them", wine.run(program, "--gtest_filter=RegisteredForUserTest.*", check=False) == 0)
     wine.regsvr32(dll, "/u", *FOR_USER)
     wine.regsvr32(dll, "/u", *FOR_USER)
-    after = dump(wine, "HKCU")
-    yield check("the user's values are as before", texts(users) == texts(after))
+    after = dump(wine, USERS_CLASSES)
+    yield check("the user's values are as before", values(users) == values(after))
     yield check("no key of the user's is left", keys(after) - keys(users) <= SHARED_KEYS)
 
 
@@ -80,7 +70,7 @@ def main(prefix, dll, program):
     # What an interrupted run has left.
     wine.regsvr32(dll, "/u")
     wine.regsvr32(dll, "/u", *FOR_USER)
-    before = dump(wine, "HKLM")
+    before = dump(wine, MACHINES_CLASSES)
     results = [*check_machine(wine, dll, program, before), *check_user(wine, dll, program, before)]
     return 0 if all(results) else 1
 
