@@ -16,7 +16,7 @@ def guid(identity):
 
 def entries(file, folder, bits):
     """(key below the classes, value name or "", text) of all entries, for the DLL `file` in `folder`."""
-    library = guid(idl.library())
+    library = guid(idl.typelib())
     for name, (identity, _) in idl.classes().items():
         program, clsid = "KVDM." + name, guid(identity)
         key = "CLSID\\" + clsid
@@ -47,7 +47,7 @@ def entries(file, folder, bits):
 def manifest(version, bits):
     """The manifest of an assembly of the DLL, by which programs find the classes without registration."""
     architecture = {64: "amd64", 32: "x86"}[bits]
-    library = guid(idl.library())
+    library = guid(idl.typelib())
     yield '<?xml version="1.0" encoding="UTF-8" standalone="yes"?>'
     yield '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">'
     yield f'  <assemblyIdentity type="win32" name="KVDM" version="{version}.0" processorArchitecture="{architecture}"/>'

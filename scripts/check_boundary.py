@@ -12,7 +12,7 @@ compiled against; a line in it is final.
 import re
 import sys
 
-from idl import IDL, ROOT, classes as idl_classes, interfaces as idl_interfaces, library, without_comments
+from idl import IDL, ROOT, classes as idl_classes, interfaces as idl_interfaces, typelib, without_comments
 
 FROZEN = ROOT / "com/frozen.txt"
 HEADERS = ["datamanager/interfaces.h", "platform/host.h", "platform/gis_core.h"]
@@ -120,7 +120,7 @@ def differences():
 
 
 def frozen_lines():
-    yield f"library {library()}"
+    yield f"library {typelib()}"
     for name, (identity, operations) in idl_interfaces().items():
         yield f"interface {name} {identity}"
         for slot, (operation, parts) in enumerate(operations, 1):

@@ -11,7 +11,7 @@ def without_comments(text):
     return re.sub(r"//.*", "", text)
 
 
-def library():
+def typelib():
     """The identity of the type library."""
     return re.search(r"uuid\(([0-9A-F-]{36})\),\s*version", IDL.read_text()).group(1)
 
