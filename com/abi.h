@@ -138,6 +138,9 @@ HRESULT Guarded(const char* class_identity, const IID& iid, const Body& body) {
   }
 }
 
+// An error object that an earlier call left is no answer to this one.
+inline void ForgetErrors() { ::SetErrorInfo(0, nullptr); }
+
 template <class Result, class Out>
 bool ClearResult(const Out& out) {
   if constexpr (!std::is_void_v<Result>) {
@@ -155,6 +158,7 @@ struct Caller {
                       Arguments... arguments) {
     constexpr std::size_t kCount = sizeof...(Parameters);
     static_assert(sizeof...(Arguments) == kCount + (std::is_void_v<Result> ? 0 : 1));
+    ForgetErrors();
     const auto all = std::make_tuple(arguments..., nullptr);
     if (!ClearResult<Result>(std::get<kCount>(all))) return E_POINTER;
     return [&]<std::size_t... I>(std::index_sequence<I...>) {

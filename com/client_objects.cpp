@@ -20,7 +20,11 @@ class SlotObject : public ClientObject {
   explicit SlotObject(const ComPtr<Interface>& object) : ClientObject(object), object_(object) {}
 
  protected:
-  Interface& Slots() { return *object_.Get(); }
+  // For one call, whose failure is not told by the error object of an earlier one.
+  Interface& Slots() {
+    ::SetErrorInfo(0, nullptr);
+    return *object_.Get();
+  }
 
  private:
   ComPtr<Interface> object_;

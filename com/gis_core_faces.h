@@ -34,8 +34,12 @@ class NamedValueSetFace final : public FaceOf<::INamedValueSet, NamedValueSet> {
     if (names == nullptr || values == nullptr) return E_POINTER;
     return Guarded([&] {
       const NamedValueSet::Listing all = core_->ListAll();
-      PutArray({all.names.begin(), all.names.end()}, names);
-      PutArray(all.values, values);
+      Variant all_names;
+      Variant all_values;
+      PutArray({all.names.begin(), all.names.end()}, all_names.address());
+      PutArray(all.values, all_values.address());
+      *names = all_names.Release();
+      *values = all_values.Release();
     });
   }
   STDMETHODIMP EntryCount(long* result) override { return Call(&Core::EntryCount, result); }

@@ -8,11 +8,22 @@ namespace {
 
 bool IsVariable(const VARIANT& argument) { return V_VT(&argument) == (VT_BYREF | VT_VARIANT); }
 
-// An empty variable is Nothing.
-IUnknown* ObjectIn(const VARIANT& value) {
-  if (V_VT(&value) == VT_EMPTY) return nullptr;
-  if (V_VT(&value) == VT_DISPATCH || V_VT(&value) == VT_UNKNOWN) return V_UNKNOWN(&value);
-  throw RuntimeError(kTypeMismatch);
+bool IsObjectVariable(const VARIANT& argument) {
+  return V_VT(&argument) == (VT_BYREF | VT_DISPATCH) || V_VT(&argument) == (VT_BYREF | VT_UNKNOWN);
+}
+
+// Puts `object` into the variable that `argument` refers to.
+void Assign(IUnknown* object, VARIANT& argument) {
+  Variant value = ObjectValue(object);
+  if (IsVariable(argument)) {
+    Check(::VariantClear(V_VARIANTREF(&argument)));
+    *V_VARIANTREF(&argument) = value.Release();
+  } else if (V_VT(&value.get()) == (V_VT(&argument) & VT_TYPEMASK) ||
+             V_VT(&argument) == (VT_BYREF | VT_UNKNOWN)) {
+    if (*V_UNKNOWNREF(&argument) != nullptr) (*V_UNKNOWNREF(&argument))->Release();
+    VARIANT released = value.Release();
+    *V_UNKNOWNREF(&argument) = V_UNKNOWN(&released);
+  }
 }
 
 // What a parameter points to; VT_EMPTY when it is no pointer.
@@ -41,7 +52,7 @@ VARIANT LateArguments::Converted(const ELEMDESC& parameter, VARIANT& given, Argu
     V_VT(&passed) = VT_UNKNOWN;
     V_UNKNOWN(&passed) = ObjectIn(value);
   } else if (PointeeOf(parameter) == VT_UNKNOWN) {
-    if (IsVariable(given)) argument.variable = &value;
+    if (IsVariable(given) || IsObjectVariable(given)) argument.variable = &given;
     argument.object = ObjectIn(value);
     V_VT(&passed) = VT_BYREF | VT_UNKNOWN;
     V_UNKNOWNREF(&passed) = argument.object.GetAddressOf();
@@ -58,8 +69,7 @@ void LateArguments::HandBack() {
   for (const Argument& argument : arguments_) {
     if (argument.variable == nullptr) continue;
     if (argument.object.Get() == ObjectIn(*argument.variable)) continue;
-    Check(::VariantClear(argument.variable));
-    *argument.variable = ObjectValue(argument.object.Get()).Release();
+    Assign(argument.object.Get(), *argument.variable);
   }
 }
 

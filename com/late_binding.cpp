@@ -126,8 +126,8 @@ HRESULT LateBinding::Invoke(const LateCall& call) const {
     if (call.result != nullptr) ::VariantInit(call.result);
     return result;
   }
-  arguments.HandBack();
   MakeCallable(call.result);
+  arguments.HandBack();
   return result;
 }
 

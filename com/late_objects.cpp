@@ -10,15 +10,6 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-// The object in an answer; null for Nothing and for Empty. Scripts only have objects that can be
-// called by name.
-ComPtr<IUnknown> ObjectIn(const Variant& answer) {
-  const VARTYPE type = V_VT(&answer.get());
-  if (type == VT_EMPTY) return nullptr;
-  if (type != VT_DISPATCH && type != VT_UNKNOWN) throw RuntimeError(kTypeMismatch);
-  return V_UNKNOWN(&answer.get());
-}
-
 class LatePropertySet final : public HostPropertySet, public LateClient {
  public:
   using LateClient::LateClient;
@@ -35,7 +26,7 @@ class LatePropertySet final : public HostPropertySet, public LateClient {
 };
 
 std::shared_ptr<HostPropertySet> PropertySetIn(const Variant& answer) {
-  const ComPtr<IUnknown> object = ObjectIn(answer);
+  const ComPtr<IUnknown> object(ObjectIn(answer.get()));
   if (!object) return nullptr;
   ComPtr<IDispatch> names;
   if (FAILED(object.As(&names))) throw RuntimeError(kTypeMismatch);
@@ -87,7 +78,8 @@ int LateValueSet::EntryCount() {
 void LateValueSet::PrepareForUpdate() { Names().Call("PrepareForUpdate"); }
 
 std::shared_ptr<NamedValueSet> LateMetadata::ReadDocument() {
-  return FromClient<NamedValueSet>(ObjectIn(Names().Call("ReadDocument")).Get());
+  const Variant document = Names().Call("ReadDocument");
+  return FromClient<NamedValueSet>(ObjectIn(document.get()));
 }
 
 void LateMetadata::WriteDocument(const std::shared_ptr<NamedValueSet>& document) {

@@ -48,9 +48,9 @@ STDMETHODIMP Object::InterfaceSupportsErrorInfo(REFIID iid) {
 
 LateBinding& Object::Late() {
   if (late_) return *late_;
-  late_.emplace();
-  for (const auto& face : faces_) late_->Add(face->Iid(), face->Interface());
-  return *late_;
+  LateBinding late;
+  for (const auto& face : faces_) late.Add(face->Iid(), face->Interface());
+  return late_.emplace(std::move(late));
 }
 
 // What the interfaces describe together stands nowhere as one type.
@@ -69,6 +69,7 @@ STDMETHODIMP Object::GetTypeInfo(UINT, LCID, ITypeInfo** type) {
 STDMETHODIMP Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
   if (names == nullptr || ids == nullptr) return E_POINTER;
   if (!::IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  const ComPtr<IDispatch> alive(this);
   std::fill_n(ids, count, DISPID_UNKNOWN);
   if (count == 0) return S_OK;
   HRESULT result = S_OK;
@@ -85,6 +86,8 @@ STDMETHODIMP Object::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISP
                             VARIANT* result, EXCEPINFO* exception, UINT* wrong_argument) {
   if (parameters == nullptr) return E_POINTER;
   if (!::IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  const ComPtr<IDispatch> alive(this);
+  abi::ForgetErrors();
   if (result != nullptr) ::VariantInit(result);
   const LateCall call{id, locale, flags, *parameters, result, exception, wrong_argument};
   HRESULT invoked = S_OK;

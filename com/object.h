@@ -92,12 +92,19 @@ class FaceOf : public AbiInterface, public FaceBase {
   template <class Operation, class... Arguments>
   HRESULT Call(Operation operation, Arguments... arguments) {
     using Caller = decltype(abi::CallerOf(operation));
+    const Microsoft::WRL::ComPtr<IUnknown> alive = Alive();
     return Caller::Call(object_.Identity(), Iid(), *core_, operation, arguments...);
   }
 
   template <class Body>
   HRESULT Guarded(const Body& body) {
+    const Microsoft::WRL::ComPtr<IUnknown> alive = Alive();
     return abi::Guarded(object_.Identity(), Iid(), body);
+  }
+
+  // Keeps the object during a call, in which the client may let go of it.
+  [[nodiscard]] Microsoft::WRL::ComPtr<IUnknown> Alive() {
+    return static_cast<IDispatch*>(&object_);
   }
 
   Object& object_;

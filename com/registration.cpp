@@ -35,57 +35,69 @@ std::wstring GuidText(const GUID& guid) {
   return text.data();
 }
 
-// While it lives, the classes of the process are those of `scope` alone.
-class ClassesOf {
+// The key below which the classes of a scope stand.
+class ClassesKey {
  public:
-  explicit ClassesOf(Scope scope) {
+  explicit ClassesKey(Scope scope) {
     const HKEY root = scope == Scope::kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
-    HKEY classes = nullptr;
-    CheckCode(::RegCreateKeyW(root, L"Software\\Classes", &classes));
-    const LSTATUS code = ::RegOverridePredefKey(HKEY_CLASSES_ROOT, classes);
-    ::RegCloseKey(classes);
-    CheckCode(code);
+    CheckCode(::RegCreateKeyW(root, L"Software\\Classes", &key_));
   }
-  ~ClassesOf() { ::RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
-  ClassesOf(const ClassesOf&) = delete;
-  ClassesOf& operator=(const ClassesOf&) = delete;
+  ~ClassesKey() { ::RegCloseKey(key_); }
+  ClassesKey(const ClassesKey&) = delete;
+  ClassesKey& operator=(const ClassesKey&) = delete;
+
+  // Sets a value of a key; the key's own value without a `name`.
+  void Set(const std::wstring& key, const wchar_t* name, const std::wstring& text) const {
+    const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    CheckCode(::RegSetKeyValueW(key_, key.c_str(), name, REG_SZ, text.c_str(), bytes));
+  }
+
+  void Remove(const std::wstring& key) const {
+    const LSTATUS code = ::RegDeleteTreeW(key_, key.c_str());
+    if (code != ERROR_FILE_NOT_FOUND) CheckCode(code);
+  }
+
+  // Whether programs of the other word size find a key.
+  [[nodiscard]] bool OtherWordSizeHas(const std::wstring& key) const {
+    constexpr REGSAM kOther = kIs64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    HKEY found = nullptr;
+    if (::RegOpenKeyExW(key_, key.c_str(), 0, KEY_READ | kOther, &found) != ERROR_SUCCESS) {
+      return false;
+    }
+    ::RegCloseKey(found);
+    return true;
+  }
+
+ private:
+  HKEY key_ = nullptr;
 };
-
-// Sets a value of a key of classes; the key's own value without a `name`.
-void Set(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
-  const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-  CheckCode(::RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), name, REG_SZ, text.c_str(), bytes));
-}
-
-void Remove(const std::wstring& key) {
-  const LSTATUS code = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
-  if (code != ERROR_FILE_NOT_FOUND) CheckCode(code);
-}
 
 std::wstring ClassKey(const Class& of) { return L"CLSID\\" + GuidText(*of.clsid); }
 
-void RegisterClass(const Class& of, const std::wstring& path) {
+void RegisterClass(const ClassesKey& classes, const Class& of, const std::wstring& path) {
   const std::wstring name = ToUtf16(of.identity);
   const std::wstring key = ClassKey(of);
-  Set(key, nullptr, name);
-  Set(key + L"\\InprocServer32", nullptr, path);
-  Set(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
-  Set(key + L"\\ProgID", nullptr, name + kVersionSuffix);
-  Set(key + L"\\VersionIndependentProgID", nullptr, name);
-  Set(key + L"\\TypeLib", nullptr, GuidText(LIBID_KVDM));
-  Set(key + L"\\Version", nullptr, kVersion);
+  classes.Set(key, nullptr, name);
+  classes.Set(key + L"\\InprocServer32", nullptr, path);
+  classes.Set(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+  classes.Set(key + L"\\ProgID", nullptr, name + kVersionSuffix);
+  classes.Set(key + L"\\VersionIndependentProgID", nullptr, name);
+  classes.Set(key + L"\\TypeLib", nullptr, GuidText(LIBID_KVDM));
+  classes.Set(key + L"\\Version", nullptr, kVersion);
   for (const std::wstring& program : {name, name + kVersionSuffix}) {
-    Set(program, nullptr, name);
-    Set(program + L"\\CLSID", nullptr, GuidText(*of.clsid));
+    classes.Set(program, nullptr, name);
+    classes.Set(program + L"\\CLSID", nullptr, GuidText(*of.clsid));
   }
-  Set(name + L"\\CurVer", nullptr, name + kVersionSuffix);
+  classes.Set(name + L"\\CurVer", nullptr, name + kVersionSuffix);
 }
 
-void UnregisterClass(const Class& of) {
+// The names belong to the DLLs of both word sizes.
+void UnregisterClass(const ClassesKey& classes, const Class& of) {
   const std::wstring name = ToUtf16(of.identity);
-  Remove(ClassKey(of));
-  Remove(name);
-  Remove(name + kVersionSuffix);
+  classes.Remove(ClassKey(of));
+  if (classes.OtherWordSizeHas(ClassKey(of))) return;
+  classes.Remove(name);
+  classes.Remove(name + kVersionSuffix);
 }
 
 struct Interface {
@@ -120,43 +132,49 @@ ComPtr<ITypeLib> LoadLibraryIn(const std::wstring& path) {
 
 std::wstring LibraryKey() { return L"TypeLib\\" + GuidText(LIBID_KVDM); }
 
+std::wstring PlatformKey() {
+  return LibraryKey() + L"\\" + kVersion + (kIs64Bit ? L"\\0\\win64" : L"\\0\\win32");
+}
+
 // The system's own function would write for all users, also when it is meant for one.
-void RegisterLibrary(const std::wstring& path) {
+void RegisterLibrary(const ClassesKey& classes, const std::wstring& path) {
   const ComPtr<ITypeLib> library = LoadLibraryIn(path);
   Bstr name;
   constexpr INT kLibraryItself = -1;
   Check(library->GetDocumentation(kLibraryItself, nullptr, name.address(), nullptr, nullptr));
   const std::wstring key = LibraryKey() + L"\\" + kVersion;
-  Set(key, nullptr, name.get());
-  Set(key + (kIs64Bit ? L"\\0\\win64" : L"\\0\\win32"), nullptr, path);
-  Set(key + L"\\FLAGS", nullptr, L"0");
-  Set(key + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
+  classes.Set(key, nullptr, name.get());
+  classes.Set(PlatformKey(), nullptr, path);
+  classes.Set(key + L"\\FLAGS", nullptr, L"0");
+  classes.Set(key + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
   for (const Interface& each : Interfaces(*library.Get())) {
-    Set(each.key, nullptr, each.name);
-    Set(each.key + L"\\ProxyStubClsid32", nullptr, kAutomationMarshaller);
-    Set(each.key + L"\\TypeLib", nullptr, GuidText(LIBID_KVDM));
-    Set(each.key + L"\\TypeLib", L"Version", kVersion);
+    classes.Set(each.key, nullptr, each.name);
+    classes.Set(each.key + L"\\ProxyStubClsid32", nullptr, kAutomationMarshaller);
+    classes.Set(each.key + L"\\TypeLib", nullptr, GuidText(LIBID_KVDM));
+    classes.Set(each.key + L"\\TypeLib", L"Version", kVersion);
   }
 }
 
-void UnregisterLibrary(const std::wstring& path) {
-  for (const Interface& each : Interfaces(*LoadLibraryIn(path).Get())) Remove(each.key);
-  Remove(LibraryKey());
+void UnregisterLibrary(const ClassesKey& classes, const std::wstring& path) {
+  classes.Remove(PlatformKey());
+  if (classes.OtherWordSizeHas(ClassKey(Classes().front()))) return;
+  for (const Interface& each : Interfaces(*LoadLibraryIn(path).Get())) classes.Remove(each.key);
+  classes.Remove(LibraryKey());
 }
 
 }  // namespace
 
 void Register(Scope scope) {
-  const ClassesOf classes(scope);
+  const ClassesKey classes(scope);
   const std::wstring path = ModulePath();
-  for (const Class& each : Classes()) RegisterClass(each, path);
-  RegisterLibrary(path);
+  for (const Class& each : Classes()) RegisterClass(classes, each, path);
+  RegisterLibrary(classes, path);
 }
 
 void Unregister(Scope scope) {
-  const ClassesOf classes(scope);
-  for (const Class& each : Classes()) UnregisterClass(each);
-  UnregisterLibrary(ModulePath());
+  const ClassesKey classes(scope);
+  for (const Class& each : Classes()) UnregisterClass(classes, each);
+  UnregisterLibrary(classes, ModulePath());
 }
 
 }  // namespace kvdm::com

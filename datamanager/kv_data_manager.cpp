@@ -75,13 +75,16 @@ void KVDataManager::DMInitialize(const std::shared_ptr<Host>& host) {
 }
 
 void KVDataManager::SettleWorkingDirectory() {
-  auto wanted = ToText(Required(host_->Settings()).GetProperty(kWorkingDirectorySetting));
+  // The host may start anew while it is asked.
+  const auto host = host_;
+  const auto resources = resources_;
+  auto wanted = ToText(Required(host->Settings()).GetProperty(kWorkingDirectorySetting));
   if (wanted.empty()) wanted = platform_.files->SystemDrive() + kDefaultWorkingDirectory;
   SetWorkingDirectory(wanted);
   const auto wanted_folder = WithoutTrailingBackslash(platform_.files->FullPath(wanted));
   const auto held_folder = WithoutTrailingBackslash(platform_.files->FullPath(working_directory_));
   if (SameName(wanted_folder, held_folder)) return;
-  platform_.message_box->Show(resources_->FindString(kWrongWorkingDirectoryText), kComponentName,
+  platform_.message_box->Show(resources->FindString(kWrongWorkingDirectoryText), kComponentName,
                               MessageStyle::kPlain);
   working_directory_.clear();
 }

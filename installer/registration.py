@@ -1,4 +1,7 @@
-"""The registry entries of the component, as its own registration writes them, and the manifest that stands in for them."""
+"""The registry entries of the component, as its own registration writes them, and the manifest that stands in for them.
+
+    registration.py manifest VERSION BITS
+"""
 
 import sys
 
@@ -45,15 +48,24 @@ def entries(file, folder, bits):
 
 
 def manifest(version, bits):
-    """The manifest of an assembly of the DLL, by which programs find the classes without registration."""
+    """The manifest of an assembly of the DLL, by which programs find the classes without registration.
+
+    The assembly has another name than the DLL, or the system would look for its manifest inside the DLL.
+    """
     architecture = {64: "amd64", 32: "x86"}[bits]
     library = guid(idl.typelib())
     yield '<?xml version="1.0" encoding="UTF-8" standalone="yes"?>'
     yield '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">'
-    yield f'  <assemblyIdentity type="win32" name="KVDM" version="{version}.0" processorArchitecture="{architecture}"/>'
+    yield (
+        f'  <assemblyIdentity type="win32" name="KVDM.Component" version="{version}.0"'
+        f' processorArchitecture="{architecture}"/>'
+    )
     yield '  <file name="KVDM.dll">'
     for name, (identity, _) in idl.classes().items():
-        yield f'    <comClass clsid="{guid(identity)}" progid="KVDM.{name}.1" threadingModel="Apartment" tlbid="{library}">'
+        yield (
+            f'    <comClass clsid="{guid(identity)}" progid="KVDM.{name}.1"'
+            f' threadingModel="Apartment" tlbid="{library}">'
+        )
         yield f"      <progid>KVDM.{name}</progid>"
         yield "    </comClass>"
     yield f'    <typelib tlbid="{library}" version="{LIBRARY_VERSION}" helpdir=""/>'

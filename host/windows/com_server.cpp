@@ -61,14 +61,9 @@ Function* EntryPoint(const Library& library, const fs::path& file, const char* n
   return reinterpret_cast<Function*>(reinterpret_cast<void*>(found));
 }
 
-bool IsAccessRefused(HRESULT result) {
-  return result == E_ACCESSDENIED || result == SELFREG_E_CLASS || result == SELFREG_E_TYPELIB ||
-         result == TYPE_E_REGISTRYACCESS;
-}
-
 void Require(HRESULT result, ComScope scope) {
   if (SUCCEEDED(result)) return;
-  if (scope == ComScope::kMachine && IsAccessRefused(result)) {
+  if (scope == ComScope::kMachine && result == E_ACCESSDENIED) {
     throw Failure(ExitCode::kRefused,
                   "Only an administrator may change this for the whole machine: start kvdm as one, "
                   "or add --user to change it for yourself.");

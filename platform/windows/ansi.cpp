@@ -59,6 +59,13 @@ bool HasAnsi(char32_t character, unsigned page) {
   return !Encoded(ToUtf16(text), page, &is_missing).empty() && is_missing == FALSE;
 }
 
+unsigned MachineCodePage() {
+  DWORD page = 0;
+  ::GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
+                   reinterpret_cast<LPWSTR>(&page), sizeof page / sizeof(wchar_t));
+  return page != 0 ? page : ::GetACP();
+}
+
 bool HasAnsi(char32_t character) { return HasAnsi(character, ::GetACP()); }
 
 }  // namespace kvdm

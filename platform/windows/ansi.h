@@ -16,6 +16,9 @@ namespace kvdm {
 [[nodiscard]] std::string FromAnsi(std::string_view bytes, unsigned page);
 [[nodiscard]] std::string FromAnsi(std::string_view bytes);
 
+// The ANSI code page of the machine, which a process may have changed for itself.
+[[nodiscard]] unsigned MachineCodePage();
+
 // Whether the code page has `character`.
 [[nodiscard]] bool HasAnsi(char32_t character, unsigned page);
 [[nodiscard]] bool HasAnsi(char32_t character);

@@ -64,6 +64,7 @@ HRESULT Invoke(IDispatchEx& object, std::string_view name, DISPPARAMS& parameter
 }  // namespace
 
 Variant LateObject::Call(std::string_view name, std::vector<VARIANT> arguments) const {
+  ::SetErrorInfo(0, nullptr);  // An earlier call's error is no answer to this one.
   std::ranges::reverse(arguments);
   DISPPARAMS parameters{arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
   Variant result;
@@ -75,6 +76,24 @@ Variant LateObject::Call(std::string_view name, std::vector<VARIANT> arguments) 
   if (code == DISP_E_EXCEPTION) exception.Throw();
   Check(code);
   return result;
+}
+
+IUnknown* ObjectIn(const VARIANT& value) {
+  switch (V_VT(&value)) {
+    case VT_EMPTY:
+    case VT_NULL:
+      return nullptr;
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      return V_UNKNOWN(&value);
+    case VT_BYREF | VT_DISPATCH:
+    case VT_BYREF | VT_UNKNOWN:
+      return *V_UNKNOWNREF(&value);
+    case VT_BYREF | VT_VARIANT:
+      return ObjectIn(*V_VARIANTREF(&value));
+    default:
+      throw RuntimeError(kTypeMismatch);
+  }
 }
 
 Variant ObjectValue(IUnknown* object) {

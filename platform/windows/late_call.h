@@ -31,6 +31,10 @@ class LateObject {
   Microsoft::WRL::ComPtr<IDispatch> object_;
 };
 
+// The object in a value, or in the variable that it refers to. Null for Nothing, Null and Empty;
+// run-time error 13 for another value.
+[[nodiscard]] IUnknown* ObjectIn(const VARIANT& value);
+
 // An object as a value that callers by name can use; Nothing for null.
 [[nodiscard]] Variant ObjectValue(IUnknown* object);
 

@@ -85,7 +85,10 @@ void WindowsRegistry::Preserve(RegistryRoot root, std::string_view key, std::str
   NotedUnless(history && (Has(*history, *value) || Keep(*history, *value)), history_key, name);
 }
 
-bool WindowsRegistry::Holds(char32_t character) const { return HasAnsi(character); }
+// Programs with another code page read what this one writes.
+bool WindowsRegistry::Holds(char32_t character) const {
+  return HasAnsi(character) && HasAnsi(character, MachineCodePage());
+}
 
 std::vector<PreservedValue> WindowsRegistry::Preserved(RegistryRoot root, std::string_view key,
                                                        std::string_view name) const {

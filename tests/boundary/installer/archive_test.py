@@ -20,7 +20,7 @@ from registry_dump import dump, values  # noqa: E402
 from wine import Wine  # noqa: E402
 
 FILES = {
-    *("KVDM.dll", "KVDM.manifest", "LICENSE.txt", "kvdm.exe", "kvdm.idl", "kvdm.tlb"),
+    *("KVDM.dll", "KVDM.Component.manifest", "LICENSE.txt", "kvdm.exe", "kvdm.idl", "kvdm.tlb"),
     *("windows.md", "errors.md"),
 }
 NAME = "KVDM archive"

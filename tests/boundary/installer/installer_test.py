@@ -1,6 +1,6 @@
 """Installs the component, repairs it, replaces it by a newer one and removes it, and looks at what is there then.
 
-    installer_test.py PREFIX PACKAGE.msi VERSION
+    installer_test.py PREFIX PACKAGE.msi VERSION KVDM.dll
 """
 
 import contextlib
@@ -34,8 +34,8 @@ ENVIRONMENT = r"HKLM\System\CurrentControlSet\Control\Session Manager\Environmen
 # Where Windows keeps what is installed.
 PRODUCTS = "microsoft\\windows\\currentversion\\uninstall"
 BOOKKEEPING = ("classes\\installer", "microsoft\\windows\\currentversion\\installer", PRODUCTS)
-# What is no matter of the installer's: Wine describes the machine anew each time that it starts, and shows type libraries
-# to 32-bit programs, too.
+# What is no matter of the installer's: Wine describes the machine anew each time that it starts, and shows type
+# libraries to 32-bit programs, too.
 OTHERS = (
     *("microsoft\\windows nt\\", "wow6432node\\microsoft\\windows nt\\"),
     *("classes\\wow6432node\\typelib", "wow6432node\\classes\\typelib"),
@@ -122,6 +122,10 @@ def check_state(wine, before, version):
     yield check("it is the one product", list(products(wine).values()) == [version])
 
 
+def script(wine):
+    return wine.output("cscript.exe", "//nologo", CLIENT).strip()
+
+
 def check_use(wine, version):
     """The host is found by its name, and sees itself installed."""
     yield check("kvdm runs", wine.output("kvdm.exe", "version").startswith("kvdm "))
@@ -131,12 +135,8 @@ def check_use(wine, version):
     yield check("a script finds the classes", script(wine) == "Roads")
 
 
-def script(wine):
-    return wine.output("cscript.exe", "//nologo", CLIENT).strip()
-
-
 def check_package(package, version):
-    """What matters on Windows alone, where a file with a version does not give way to one that the package has none for."""
+    """What matters on Windows alone: there a file with a version gives way to a newer version, and to nothing else."""
     table = subprocess.run(["msiinfo", "export", package, "File"], stdout=subprocess.PIPE, check=True, text=True).stdout
     versions = {row[0]: row[4] for row in (line.split("\t") for line in table.splitlines()) if row[0] in FILES}
     wanted = {"KVDM.dll": version + ".0", "kvdm.exe": version + ".0", "LICENSE.txt": "", "kvdm.tlb": ""}
@@ -183,10 +183,11 @@ def check_removed(wine, before):
     yield check("Wine leaves semicolons in the path", after.path == before.path + ";;;")
 
 
-def main(prefix, package, version):
+def main(prefix, package, version, dll):
     wine, package = Wine(prefix), pathlib.Path(package)
-    # What an interrupted run has left.
+    # What an interrupted run has left, and what Wine registers itself of a library that it has marshalled by.
     remove_all(wine)
+    wine.regsvr32(dll, "/u")
     # Also the script host registers itself, when it is first used.
     results = [check("a script finds no classes before", script(wine) == "")]
     before = State(wine)

@@ -44,7 +44,8 @@ def check_machine(wine, dll, program, before):
     """Registers twice and unregisters twice."""
     wine.regsvr32(dll)
     wine.regsvr32(dll)
-    yield check_same("the entries are those of the installer", expected(dll), added(before, dump(wine, MACHINES_CLASSES)))
+    registered = dump(wine, MACHINES_CLASSES)
+    yield check_same("the entries are those of the installer", expected(dll), added(before, registered))
     yield check("the classes are found", wine.run(program, "--gtest_filter=Registered*Test.*-*User*", check=False) == 0)
     wine.regsvr32(dll, "/u")
     wine.regsvr32(dll, "/u")
