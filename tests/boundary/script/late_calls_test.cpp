@@ -145,7 +145,14 @@ TEST_F(LateCallsTest, NothingIsTakenInEveryForm) {
   VARIANT unknown{};
   V_VT(&unknown) = VT_UNKNOWN;
   VARIANT empty{};
-  for (const VARIANT& given : {nothing, ByReference(nothing), unknown, empty, ByReference(empty)}) {
+  VARIANT null{};
+  V_VT(&null) = VT_NULL;
+  IDispatch* typed = nullptr;
+  VARIANT typed_variable{};
+  V_VT(&typed_variable) = VT_BYREF | VT_DISPATCH;
+  V_DISPATCHREF(&typed_variable) = &typed;
+  for (const VARIANT& given : {nothing, ByReference(nothing), unknown, empty, ByReference(empty),
+                               null, ByReference(null), typed_variable}) {
     EXPECT_EQ(S_OK, manager_.Call(L"DMInitialize", {given}).code);
   }
 }
@@ -159,6 +166,18 @@ TEST_F(LateCallsTest, AnObjectVariableIsFilled) {
   EXPECT_EQ("2", set.Text(L"EntryCount"));
   EXPECT_EQ("-1", analysis.Text(L"ReadFromPropertySet", {variable}));
   ::VariantClear(&variable);
+}
+
+TEST_F(LateCallsTest, ATypedObjectVariableIsFilled) {
+  const LateObject analysis(CLSID_KVAnalysis);
+  IDispatch* typed = nullptr;
+  VARIANT variable{};
+  V_VT(&variable) = VT_BYREF | VT_DISPATCH;
+  V_DISPATCHREF(&variable) = &typed;
+  EXPECT_EQ("-1", analysis.Text(L"WriteToPropertySet", {variable}));
+  ASSERT_NE(nullptr, typed);
+  EXPECT_EQ("2", LateObject{ComPtr<IDispatch>(typed)}.Text(L"EntryCount"));
+  typed->Release();
 }
 
 TEST_F(LateCallsTest, TheNumberOfArgumentsMustBeRight) {
