@@ -64,10 +64,22 @@ std::vector<std::string> NamesLike(const DrivePath& folder, const std::string& n
   return names;
 }
 
+// The name of the entry that has `name` as the short one which the system gave it, such as
+// "PROGRA~1".
+std::optional<std::string> FindByShortName(const DrivePath& folder, const std::string& name) {
+  if (name.find('~') == std::string::npos) return std::nullopt;
+  WIN32_FIND_DATAW found;
+  const Search search(::FindFirstFileW(Joined(folder, name).c_str(), &found));
+  if (search.get() == INVALID_HANDLE_VALUE) return std::nullopt;
+  if (!SameName(ToUtf8(found.cAlternateFileName), name)) return std::nullopt;
+  return ToUtf8(found.cFileName);
+}
+
 // The name of the entry that `name` means; nothing when there is none.
 std::optional<std::string> FindEntry(const DrivePath& folder, const std::string& name) {
   if (!IsCreatableName(name)) return std::nullopt;  // No entry has such a name.
-  return FindName(NamesLike(folder, name), name);
+  auto found = FindName(NamesLike(folder, name), name);
+  return found ? found : FindByShortName(folder, name);
 }
 
 // Replaces the names of a path by the real ones.

@@ -14,6 +14,7 @@
 #include <tuple>
 #include <vector>
 
+#include "platform/windows/utf16.h"
 #include "tests/platform/windows/scratch_drive.h"
 #include "tests/throws_number.h"
 #include "util/kvdm_utils.h"
@@ -53,6 +54,16 @@ TEST_F(WindowsFileSystemTest, AFileThatHasADeviceNameIsAnOrdinaryFile) {
   EXPECT_THAT(files_.ReadFile(R"(D:\nul)"), Optional(std::string("new")));
   files_.OpenFolder(R"(D:\)")->DeleteFiles();
   EXPECT_FALSE(drive_.Has(R"(D:\nul)"));
+}
+
+TEST_F(WindowsFileSystemTest, AShortNameMeansTheEntryThatTheSystemGaveItTo) {
+  files_.CreateFolder(R"(D:\A longer name)");
+  std::array<wchar_t, MAX_PATH> path{};
+  ASSERT_NE(::GetShortPathNameW(LR"(D:\A longer name)", path.data(), path.size()), 0U);
+  const std::string short_path = ToUtf8(path.data());
+  ASSERT_NE(short_path.find('~'), std::string::npos) << short_path;
+  EXPECT_EQ(files_.FullPath(short_path), R"(D:\A longer name)");
+  EXPECT_FALSE(files_.FolderExists(R"(D:\ALONG~99)"));
 }
 
 TEST_F(WindowsFileSystemTest, PathsLongerThanTheClassicLimitWork) {
