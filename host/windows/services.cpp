@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "host/failure.h"
 #include "host/os.h"
 #include "host/stored_services.h"
 #include "platform/portable/portable_siblings.h"
@@ -58,7 +59,12 @@ std::string RegistryAdvice() {
 }
 
 std::filesystem::path RegistryLockFile() {
-  return os::ToPath(os::Environment("LOCALAPPDATA")) / "kvdm" / "registry.lock";
+  const std::string folder = os::Environment("LOCALAPPDATA");
+  if (folder.empty()) {
+    throw Failure(ExitCode::kRefused,
+                  "The environment variable LOCALAPPDATA is not set; set it to a folder of yours.");
+  }
+  return os::ToPath(folder) / "kvdm" / "registry.lock";
 }
 
 }  // namespace kvdm
