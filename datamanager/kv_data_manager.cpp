@@ -5,6 +5,7 @@
 #include "datamanager/component.h"
 #include "datamanager/messages.h"
 #include "platform/file_names.h"
+#include "platform/portable/shared_catalogue.h"
 #include "util/default_dir_names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
@@ -30,7 +31,12 @@ std::string WithoutTrailingBackslash(std::string path) {
 
 }  // namespace
 
-KVDataManager::KVDataManager(Platform platform) : platform_(std::move(platform)) { Start(); }
+KVDataManager::KVDataManager(Platform platform) : platform_(std::move(platform)) {
+  platform_.registry = std::make_shared<SharedCatalogue>(
+      platform_.registry, platform_.xml_parser, platform_.log,
+      RegistryAddress{RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue});
+  Start();
+}
 
 void KVDataManager::KVDMHandleError(std::string_view message) {
   guard::Quiet([&] {
@@ -59,11 +65,9 @@ void KVDataManager::Start() {
 }
 
 void KVDataManager::ReadCatalogue() {
-  const auto stored = ReadRegistryString(*platform_.registry, RegistryRoot::kLocalMachine,
-                                         kRegistryKey, kStudyAreaCollectionValue);
-  const auto text = ToText(stored);
+  const auto text = ToText(ReadRegistryString(*platform_.registry, RegistryRoot::kLocalMachine,
+                                              kRegistryKey, kStudyAreaCollectionValue));
   catalogue_ = text.empty() ? NewCatalogue() : ParseDocument(*platform_.xml_parser, text);
-  catalogue_understood_ = stored.IsText() && catalogue_->DocumentElement();
 }
 
 void KVDataManager::DMInitialize(const std::shared_ptr<Host>& host) {
@@ -131,10 +135,6 @@ bool KVDataManager::Flush() {
         auto& registry = *platform_.registry;
         const auto text =
             catalogue_->Xml([&](char32_t character) { return registry.Holds(character); });
-        if (!catalogue_understood_) {
-          registry.Preserve(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue);
-          catalogue_understood_ = true;
-        }
         WriteRegistryString(registry, RegistryRoot::kLocalMachine, kRegistryKey,
                             kStudyAreaCollectionValue, text);
       });

@@ -92,9 +92,6 @@ class KVDataManager final : public DataManagerFriend,
   std::string preset_directory_;
   bool metadata_valid_ = false;
   bool presets_available_ = false;
-  // False while the registry may hold a catalogue that this object could not read; it is then kept
-  // before it is overwritten.
-  bool catalogue_understood_ = false;
   DocumentRef metadata_;
   DocumentRef catalogue_ = std::make_shared<xml::Document>();
   DocumentRef presets_ = std::make_shared<xml::Document>();

@@ -53,6 +53,12 @@ void HostedComponent::RequireWorkingDirectory() {
                             ToText(settings_->GetProperty(kWorkingDirectorySetting))));
 }
 
+void HostedComponent::RequireRegistry() const {
+  if (const auto& unread = services_.registry->Unread()) {
+    throw Failure(ExitCode::kUnreadable, RegistrySentence(*unread));
+  }
+}
+
 std::string HostedComponent::CurrentStudyArea() {
   return ToText(state_->GetProperty(kStudyAreaState));
 }
@@ -67,9 +73,9 @@ void HostedComponent::SaveTo(Project& project) {
   if (stream->Values().empty()) {
     throw Failure(ExitCode::kRefused, "The component could not save its metadata.");
   }
-  if (services_.registry->Refused()) {
-    throw Failure(ExitCode::kRefused, fmt::format("The study areas can't be saved in {}. {}",
-                                                  RegistryPlace(), RegistryAdvice()));
+  if (const auto& refused = services_.registry->Refused()) {
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The study areas can't be saved. {}", RegistrySentence(*refused)));
   }
   project.values = stream->Values();
   project.settings = settings_->All();

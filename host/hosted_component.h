@@ -31,6 +31,9 @@ class HostedComponent {
   // Failure kRefused when the component has no working directory to work in.
   void RequireWorkingDirectory();
 
+  // Failure kUnreadable when the component started without what the registry holds.
+  void RequireRegistry() const;
+
   [[nodiscard]] std::string CurrentStudyArea();
   void SetCurrentStudyArea(std::string_view name);
 

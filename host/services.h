@@ -2,9 +2,9 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,7 +15,7 @@
 
 namespace kvdm {
 
-// Passes everything on, and remembers whether a write was refused: the component does not ask.
+// Passes everything on, and remembers what was refused: the component does not ask.
 class WatchedRegistry : public Registry {
  public:
   explicit WatchedRegistry(std::shared_ptr<Registry> registry) : registry_(std::move(registry)) {}
@@ -24,35 +24,45 @@ class WatchedRegistry : public Registry {
                                     std::string_view name) override;
   bool WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                  std::string_view text) override;
-  void Preserve(RegistryRoot root, std::string_view key, std::string_view name) override;
+  bool Update(RegistryRoot root, std::string_view key, std::string_view name,
+              const TextUpdate& update) override;
+  std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
+                              std::string_view name) override;
+  [[nodiscard]] RegistryCondition Condition() const override;
   [[nodiscard]] bool Holds(char32_t character) const override;
 
-  [[nodiscard]] bool Refused() const { return refused_; }
+  // What the last write found, if it was refused.
+  [[nodiscard]] const std::optional<RegistryCondition>& Refused() const { return refused_; }
+  // What the first read that failed found.
+  [[nodiscard]] const std::optional<RegistryCondition>& Unread() const { return unread_; }
 
  private:
-  std::shared_ptr<Registry> registry_;
-  bool refused_ = false;
-};
+  bool Noted(bool written);
 
-// A catalogue text that did not parse and was kept before it was overwritten.
-struct PreservedCatalogue {
-  std::string when;  // UTC, such as "2026-11-15T07:35:30Z"
-  std::string text;
+  std::shared_ptr<Registry> registry_;
+  std::optional<RegistryCondition> refused_;
+  std::optional<RegistryCondition> unread_;
 };
 
 struct Services {
   Platform platform;
   std::shared_ptr<WatchedRegistry> registry;  // the platform's
-  std::function<std::vector<PreservedCatalogue>()> preserved_catalogues;
 };
+
+// `platform` with its registry watched.
+[[nodiscard]] Services Watching(Platform platform);
 
 // This system's services. `drives` are the folders behind drive letters on a system that has no
 // drives itself. Messages and log lines go to `out`, which must outlive them.
 [[nodiscard]] Services MakeServices(const std::map<char, std::string>& drives, Output& out);
 
-// Where the registry is, and what can be done when it refuses to be written, for people.
+// Where the registry is, and what its condition means and asks for, for people.
 [[nodiscard]] std::string RegistryPlace();
-[[nodiscard]] std::string RegistryAdvice();
+[[nodiscard]] std::string RegistrySentence(const RegistryCondition& condition);
+
+// Renames a registry that is damaged, so that the next change starts a new one, and answers its new
+// path. Nothing for one in any other state, and where the registry is the system's own.
+[[nodiscard]] std::optional<std::string> SetRegistryAside(Output& out);
 
 // The file that is locked while a command changes what all projects share.
 [[nodiscard]] std::filesystem::path RegistryLockFile();

@@ -13,10 +13,13 @@ std::shared_ptr<Collection> Reached(std::shared_ptr<Collection> collection, cons
 }  // namespace
 
 std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection(Session& session) {
+  session.Component().RequireRegistry();
   return Reached(session.Manager().StudyAreaCollection(), "study area");
 }
 
 std::shared_ptr<IKVAnalysisCollection> AnalysisCollection(Session& session) {
+  // The open study area says where new analyses go.
+  if (!session.Component().CurrentStudyArea().empty()) session.Component().RequireRegistry();
   return Reached(session.Manager().AnalysisCollection(), "analysis");
 }
 

@@ -6,7 +6,8 @@
 
 namespace kvdm {
 
-// The collections themselves. Failure kRefused when the component has none.
+// The collections themselves. Failure kRefused when the component has none, kUnreadable when they
+// need a registry that could not be read.
 [[nodiscard]] std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection(Session& session);
 [[nodiscard]] std::shared_ptr<IKVAnalysisCollection> AnalysisCollection(Session& session);
 

@@ -1,10 +1,12 @@
 #include "util/registry_strings.h"
 
+#include "util/guard.h"
+
 namespace kvdm {
 
 Value ReadRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
                          std::string_view value_name) {
-  const auto value = registry.Read(root, subkey, value_name);
+  const auto value = guard::Quiet([&] { return registry.Read(root, subkey, value_name); });
   if (!value || value->type != RegistryType::kText) return {};
   return value->data.substr(0, value->data.find('\0'));
 }

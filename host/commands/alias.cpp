@@ -13,6 +13,7 @@ class AliasShow : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
+    session.Component().RequireRegistry();
     AreaRegistry& registry = RegistryOf(session);
     out.Fields({{"customer", registry.CustomerAlias()}, {"store", registry.StoreAlias()}});
   }
@@ -27,6 +28,7 @@ class AliasSet : public ChangingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
+    session.Component().RequireRegistry();
     AreaRegistry& registry = RegistryOf(session);
     if (kind_ == "customer") {
       registry.SetCustomerAlias(word_);

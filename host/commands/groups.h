@@ -19,6 +19,7 @@ void AddMetadataCommands(const CommandGroup& root);
 void AddPresetCommands(const CommandGroup& root);
 void AddTempCommands(const CommandGroup& root);
 void AddRegistryCommands(const CommandGroup& root);
+void AddCatalogueCommands(const CommandGroup& root);
 void AddAliasCommands(const CommandGroup& root);
 void AddPathCommands(const CommandGroup& root);
 void AddProjectCommands(const CommandGroup& root);
@@ -30,10 +31,10 @@ void AddSystemCommands(const CommandGroup& root);
 
 // In the order of the help text.
 inline constexpr auto kCommandGroups = {
-    &AddInitCommand,      &AddStatusCommand,    &AddAreaCommands,    &AddAnalysisCommands,
-    &AddStoreCommands,    &AddCustomerCommands, &AddDataCommands,    &AddTableCommands,
-    &AddMetadataCommands, &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
-    &AddAliasCommands,    &AddPathCommands,     &AddProjectCommands, &AddGenerateCommands,
-    &AddVersionCommand,   &AddSystemCommands};
+    &AddInitCommand,       &AddStatusCommand,    &AddAreaCommands,  &AddAnalysisCommands,
+    &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,  &AddTableCommands,
+    &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,  &AddRegistryCommands,
+    &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,  &AddProjectCommands,
+    &AddGenerateCommands,  &AddVersionCommand,   &AddSystemCommands};
 
 }  // namespace kvdm

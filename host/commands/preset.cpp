@@ -12,6 +12,7 @@ class PresetList : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
+    session.Component().RequireRegistry();
     const NameListRef names = session.Manager().PDataList();
     if (!names) throw Failure(ExitCode::kRefused, "The preset data can't be reached.");
     std::vector<Record> items;
@@ -31,6 +32,7 @@ class PresetPath : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
+    session.Component().RequireRegistry();
     const std::string path = session.Manager().GetPDataFile(name_);
     if (path.empty()) {
       throw Failure(ExitCode::kNotFound,

@@ -69,6 +69,7 @@ class ProjectShow : public ReadingCommand {
     for (const Value& value : session.GetProject().values) {
       if (value.IsText()) metadata += ToText(value);
     }
+    session.Component().RequireRegistry();
     auto& registry = *session.Component().GetServices().platform.registry;
     const std::string catalogue = ToText(ReadRegistryString(
         registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));

@@ -20,13 +20,22 @@ bool IsCatalogueDamaged(const Platform& platform) {
   return !text.empty() && !IsWellFormed(*platform.xml_parser, text);
 }
 
-std::vector<Record> PreservedRecords(const Services& services) {
+// The catalogues that were kept as a whole.
+std::vector<Record> KeptCatalogues(const Platform& platform) {
   std::vector<Record> records;
-  for (const PreservedCatalogue& copy : services.preserved_catalogues()) {
-    records.push_back(
-        {{"kept_at", copy.when}, {"bytes", static_cast<std::int64_t>(copy.text.size())}});
+  for (const KeptValue& kept : platform.registry->Kept(RegistryRoot::kLocalMachine, kRegistryKey,
+                                                       kStudyAreaCollectionValue)) {
+    const std::string& text = kept.value.data;
+    if (kept.value.type == RegistryType::kText && IsWellFormed(*platform.xml_parser, text))
+      continue;
+    records.push_back({{"kept_at", kept.when}, {"bytes", static_cast<std::int64_t>(text.size())}});
   }
   return records;
+}
+
+Field StudyAreaCount(Session& session) {
+  const auto areas = session.Manager().StudyAreaCollection();
+  return areas ? CountOf(areas->StudyAreasGUIDsList()) : Field();
 }
 
 class Status : public ReadingCommand {
@@ -36,16 +45,20 @@ class Status : public ReadingCommand {
  private:
   void Run(Session& session, Output& out) override {
     HostedComponent& component = session.Component();
-    const bool damaged = IsCatalogueDamaged(component.GetServices().platform);
+    const Services& services = component.GetServices();
+    const auto unread = services.registry->Unread();
+    const bool damaged = !unread && IsCatalogueDamaged(services.platform);
     out.Fields({{"project", os::ToText(session.File())},
                 {"working_directory", session.Manager().WorkingDirectory()},
                 {"working_directory_found", component.WorkingDirectoryWasThere()},
                 {"current_study_area", component.CurrentStudyArea()},
-                {"study_areas", CountOf(StudyAreaCollection(session)->StudyAreasGUIDsList())},
-                {"analyses", CountOf(AnalysisCollection(session)->AnalysesGUIDsList())},
+                {"study_areas", unread ? Field() : StudyAreaCount(session)},
+                {"analyses", CountOf(session.Manager().AnalysisCollection()->AnalysesGUIDsList())},
                 {"registry", RegistryPlace()},
-                {"catalogue_damaged", damaged}});
-    out.Section("damaged_catalogues", PreservedRecords(component.GetServices()));
+                {"registry_state", std::string(unread.value_or(RegistryCondition{}).Name())},
+                {"catalogue_damaged", unread ? Field() : Field(damaged)}});
+    if (unread) return Output::Tell("kvdm: " + RegistrySentence(*unread));
+    out.Section("damaged_catalogues", KeptCatalogues(services.platform));
     if (damaged) {
       Output::Tell(
           "kvdm: the catalogue of study areas in the registry is damaged and counts as empty. The "

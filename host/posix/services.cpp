@@ -2,7 +2,6 @@
 
 #include "host/os.h"
 #include "host/project_file.h"
-#include "host/stored_services.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/sqlite_registry.h"
 
@@ -15,12 +14,15 @@ Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
     out.Message(text);
   };
   options.log = [&out](std::string_view line) { out.Note(line); };
-  return ServicesOn<SqliteRegistry>(MakePosixPlatform(options));
+  return Watching(MakePosixPlatform(options));
 }
 
 std::string RegistryPlace() { return DefaultRegistryPath(); }
 
-std::string RegistryAdvice() { return "Run the command with --debug to see why."; }
+std::optional<std::string> SetRegistryAside(Output& out) {
+  const auto log = std::make_shared<CallbackLog>([&out](std::string_view line) { out.Note(line); });
+  return SqliteRegistry({}, log).SetAside();
+}
 
 std::filesystem::path RegistryLockFile() { return Beside(os::Absolute(RegistryPlace()), ".lock"); }
 

@@ -4,11 +4,9 @@
 
 #include "host/failure.h"
 #include "host/os.h"
-#include "host/stored_services.h"
 #include "platform/portable/portable_siblings.h"
 #include "platform/windows/com_siblings.h"
 #include "platform/windows/windows_platform.h"
-#include "platform/windows/windows_registry.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {
@@ -49,14 +47,12 @@ Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
   options.log = [&out](std::string_view line) { out.Note(line); };
   options.siblings = std::make_shared<AvailableSiblings>();
   if (!drives.empty()) out.Note("The project's folders for drives are not used on Windows.");
-  return ServicesOn<WindowsRegistry>(MakeWindowsPlatform(options));
+  return Watching(MakeWindowsPlatform(options));
 }
 
 std::string RegistryPlace() { return fmt::format("HKEY_LOCAL_MACHINE\\{}", kRegistryKey); }
 
-std::string RegistryAdvice() {
-  return "Users that are no administrators may not change them: start kvdm as one.";
-}
+std::optional<std::string> SetRegistryAside(Output&) { return std::nullopt; }
 
 std::filesystem::path RegistryLockFile() {
   const std::string folder = os::Environment("LOCALAPPDATA");

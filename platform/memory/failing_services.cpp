@@ -4,7 +4,7 @@ namespace kvdm {
 
 std::optional<RegistryValue> FailingRegistry::Read(RegistryRoot root, std::string_view key,
                                                    std::string_view name) {
-  return FailsNow() ? std::nullopt : Inner()->Read(root, key, name);
+  return Counted().Read(root, key, name);
 }
 
 bool FailingRegistry::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
@@ -12,9 +12,17 @@ bool FailingRegistry::WriteText(RegistryRoot root, std::string_view key, std::st
   return !FailsNow() && Inner()->WriteText(root, key, name, text);
 }
 
-void FailingRegistry::Preserve(RegistryRoot root, std::string_view key, std::string_view name) {
-  if (!FailsNow()) Inner()->Preserve(root, key, name);
+bool FailingRegistry::Update(RegistryRoot root, std::string_view key, std::string_view name,
+                             const TextUpdate& update) {
+  return !FailsNow() && Inner()->Update(root, key, name, update);
 }
+
+std::vector<KeptValue> FailingRegistry::Kept(RegistryRoot root, std::string_view key,
+                                             std::string_view name) {
+  return Counted().Kept(root, key, name);
+}
+
+RegistryCondition FailingRegistry::Condition() const { return Inner()->Condition(); }
 
 bool FailingRegistry::Holds(char32_t character) const { return Inner()->Holds(character); }
 

@@ -53,8 +53,12 @@ class FailingRegistry : public FailingService<Registry> {
                                     std::string_view name) override;
   bool WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                  std::string_view text) override;
-  void Preserve(RegistryRoot root, std::string_view key, std::string_view name) override;
-  // Not counted: it asks nothing of the system.
+  bool Update(RegistryRoot root, std::string_view key, std::string_view name,
+              const TextUpdate& update) override;
+  std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
+                              std::string_view name) override;
+  // Not counted: these ask nothing of the system.
+  [[nodiscard]] RegistryCondition Condition() const override;
   [[nodiscard]] bool Holds(char32_t character) const override;
 };
 

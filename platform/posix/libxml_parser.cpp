@@ -60,6 +60,9 @@ class Run {
     xmlCtxtReadMemory(context_, text.data(), static_cast<int>(text.size()), nullptr, nullptr,
                       XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC);
     if (thrown_) std::rethrow_exception(thrown_);
+    // Without memory the text was not judged. A well-formed one has an element.
+    const bool is_judged = context_->wellFormed == 0 || failed_ || has_element_;
+    if (!is_judged || context_->errNo == XML_ERR_NO_MEMORY) throw std::bad_alloc();
     return context_->wellFormed != 0 && !failed_;
   }
 
@@ -98,6 +101,7 @@ class Run {
   XmlHandler& handler_;
   std::size_t depth_ = 0;
   bool failed_ = false;
+  bool has_element_ = false;
   std::exception_ptr thrown_;
 };
 
@@ -121,6 +125,7 @@ void Run::OnStartElement(void* user_data, const xmlChar* local, const xmlChar* p
                          int attribute_count, int /*defaulted_count*/, const xmlChar** attributes) {
   Run& run = Of(user_data);
   run.Pass([&] {
+    run.has_element_ = true;
     if (++run.depth_ > xml::kMaxDepth) return false;
     XmlHandler::Attributes list;
     for (int i = 0; i < namespace_count; ++i, namespaces += 2) {

@@ -1,12 +1,13 @@
 #include "platform/posix/sqlite_database.h"
 
-#include "platform/error.h"
-
 namespace kvdm {
 namespace {
 
 [[noreturn]] void Fail(sqlite3* database) {
-  throw RuntimeError(kAutomationFailure, "SQLite", sqlite3_errmsg(database));
+  constexpr int kPrimaryCode = 0xFF;
+  throw SqliteError(sqlite3_errcode(database) & kPrimaryCode,
+                    {sqlite3_system_errno(database), std::generic_category()},
+                    sqlite3_errmsg(database));
 }
 
 // SQLite takes a null pointer for NULL, even where the size is 0.
@@ -77,6 +78,12 @@ void SqliteDatabase::Run(std::string_view sql) const { Prepare(sql).Step(); }
 std::int64_t SqliteDatabase::Number(std::string_view query) const {
   SqliteStatement statement = Prepare(query);
   return statement.Step() ? statement.Number(0) : 0;
+}
+
+bool SqliteDatabase::HasMoved() const {
+  int moved = 0;
+  sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return moved != 0;
 }
 
 }  // namespace kvdm

@@ -1,4 +1,4 @@
-// SQLite's handles, owned. Whatever fails is an automation failure with SQLite's own message.
+// SQLite's handles, owned. Whatever fails is a SqliteError with SQLite's own message.
 #pragma once
 
 #include <sqlite3.h>
@@ -8,8 +8,29 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
+
+#include "platform/error.h"
 
 namespace kvdm {
+
+// A failure of SQLite, as an automation failure.
+class SqliteError : public RuntimeError {
+ public:
+  SqliteError(int code, std::error_code system_error, const std::string& message)
+      : RuntimeError(kAutomationFailure, "SQLite", message),
+        code_(code),
+        system_error_(system_error) {}
+
+  // SQLite's result code without its extension, such as SQLITE_BUSY.
+  [[nodiscard]] int Code() const { return code_; }
+  // What the system answered last.
+  [[nodiscard]] std::error_code SystemError() const { return system_error_; }
+
+ private:
+  int code_;
+  std::error_code system_error_;
+};
 
 class SqliteStatement {
  public:
@@ -51,6 +72,8 @@ class SqliteDatabase {
   void Run(std::string_view sql) const;
   // The number in the first row of `query`.
   [[nodiscard]] std::int64_t Number(std::string_view query) const;
+  // Whether the open file is no longer the one that its path leads to.
+  [[nodiscard]] bool HasMoved() const;
 
  private:
   struct Closer {

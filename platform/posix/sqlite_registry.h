@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,22 +16,25 @@ namespace kvdm {
 
 class SqliteDatabase;
 
+// How long an operation waits for other processes.
+inline constexpr std::chrono::seconds kRegistryPatience{10};
+
 struct SqliteRegistryOptions {
   // The database file; "" for DefaultRegistryPath().
   std::string path;
   CodePage code_page = CodePage::kUtf8;
-  // How long an operation waits for other processes.
-  std::chrono::milliseconds busy_timeout = std::chrono::seconds(10);
+  std::chrono::milliseconds busy_timeout = kRegistryPatience;
 };
 
 // $KVDM_REGISTRY, else kvdm/registry.db in the user's data folder.
 [[nodiscard]] std::string DefaultRegistryPath();
 
-// The file is opened for each operation and created, with its folder, by the first write. Several
-// processes may use it at once; a write is there as a whole or not at all.
+// The file is opened for each operation and created, with its folder, by the first write; only its
+// user may read it. Several processes may use it at once; a write is there as a whole or not at
+// all, and on the disk when it was answered.
 //
-// What fails is noted in the log: a read then answers nothing and a write false. A file that is
-// damaged, belongs to another program or was written by a newer version is never written to.
+// A file that is damaged, empty, belongs to another program or was written by a newer version is
+// never written to.
 class SqliteRegistry : public Registry {
  public:
   SqliteRegistry(SqliteRegistryOptions options, std::shared_ptr<Log> log);
@@ -39,26 +43,41 @@ class SqliteRegistry : public Registry {
                                     std::string_view name) override;
   bool WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                  std::string_view text) override;
-  void Preserve(RegistryRoot root, std::string_view key, std::string_view name) override;
+  bool Update(RegistryRoot root, std::string_view key, std::string_view name,
+              const TextUpdate& update) override;
+  std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
+                              std::string_view name) override;
+  [[nodiscard]] RegistryCondition Condition() const override { return condition_; }
   [[nodiscard]] bool Holds(char32_t character) const override;
 
-  // What was preserved of a value, the oldest first.
-  std::vector<PreservedValue> Preserved(RegistryRoot root, std::string_view key,
-                                        std::string_view name);
+  // Renames a file that is damaged or no database, so that the next write makes a new one, and
+  // answers its new path: the old one, ".damaged-" and the date and time. Nothing, and the file
+  // stays, in any other state.
+  std::optional<std::string> SetAside();
 
  private:
-  // What `operation` answers; `neutral`, and a line in the log, when it fails.
-  template <class Result, class Operation>
-  Result Noting(Result neutral, Operation operation) const;
+  // Whether `operation` ended without an error, which otherwise is noted.
+  template <class Operation>
+  bool Done(Operation operation);
 
-  // The database, when it is there and holds a store.
+  // The database, when it is there.
   [[nodiscard]] std::unique_ptr<SqliteDatabase> OpenForReading() const;
-  // The database with an open transaction, and a store in it.
+  // The database with an open transaction.
   [[nodiscard]] std::unique_ptr<SqliteDatabase> BeginWriting() const;
+  void Create() const;
+  void Put(const SqliteDatabase& database, RegistryRoot root, std::string_view key,
+           std::string_view name, std::string_view text) const;
+  // Keeps what is to be kept, and forgets the oldest where that is too much.
+  void Keep(const SqliteDatabase& database, RegistryRoot root, std::string_view key,
+            std::string_view name, const TextUpdate::Outcome& outcome) const;
+  [[nodiscard]] std::optional<RegistryValue> ValueIn(const SqliteDatabase& database,
+                                                     RegistryRoot root, std::string_view key,
+                                                     std::string_view name) const;
   [[nodiscard]] RegistryValue Decoded(RegistryType type, std::string bytes) const;
 
   SqliteRegistryOptions options_;
   std::shared_ptr<Log> log_;
+  RegistryCondition condition_;
 };
 
 }  // namespace kvdm

@@ -2,12 +2,21 @@
 
 #include "platform/windows/ansi.h"
 #include "platform/windows/utf16.h"
+#include "platform/windows/win32_error.h"
 
 namespace kvdm {
 namespace {
 
 HKEY HandleOf(RegistryRoot root) {
   return root == RegistryRoot::kLocalMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+}
+
+bool IsMissing(LSTATUS status) {
+  return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND;
+}
+
+void Require(LSTATUS status) {
+  if (status != ERROR_SUCCESS) ThrowSystemError(static_cast<DWORD>(status));
 }
 
 // What `query` fills in: it takes a type, a buffer and the buffer's size, which it changes to the
@@ -24,7 +33,8 @@ std::optional<StoredValue> Queried(const Query& query) {
     value.bytes.resize(size);
     return value;
   }
-  return std::nullopt;
+  if (IsMissing(status)) return std::nullopt;
+  ThrowSystemError(static_cast<DWORD>(status));
 }
 
 const BYTE* BytesOf(const std::string& data) { return reinterpret_cast<const BYTE*>(data.data()); }
@@ -34,16 +44,15 @@ const BYTE* BytesOf(const std::string& data) { return reinterpret_cast<const BYT
 std::optional<RegistryKey> RegistryKey::Open(RegistryRoot root, std::string_view path) {
   HKEY key = nullptr;
   const LSTATUS status = ::RegOpenKeyExA(HandleOf(root), ToAnsi(path).c_str(), 0, KEY_READ, &key);
-  if (status != ERROR_SUCCESS) return std::nullopt;
+  if (IsMissing(status)) return std::nullopt;
+  Require(status);
   return RegistryKey(key);
 }
 
-std::optional<RegistryKey> RegistryKey::Create(RegistryRoot root, std::string_view path) {
+RegistryKey RegistryKey::Create(RegistryRoot root, std::string_view path) {
   HKEY key = nullptr;
-  const LSTATUS status =
-      ::RegCreateKeyExA(HandleOf(root), ToAnsi(path).c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        KEY_READ | KEY_WRITE, nullptr, &key, nullptr);
-  if (status != ERROR_SUCCESS) return std::nullopt;
+  Require(::RegCreateKeyExA(HandleOf(root), ToAnsi(path).c_str(), 0, nullptr,
+                            REG_OPTION_NON_VOLATILE, KEY_READ | KEY_WRITE, nullptr, &key, nullptr));
   return RegistryKey(key);
 }
 
@@ -58,9 +67,9 @@ std::optional<StoredValue> RegistryKey::ReadAnsi(std::string_view name) const {
   });
 }
 
-bool RegistryKey::WriteAnsi(std::string_view name, const std::string& text) const {
-  return ::RegSetValueExA(key_, ToAnsi(name).c_str(), 0, REG_SZ, BytesOf(text),
-                          static_cast<DWORD>(text.size())) == ERROR_SUCCESS;
+void RegistryKey::WriteAnsi(std::string_view name, const std::string& text) const {
+  Require(::RegSetValueExA(key_, ToAnsi(name).c_str(), 0, REG_SZ, BytesOf(text),
+                           static_cast<DWORD>(text.size())));
 }
 
 std::optional<StoredValue> RegistryKey::Read(std::string_view name) const {
@@ -70,9 +79,13 @@ std::optional<StoredValue> RegistryKey::Read(std::string_view name) const {
   });
 }
 
-bool RegistryKey::Write(std::string_view name, const StoredValue& value) const {
-  return ::RegSetValueExW(key_, ToUtf16(name).c_str(), 0, value.type, BytesOf(value.bytes),
-                          static_cast<DWORD>(value.bytes.size())) == ERROR_SUCCESS;
+void RegistryKey::Write(std::string_view name, const StoredValue& value) const {
+  Require(::RegSetValueExW(key_, ToUtf16(name).c_str(), 0, value.type, BytesOf(value.bytes),
+                           static_cast<DWORD>(value.bytes.size())));
+}
+
+void RegistryKey::Delete(std::string_view name) const {
+  Require(::RegDeleteValueW(key_, ToUtf16(name).c_str()));
 }
 
 std::vector<std::string> RegistryKey::ValueNames() const {

@@ -1,4 +1,4 @@
-// An open key of the registry.
+// An open key of the registry. Failures are std::system_error.
 #pragma once
 
 #include <windows.h>
@@ -22,10 +22,10 @@ struct StoredValue {
 
 class RegistryKey {
  public:
-  // Nothing when the key is missing or can't be read.
+  // Nothing when the key is missing.
   static std::optional<RegistryKey> Open(RegistryRoot root, std::string_view path);
-  // Creates the key where it is missing. Nothing when the registry refuses.
-  static std::optional<RegistryKey> Create(RegistryRoot root, std::string_view path);
+  // Creates the key where it is missing.
+  static RegistryKey Create(RegistryRoot root, std::string_view path);
 
   RegistryKey(RegistryKey&& other) noexcept : key_(std::exchange(other.key_, nullptr)) {}
   RegistryKey& operator=(RegistryKey&& other) noexcept {
@@ -36,15 +36,16 @@ class RegistryKey {
   RegistryKey& operator=(const RegistryKey&) = delete;
   ~RegistryKey();
 
-  // The value with a text's bytes in the ANSI code page.
+  // The value with a text's bytes in the ANSI code page; nothing when it is missing.
   [[nodiscard]] std::optional<StoredValue> ReadAnsi(std::string_view name) const;
   // Stores a text whose bytes are in the ANSI code page. The registry adds a NUL of its own, unless
-  // the text is empty or ends with one. False when it refuses.
-  [[nodiscard]] bool WriteAnsi(std::string_view name, const std::string& text) const;
+  // the text is empty or ends with one.
+  void WriteAnsi(std::string_view name, const std::string& text) const;
 
   // The value with the very bytes that the registry keeps.
   [[nodiscard]] std::optional<StoredValue> Read(std::string_view name) const;
-  [[nodiscard]] bool Write(std::string_view name, const StoredValue& value) const;
+  void Write(std::string_view name, const StoredValue& value) const;
+  void Delete(std::string_view name) const;
 
   [[nodiscard]] std::vector<std::string> ValueNames() const;
 

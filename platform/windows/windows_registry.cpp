@@ -1,21 +1,62 @@
 #include "platform/windows/windows_registry.h"
 
+#include <sddl.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <string>
+#include <system_error>
 #include <tuple>
 
 #include "platform/windows/ansi.h"
 #include "platform/windows/registry_key.h"
+#include "platform/windows/utf16.h"
+#include "platform/windows/win32_error.h"
 
 namespace kvdm {
 namespace {
 
 // The length of "2026-11-15T07:35:30Z".
 constexpr std::size_t kTimeLength = 20;
+
+// How long an update waits for those of other processes.
+constexpr DWORD kPatience = 10'000;  // milliseconds
+
+// Holds off all updates of the machine's registry while it lives. Any user may take it. Whoever
+// ended while holding it left the registry as it is after each write, which is good.
+class UpdateLock {
+ public:
+  UpdateLock() {
+    // Everybody may wait for it and let it go.
+    constexpr wchar_t kRights[] = L"D:(A;;GA;;;SY)(A;;GA;;;BA)(A;;0x00100001;;;WD)";
+    PSECURITY_DESCRIPTOR rights = nullptr;
+    if (::ConvertStringSecurityDescriptorToSecurityDescriptorW(kRights, SDDL_REVISION_1, &rights,
+                                                               nullptr) == FALSE) {
+      ThrowLastError();
+    }
+    const std::unique_ptr<void, decltype(&::LocalFree)> owned(rights, &::LocalFree);
+    SECURITY_ATTRIBUTES security{sizeof security, rights, FALSE};
+    mutex_.reset(::CreateMutexExW(&security, L"Global\\Velk.Kelvaro.Registry", 0,
+                                  SYNCHRONIZE | MUTEX_MODIFY_STATE));
+    if (!mutex_) ThrowLastError();
+    const DWORD result = ::WaitForSingleObject(mutex_.get(), kPatience);
+    if (result == WAIT_FAILED) ThrowLastError();
+    if (result == WAIT_TIMEOUT) ThrowSystemError(ERROR_BUSY);
+  }
+  UpdateLock(const UpdateLock&) = delete;
+  UpdateLock& operator=(const UpdateLock&) = delete;
+  ~UpdateLock() { ::ReleaseMutex(mutex_.get()); }
+
+ private:
+  struct Closer {
+    void operator()(HANDLE handle) const { ::CloseHandle(handle); }
+  };
+
+  std::unique_ptr<void, Closer> mutex_;
+};
 
 std::string UtcNow() {
   SYSTEMTIME now{};
@@ -38,8 +79,21 @@ RegistryValue Decoded(StoredValue stored) {
   return {type, FromAnsi(stored.bytes)};
 }
 
-// The names of what was preserved, the oldest first: the time, and a number where there would
-// otherwise be several of one time.
+std::optional<RegistryValue> ValueIn(const RegistryKey& key, std::string_view name) {
+  auto stored = key.ReadAnsi(name);
+  if (!stored) return std::nullopt;
+  return Decoded(std::move(*stored));
+}
+
+// A text with every character, whatever the code page.
+StoredValue Stored(std::string_view text) {
+  const std::wstring wide = ToUtf16(text);
+  return {REG_SZ,
+          {reinterpret_cast<const char*>(wide.c_str()), (wide.size() + 1) * sizeof(wchar_t)}};
+}
+
+// The names of what was kept, the oldest first: the time, and a number where there would otherwise
+// be several of one time.
 std::vector<std::string> NamesIn(const RegistryKey& history) {
   std::vector<std::string> names = history.ValueNames();
   std::ranges::sort(names, {}, [](const std::string& name) {
@@ -48,41 +102,74 @@ std::vector<std::string> NamesIn(const RegistryKey& history) {
   return names;
 }
 
-bool Keep(const RegistryKey& history, const StoredValue& value) {
+// The same content is kept once.
+void Keep(const RegistryKey& history, const StoredValue& value) {
+  for (const std::string& name : history.ValueNames()) {
+    if (history.Read(name) == value) history.Delete(name);
+  }
   const std::string now = UtcNow();
-  std::string name = now;
-  for (int number = 2; history.Read(name); ++number) name = now + " " + std::to_string(number);
-  return history.Write(name, value);
+  int number = 1;
+  for (const std::string& name : NamesIn(history)) {
+    if (!name.starts_with(now)) continue;
+    number = name.size() > kTimeLength ? std::stoi(name.substr(kTimeLength)) + 1 : 2;
+  }
+  history.Write(number == 1 ? now : now + " " + std::to_string(number), value);
 }
 
-bool Has(const RegistryKey& history, const StoredValue& value) {
-  return std::ranges::any_of(history.ValueNames(),
-                             [&](const std::string& name) { return history.Read(name) == value; });
+void ForgetOldest(const RegistryKey& history) {
+  const auto names = NamesIn(history);
+  std::size_t bytes = 0;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const std::string& name = names[names.size() - 1 - i];
+    bytes += history.Read(name).value_or(StoredValue{}).bytes.size();
+    if (i > 0 && (i >= kMostKeptValues || bytes > kMostKeptBytes)) history.Delete(name);
+  }
+}
+
+RegistryState StateOf(const std::error_code& error) {
+  switch (error.value()) {
+    case ERROR_ACCESS_DENIED:
+      return RegistryState::kForbidden;
+    case ERROR_BUSY:
+      return RegistryState::kBusy;
+    default:
+      return RegistryState::kFailing;
+  }
 }
 
 }  // namespace
 
 std::optional<RegistryValue> WindowsRegistry::Read(RegistryRoot root, std::string_view key,
                                                    std::string_view name) {
-  const auto open_key = RegistryKey::Open(root, key);
-  auto stored = open_key ? open_key->ReadAnsi(name) : std::nullopt;
-  if (!stored) return std::nullopt;
-  return Decoded(std::move(*stored));
+  std::optional<RegistryValue> value;
+  const bool done = Done(key, name, [&] {
+    if (const auto open_key = RegistryKey::Open(root, key)) value = ValueIn(*open_key, name);
+  });
+  if (!done) ThrowUnreadable(condition_);
+  return value;
 }
 
 bool WindowsRegistry::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                                 std::string_view text) {
-  const auto open_key = RegistryKey::Create(root, key);
-  return NotedUnless(open_key && open_key->WriteAnsi(name, ToAnsi(text)), key, name);
+  return Done(key, name, [&] { RegistryKey::Create(root, key).WriteAnsi(name, ToAnsi(text)); });
 }
 
-void WindowsRegistry::Preserve(RegistryRoot root, std::string_view key, std::string_view name) {
-  const auto open_key = RegistryKey::Open(root, key);
-  const auto value = open_key ? open_key->Read(name) : std::nullopt;
-  if (!value) return;
-  const std::string history_key = HistoryOf(key, name);
-  const auto history = RegistryKey::Create(root, history_key);
-  NotedUnless(history && (Has(*history, *value) || Keep(*history, *value)), history_key, name);
+bool WindowsRegistry::Update(RegistryRoot root, std::string_view key, std::string_view name,
+                             const TextUpdate& update) {
+  return Done(key, name, [&] {
+    const UpdateLock lock;
+    const auto open_key = RegistryKey::Create(root, key);
+    const auto stored = ValueIn(open_key, name);
+    const auto outcome = update.On(stored);
+    if (stored == RegistryValue{RegistryType::kText, outcome.text}) return;
+    if (outcome.keeps_stored || !outcome.kept.empty()) {
+      const auto history = RegistryKey::Create(root, HistoryOf(key, name));
+      if (outcome.keeps_stored) Keep(history, open_key.Read(name).value());
+      for (const std::string& text : outcome.kept) Keep(history, Stored(text));
+      ForgetOldest(history);
+    }
+    open_key.WriteAnsi(name, ToAnsi(outcome.text));
+  });
 }
 
 // Programs with another code page read what this one writes.
@@ -90,21 +177,35 @@ bool WindowsRegistry::Holds(char32_t character) const {
   return HasAnsi(character) && HasAnsi(character, MachineCodePage());
 }
 
-std::vector<PreservedValue> WindowsRegistry::Preserved(RegistryRoot root, std::string_view key,
-                                                       std::string_view name) const {
-  std::vector<PreservedValue> values;
-  const auto history = RegistryKey::Open(root, HistoryOf(key, name));
-  if (!history) return values;
-  for (const std::string& entry : NamesIn(*history)) {
-    auto stored = history->ReadAnsi(entry);
-    if (stored) values.push_back({entry.substr(0, kTimeLength), Decoded(std::move(*stored))});
-  }
+std::vector<KeptValue> WindowsRegistry::Kept(RegistryRoot root, std::string_view key,
+                                             std::string_view name) {
+  std::vector<KeptValue> values;
+  const bool done = Done(key, name, [&] {
+    const auto history = RegistryKey::Open(root, HistoryOf(key, name));
+    if (!history) return;
+    for (const std::string& entry : NamesIn(*history)) {
+      auto stored = history->ReadAnsi(entry);
+      if (stored) values.push_back({entry.substr(0, kTimeLength), Decoded(std::move(*stored))});
+    }
+  });
+  if (!done) ThrowUnreadable(condition_);
   return values;
 }
 
-bool WindowsRegistry::NotedUnless(bool done, std::string_view key, std::string_view name) const {
-  if (!done) log_->Note("The registry refuses " + std::string(key) + ", " + std::string(name));
-  return done;
+template <class Operation>
+bool WindowsRegistry::Done(std::string_view key, std::string_view name, Operation operation) {
+  try {
+    condition_ = {};
+    operation();
+    return true;
+  } catch (const std::exception& error) {
+    const auto* system = dynamic_cast<const std::system_error*>(&error);
+    condition_ = {system != nullptr ? StateOf(system->code()) : RegistryState::kFailing,
+                  error.what()};
+    log_->Note("The registry refuses " + std::string(key) + ", " + std::string(name) + ": " +
+               error.what());
+    return false;
+  }
 }
 
 }  // namespace kvdm

@@ -1,8 +1,10 @@
 // What every registry does.
 #include <gtest/gtest.h>
 
+#include "platform/error.h"
 #include "platform/memory/memory_registry.h"
 #include "tests/contract/implementations.h"
+#include "tests/replacing_update.h"
 
 namespace kvdm {
 namespace {
@@ -33,6 +35,14 @@ class RegistryContractTest : public testing::TestWithParam<RegistryMaker> {
   static std::string RoundTrip(Registry& registry, std::string_view text) {
     EXPECT_TRUE(registry.WriteText(kMachine, kKey, "Value", text));
     return registry.Read(kMachine, kKey, "Value").value_or(RegistryValue{}).data;
+  }
+
+  static std::vector<std::string> KeptTexts(Registry& registry) {
+    std::vector<std::string> texts;
+    for (const auto& kept : registry.Kept(kMachine, kKey, "StudyAreaCollection")) {
+      texts.push_back(kept.value.data);
+    }
+    return texts;
   }
 
  private:
@@ -121,17 +131,48 @@ TEST_P(RegistryContractTest, LongTextsAreKept) {
   EXPECT_TRUE(RoundTrip(*Make(), text) == text);
 }
 
-TEST_P(RegistryContractTest, PreservingLeavesTheValueAsItIs) {
+TEST_P(RegistryContractTest, AnUpdateSeesAndKeepsWhatIsStored) {
   const auto registry = Make();
   ASSERT_TRUE(registry->WriteText(kMachine, kKey, "StudyAreaCollection", "<broken"));
-  registry->Preserve(kMachine, kKey, "StudyAreaCollection");
-  EXPECT_EQ(registry->Read(kMachine, kKey, "StudyAreaCollection")->data, "<broken");
+  Replacing update("<A/>");
+  update.kept = {"<B/>"};
+  EXPECT_TRUE(registry->Update(kMachine, kKey, "StudyAreaCollection", update));
+  EXPECT_EQ(registry->Read(kMachine, kKey, "StudyAreaCollection")->data, "<A/>");
+  EXPECT_EQ(KeptTexts(*registry), (std::vector<std::string>{"<broken", "<B/>"}));
 }
 
-TEST_P(RegistryContractTest, PreservingAMissingValueCreatesNothing) {
+TEST_P(RegistryContractTest, AnUpdateOfAMissingValueCreatesIt) {
   const auto registry = Make();
-  registry->Preserve(kMachine, kKey, "StudyAreaCollection");
-  EXPECT_EQ(registry->Read(kMachine, kKey, "StudyAreaCollection"), std::nullopt);
+  EXPECT_TRUE(registry->Update(kMachine, kKey, "StudyAreaCollection", Replacing("<A/>")));
+  EXPECT_EQ(registry->Read(kMachine, kKey, "StudyAreaCollection")->data, "<A/>");
+  EXPECT_EQ(KeptTexts(*registry), std::vector<std::string>());
+}
+
+TEST_P(RegistryContractTest, TheSameContentIsKeptOnce) {
+  const auto registry = Make();
+  for (const auto* text : {"one", "two", "one", "two"}) {
+    ASSERT_TRUE(registry->Update(kMachine, kKey, "StudyAreaCollection", Replacing(text)));
+  }
+  EXPECT_EQ(KeptTexts(*registry), (std::vector<std::string>{"two", "one"}));
+}
+
+// An update that finds the stored value not to its liking.
+class Refusing final : public TextUpdate {
+ public:
+  [[nodiscard]] std::vector<Piece> Base() const override { return {}; }
+  [[nodiscard]] std::vector<Piece> Wanted() const override { return {}; }
+  [[nodiscard]] Outcome On(const std::optional<RegistryValue>&) const override {
+    throw RuntimeError(kOutOfMemory);
+  }
+};
+
+TEST_P(RegistryContractTest, AnUpdateThatRefusesLeavesTheValue) {
+  const auto registry = Make();
+  ASSERT_TRUE(registry->WriteText(kMachine, kKey, "StudyAreaCollection", "<A/>"));
+  EXPECT_FALSE(registry->Update(kMachine, kKey, "StudyAreaCollection", Refusing()));
+  EXPECT_NE(registry->Condition().state, RegistryState::kReady);
+  EXPECT_EQ(registry->Read(kMachine, kKey, "StudyAreaCollection")->data, "<A/>");
+  EXPECT_EQ(registry->Condition().state, RegistryState::kReady);
 }
 
 }  // namespace

@@ -19,13 +19,19 @@ using testing::IsEmpty;
 constexpr char kDamaged[] = "<STUDYAREACOLLECTION><STUDYAREA NAME=\"_North_\"/>";
 constexpr char kEmptyCatalogue[] = "<STUDYAREACOLLECTION/>\r\n";
 
+// What was kept of the catalogue.
+std::vector<KeptValue> Kept(const MemoryPlatform& platform) {
+  return platform.registry->Kept(RegistryRoot::kLocalMachine, R"(Software\Velk\Kelvaro)",
+                                 "StudyAreaCollection");
+}
+
 // A registry whose writes end in an error.
 class BrokenRegistry : public FailingRegistry {
  public:
   BrokenRegistry(std::shared_ptr<Registry> inner, std::function<void()> fails)
       : FailingRegistry(std::move(inner), std::make_shared<FailureCounter>()),
         fails_(std::move(fails)) {}
-  bool WriteText(RegistryRoot, std::string_view, std::string_view, std::string_view) override {
+  bool Update(RegistryRoot, std::string_view, std::string_view, const TextUpdate&) override {
     fails_();
     return true;
   }
@@ -96,14 +102,11 @@ TEST(FlushTest, ADamagedCatalogueListsNothing) {
 TEST(FlushTest, ADamagedCatalogueIsPreservedOnceBeforeItIsOverwritten) {
   TestWorld world;
   world.LoadCatalogue(kDamaged);
-  EXPECT_THAT(world.platform.registry->Preserved(), IsEmpty());
+  EXPECT_THAT(Kept(world.platform), IsEmpty());
   world.manager->Flush();
   world.manager->Flush();
-  const auto& preserved = world.platform.registry->Preserved();
+  const auto preserved = Kept(world.platform);
   ASSERT_EQ(preserved.size(), 1U);
-  EXPECT_EQ(preserved[0].root, RegistryRoot::kLocalMachine);
-  EXPECT_EQ(preserved[0].key, R"(Software\Velk\Kelvaro)");
-  EXPECT_EQ(preserved[0].name, "StudyAreaCollection");
   EXPECT_EQ(preserved[0].value, (RegistryValue{RegistryType::kText, kDamaged}));
   EXPECT_EQ(world.StoredCatalogue(), "");
 }
@@ -116,7 +119,7 @@ TEST(FlushTest, AfterADamagedCatalogueTheNextStartBeginsAnew) {
   EXPECT_TRUE(world.manager->StudyAreaCollection()->CreateStudyArea("South"));
   world.Restart();
   EXPECT_THAT(Texts(world.manager->StudyAreaCollection()->StudyAreasList()), ElementsAre("South"));
-  EXPECT_EQ(world.platform.registry->Preserved().size(), 1U);
+  EXPECT_EQ(Kept(world.platform).size(), 1U);
 }
 
 TEST(FlushTest, AValueThatIsNoStringIsPreservedToo) {
@@ -125,8 +128,8 @@ TEST(FlushTest, AValueThatIsNoStringIsPreservedToo) {
                          RegistryType::kExpandText, "<STUDYAREACOLLECTION A=\"1\"/>");
   KVDataManager manager(platform.Bundle());
   manager.Flush();
-  ASSERT_EQ(platform.registry->Preserved().size(), 1U);
-  EXPECT_EQ(platform.registry->Preserved()[0].value.type, RegistryType::kExpandText);
+  ASSERT_EQ(Kept(platform).size(), 1U);
+  EXPECT_EQ(Kept(platform)[0].value.type, RegistryType::kExpandText);
   EXPECT_EQ(
       platform.registry->Read(RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue),
       (RegistryValue{RegistryType::kText, kEmptyCatalogue}));
@@ -137,11 +140,11 @@ TEST(FlushTest, ACatalogueThatWasUnderstoodIsNotPreserved) {
     TestWorld world;
     world.LoadCatalogue(text);
     world.manager->Flush();
-    EXPECT_THAT(world.platform.registry->Preserved(), IsEmpty()) << text;
+    EXPECT_THAT(Kept(world.platform), IsEmpty()) << text;
   }
   TestWorld without;
   without.manager->Flush();
-  EXPECT_THAT(without.platform.registry->Preserved(), IsEmpty());
+  EXPECT_THAT(Kept(without.platform), IsEmpty());
 }
 
 TEST(FlushTest, KeepsWhatItDoesNotKnowByteForByte) {

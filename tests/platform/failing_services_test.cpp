@@ -8,6 +8,7 @@
 #include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/portable/variant_list.h"
+#include "tests/replacing_update.h"
 #include "tests/throws_number.h"
 
 namespace kvdm {
@@ -50,15 +51,15 @@ TEST_F(FailingServicesTest, AllServicesShareTheCounter) {
   EXPECT_RUNTIME_ERROR(failing_.gis_core->CreateIdentifier(), kPermissionDenied);
 }
 
-TEST_F(FailingServicesTest, TheRegistryAnswersNeutralResults) {
+TEST_F(FailingServicesTest, TheRegistryCantBeReadAndRefusesWrites) {
   ASSERT_TRUE(failing_.registry->WriteText(kMachine, "Key", "Name", "old"));
   FailNext();
-  EXPECT_EQ(failing_.registry->Read(kMachine, "Key", "Name"), std::nullopt);
+  EXPECT_RUNTIME_ERROR(static_cast<void>(failing_.registry->Read(kMachine, "Key", "Name")),
+                       kPermissionDenied);
   FailNext();
   EXPECT_FALSE(failing_.registry->WriteText(kMachine, "Key", "Name", "new"));
   FailNext();
-  failing_.registry->Preserve(kMachine, "Key", "Name");
-  EXPECT_THAT(world_.registry->Preserved(), IsEmpty());
+  EXPECT_FALSE(failing_.registry->Update(kMachine, "Key", "Name", Replacing("new")));
   EXPECT_EQ(world_.registry->Read(kMachine, "Key", "Name")->data, "old");
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/replacing_update.h"
+#include "tests/throws_number.h"
+
 namespace kvdm {
 namespace {
 
@@ -30,15 +33,15 @@ TEST(MemoryRegistryTest, ARefusedWriteLeavesTheOldValue) {
   EXPECT_EQ(registry.Read(kMachine, "Software", "Alias")->data, "old");
 }
 
-TEST(MemoryRegistryTest, PreservesEachContentOnce) {
+TEST(MemoryRegistryTest, WhatCantBeReadIsNotUpdated) {
   MemoryRegistry registry;
-  for (const auto* text : {"one", "one", "two", "one"}) {
-    registry.WriteText(kMachine, "Software", "Alias", text);
-    registry.Preserve(kMachine, "software", "ALIAS");
-  }
-  ASSERT_EQ(registry.Preserved().size(), 2U);
-  EXPECT_EQ(registry.Preserved()[0].value.data, "one");
-  EXPECT_EQ(registry.Preserved()[1].value.data, "two");
+  ASSERT_TRUE(registry.WriteText(kMachine, "Software", "Alias", "old"));
+  registry.SetReadable(false);
+  EXPECT_RUNTIME_ERROR(static_cast<void>(registry.Read(kMachine, "Software", "Alias")),
+                       kDeviceUnavailable);
+  EXPECT_FALSE(registry.Update(kMachine, "Software", "Alias", Replacing("new")));
+  registry.SetReadable(true);
+  EXPECT_EQ(registry.Read(kMachine, "Software", "Alias")->data, "old");
 }
 
 }  // namespace

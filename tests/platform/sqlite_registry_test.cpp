@@ -12,6 +12,7 @@
 
 #include "platform/memory/recording_sinks.h"
 #include "platform/posix/sqlite_database.h"
+#include "tests/replacing_update.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm {
@@ -47,14 +48,28 @@ class SqliteRegistryTest : public testing::Test {
     return {path_, SqliteDatabase::Access::kCreate, std::chrono::seconds(0)};
   }
 
-  // The file refuses a write and then answers a read with nothing, and is the same afterwards.
-  void ExpectRefused() {
+  // The file refuses a write, a read and an update in the same state, and is the same afterwards.
+  void ExpectRefused(RegistryState state) {
     const std::string before = ReadRaw();
     SqliteRegistry registry = Make();
     EXPECT_FALSE(registry.WriteText(kMachine, kKey, "Alias", "Shops"));
-    EXPECT_EQ(registry.Read(kMachine, kKey, "Alias"), std::nullopt);
-    EXPECT_THAT(log_->Lines(), SizeIs(2));
+    EXPECT_EQ(registry.Condition().state, state);
+    EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
+    EXPECT_EQ(registry.Condition().state, state);
+    EXPECT_FALSE(registry.Update(kMachine, kKey, "Alias", Replacing("Shops")));
+    EXPECT_EQ(registry.Condition().state, state);
+    EXPECT_THAT(log_->Lines(), SizeIs(3));
     EXPECT_TRUE(ReadRaw() == before);
+  }
+
+  // The number of the error with which a read ends; 0 when it does not.
+  static std::int32_t ReadError(SqliteRegistry& registry) {
+    try {
+      static_cast<void>(registry.Read(kMachine, kKey, "Alias"));
+      return 0;
+    } catch (const RuntimeError& error) {
+      return error.number();
+    }
   }
 
   TempFolder folder_;
@@ -66,8 +81,7 @@ TEST_F(SqliteRegistryTest, ReadingCreatesNothing) {
   path_ = folder_.Path("not/there/registry.db");
   SqliteRegistry registry = Make();
   EXPECT_EQ(registry.Read(kMachine, kKey, "Alias"), std::nullopt);
-  registry.Preserve(kMachine, kKey, "Alias");
-  EXPECT_THAT(registry.Preserved(kMachine, kKey, "Alias"), IsEmpty());
+  EXPECT_THAT(registry.Kept(kMachine, kKey, "Alias"), IsEmpty());
   EXPECT_TRUE(fs::is_empty(folder_.Path()));
   EXPECT_THAT(log_->Lines(), IsEmpty());
 }
@@ -91,11 +105,27 @@ TEST_F(SqliteRegistryTest, BytesAreThoseOfTheCodePageWithoutAnEnd) {
   EXPECT_EQ(row.Bytes(0), "\x80\xFC");
 }
 
-TEST_F(SqliteRegistryTest, AnEmptyFileIsAnEmptyRegistry) {
+TEST_F(SqliteRegistryTest, AFileThatWasCutToNothingIsDamaged) {
   WriteRaw("");
-  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias"), std::nullopt);
-  EXPECT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
-  EXPECT_THAT(log_->Lines(), IsEmpty());
+  ExpectRefused(RegistryState::kDamaged);
+}
+
+TEST_F(SqliteRegistryTest, TheFileIsItsUsersAlone) {
+  path_ = folder_.Path("new/registry.db");
+  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  EXPECT_EQ(fs::status(path_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(fs::status(folder_.Path("new")).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path("new")), {}), 1);
+}
+
+TEST_F(SqliteRegistryTest, NamesThatSqliteKeepsInMemoryAreRefused) {
+  for (const auto* name : {":memory:", "file:x?mode=memory"}) {
+    path_ = name;
+    EXPECT_FALSE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+    SqliteRegistry registry = Make();
+    EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
+    EXPECT_EQ(registry.Condition().state, RegistryState::kForbidden);
+  }
 }
 
 TEST_F(SqliteRegistryTest, ValuesOfOtherTypesAreRead) {
@@ -107,12 +137,12 @@ TEST_F(SqliteRegistryTest, ValuesOfOtherTypesAreRead) {
 
 TEST_F(SqliteRegistryTest, AShortFileThatIsNoDatabaseIsLeftAlone) {
   WriteRaw("my notes");
-  ExpectRefused();
+  ExpectRefused(RegistryState::kNotADatabase);
 }
 
 TEST_F(SqliteRegistryTest, ALongFileThatIsNoDatabaseIsLeftAlone) {
   WriteRaw(std::string(100'000, 'x'));
-  ExpectRefused();
+  ExpectRefused(RegistryState::kNotADatabase);
 }
 
 TEST_F(SqliteRegistryTest, ADamagedDatabaseIsLeftAlone) {
@@ -120,20 +150,21 @@ TEST_F(SqliteRegistryTest, ADamagedDatabaseIsLeftAlone) {
   constexpr std::size_t kHeaderBytes = 100;
   const std::size_t size = ReadRaw().size();
   WriteRaw(ReadRaw().substr(0, kHeaderBytes) + std::string(size - kHeaderBytes, '\xEE'));
-  ExpectRefused();
+  ExpectRefused(RegistryState::kDamaged);
 }
 
 TEST_F(SqliteRegistryTest, AnotherProgramsDatabaseIsLeftAlone) {
   OpenDatabase().Run("CREATE TABLE songs(title TEXT)");
-  ExpectRefused();
+  ExpectRefused(RegistryState::kForeign);
   EXPECT_THAT(log_->Lines()[0], HasSubstr("another program"));
 }
 
 TEST_F(SqliteRegistryTest, AFolderInItsPlaceIsRefused) {
   fs::create_directory(path_);
-  EXPECT_FALSE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
-  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias"), std::nullopt);
-  EXPECT_THAT(log_->Lines(), SizeIs(2));
+  SqliteRegistry registry = Make();
+  EXPECT_FALSE(registry.WriteText(kMachine, kKey, "Alias", "Shops"));
+  EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
+  EXPECT_EQ(registry.Condition().state, RegistryState::kNotADatabase);
 }
 
 TEST_F(SqliteRegistryTest, AFileWhereAFolderIsNeededIsRefused) {
@@ -143,12 +174,10 @@ TEST_F(SqliteRegistryTest, AFileWhereAFolderIsNeededIsRefused) {
   EXPECT_THAT(log_->Lines(), SizeIs(1));
 }
 
-TEST_F(SqliteRegistryTest, ANewerStoreIsReadButNotWritten) {
+TEST_F(SqliteRegistryTest, ANewerStoreIsLeftAlone) {
   ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
   OpenDatabase().Run("PRAGMA user_version = 2");
-  EXPECT_FALSE(Make().WriteText(kMachine, kKey, "Alias", "Outlets"));
-  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias")->data, "Shops");
-  EXPECT_THAT(log_->Lines(), ElementsAre(HasSubstr("newer version")));
+  ExpectRefused(RegistryState::kNewer);
 }
 
 TEST_F(SqliteRegistryTest, ABusyStoreIsRefusedAfterTheTimeOut) {
@@ -157,23 +186,70 @@ TEST_F(SqliteRegistryTest, ABusyStoreIsRefusedAfterTheTimeOut) {
   other.Run("BEGIN EXCLUSIVE");
   SqliteRegistry registry = Make(std::chrono::milliseconds(1));
   EXPECT_FALSE(registry.WriteText(kMachine, kKey, "Alias", "Outlets"));
-  EXPECT_EQ(registry.Read(kMachine, kKey, "Alias"), std::nullopt);
+  EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
+  EXPECT_EQ(registry.Condition().state, RegistryState::kBusy);
   EXPECT_THAT(log_->Lines(), ElementsAre(HasSubstr("locked"), HasSubstr("locked")));
   other.Run("COMMIT");
   EXPECT_EQ(registry.Read(kMachine, kKey, "Alias")->data, "Shops");
+  EXPECT_EQ(registry.Condition().state, RegistryState::kReady);
 }
 
-TEST_F(SqliteRegistryTest, PreservedValuesHaveTheirTime) {
+TEST_F(SqliteRegistryTest, ADamagedFileIsSetAsideAndANewOneIsMade) {
+  WriteRaw("my notes");
   SqliteRegistry registry = Make();
-  for (const auto* text : {"one", "one", "two"}) {
-    ASSERT_TRUE(registry.WriteText(kMachine, kKey, "Alias", text));
-    registry.Preserve(kMachine, kKey, "Alias");
+  const auto aside = registry.SetAside();
+  ASSERT_TRUE(aside.has_value());
+  EXPECT_THAT(*aside, MatchesRegex(".*registry.db.damaged-[0-9-]+T[0-9]+Z"));
+  EXPECT_TRUE(registry.WriteText(kMachine, kKey, "Alias", "Shops"));
+  path_ = *aside;
+  EXPECT_EQ(ReadRaw(), "my notes");
+}
+
+TEST_F(SqliteRegistryTest, AFileThatIsNotDamagedIsNotSetAside) {
+  EXPECT_EQ(Make().SetAside(), std::nullopt);
+  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  EXPECT_EQ(Make().SetAside(), std::nullopt);
+  OpenDatabase().Run("PRAGMA user_version = 2");
+  EXPECT_EQ(Make().SetAside(), std::nullopt);
+  EXPECT_TRUE(fs::exists(path_));
+}
+
+TEST_F(SqliteRegistryTest, BytesThatAreNoTextAreKeptAsTheyAre) {
+  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  OpenDatabase().Run("UPDATE registry_value SET data = x'3CFF'");
+  ASSERT_TRUE(Make().Update(kMachine, kKey, "Alias", Replacing("Outlets")));
+  SqliteStatement row = OpenDatabase().Prepare("SELECT data FROM registry_history");
+  ASSERT_TRUE(row.Step());
+  EXPECT_EQ(row.Bytes(0), "<\xFF");
+}
+
+TEST_F(SqliteRegistryTest, WhatIsKeptIsBounded) {
+  SqliteRegistry registry = Make();
+  Replacing update("new");
+  for (std::size_t i = 0; i < kMostKeptValues + 5; ++i) update.kept.push_back(std::to_string(i));
+  ASSERT_TRUE(registry.Update(kMachine, kKey, "Alias", update));
+  const auto kept = registry.Kept(kMachine, kKey, "Alias");
+  ASSERT_THAT(kept, SizeIs(kMostKeptValues));
+  EXPECT_EQ(kept.front().value.data, "5");
+}
+
+TEST_F(SqliteRegistryTest, NothingIsWrittenWhenNothingCanBeKept) {
+  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  OpenDatabase().Run("DROP TABLE registry_history");
+  EXPECT_FALSE(Make().Update(kMachine, kKey, "Alias", Replacing("Outlets")));
+  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias")->data, "Shops");
+}
+
+TEST_F(SqliteRegistryTest, KeptValuesHaveTheirTime) {
+  SqliteRegistry registry = Make();
+  for (const auto* text : {"one", "two", "three"}) {
+    ASSERT_TRUE(registry.Update(kMachine, kKey, "Alias", Replacing(text)));
   }
-  const auto preserved = registry.Preserved(kMachine, kKey, "ALIAS");
-  ASSERT_THAT(preserved, SizeIs(2));
-  EXPECT_EQ(preserved[0].value.data, "one");
-  EXPECT_EQ(preserved[1].value.data, "two");
-  EXPECT_THAT(preserved[0].when, MatchesRegex("[0-9]+-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+Z"));
+  const auto kept = registry.Kept(kMachine, kKey, "ALIAS");
+  ASSERT_THAT(kept, SizeIs(2));
+  EXPECT_EQ(kept[0].value.data, "one");
+  EXPECT_EQ(kept[1].value.data, "two");
+  EXPECT_THAT(kept[0].when, MatchesRegex("[0-9]+-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+Z"));
 }
 
 // Runs `work` in a process of its own and answers its id.

@@ -6,10 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <thread>
 
 #include "platform/memory/recording_sinks.h"
 #include "platform/windows/ansi.h"
 #include "tests/platform/windows/registry_sandbox.h"
+#include "tests/replacing_update.h"
 
 namespace kvdm {
 namespace {
@@ -61,15 +63,15 @@ class WindowsRegistryTest : public testing::Test {
     return registry_.Read(kMachine, kKey, "Alias").value_or(RegistryValue{}).data;
   }
 
-  void WriteAndPreserve(std::string_view text) {
+  void WriteAndKeep(std::string_view text) {
     EXPECT_TRUE(registry_.WriteText(kMachine, kKey, "Alias", text));
-    registry_.Preserve(kMachine, kKey, "Alias");
+    EXPECT_TRUE(registry_.Update(kMachine, kKey, "Alias", Replacing("later")));
   }
 
-  std::vector<std::string> PreservedTexts() {
+  std::vector<std::string> KeptTexts() {
     std::vector<std::string> texts;
-    for (const auto& copy : registry_.Preserved(kMachine, kKey, "Alias")) {
-      texts.push_back(copy.value.data);
+    for (const auto& kept : registry_.Kept(kMachine, kKey, "Alias")) {
+      texts.push_back(kept.value.data);
     }
     return texts;
   }
@@ -129,69 +131,93 @@ TEST_F(WindowsRegistryTest, OtherTypesAreReadAsTheyAre) {
 TEST_F(WindowsRegistryTest, WhatTheRegistryRefusesIsNoted) {
   const std::string key(300, 'k');  // Longer than keys may be.
   EXPECT_FALSE(registry_.WriteText(kMachine, key, "Alias", "Shops"));
-  EXPECT_EQ(registry_.Read(kMachine, key, "Alias"), std::nullopt);
   EXPECT_THAT(log_->Lines(), ElementsAre(HasSubstr(key + ", Alias")));
 }
 
 TEST_F(WindowsRegistryTest, ClosesItsKeys) {
-  WriteAndPreserve("Shops");
+  WriteAndKeep("Shops");
   DWORD before = 0;
   DWORD after = 0;
   ASSERT_TRUE(::GetProcessHandleCount(::GetCurrentProcess(), &before));
   for (int i = 0; i < 100; ++i) {
-    WriteAndPreserve("Shops");
-    EXPECT_THAT(PreservedTexts(), SizeIs(1));
+    WriteAndKeep("Shops");
+    EXPECT_THAT(KeptTexts(), SizeIs(1));
     EXPECT_EQ(registry_.Read(kMachine, kKey, "Missing"), std::nullopt);
   }
   ASSERT_TRUE(::GetProcessHandleCount(::GetCurrentProcess(), &after));
   EXPECT_EQ(after, before);
 }
 
-// --- What is preserved
-
-TEST_F(WindowsRegistryTest, NothingIsPreservedOfWhatIsMissing) {
-  registry_.Preserve(kMachine, kKey, "Alias");
-  EXPECT_THAT(registry_.Preserved(kMachine, kKey, "Alias"), IsEmpty());
-  EXPECT_THAT(log_->Lines(), IsEmpty());
+TEST_F(WindowsRegistryTest, AnUpdateThatNobodyLetsGoOfIsRefusedAndTheNextOneGoesThrough) {
+  const HANDLE lock = ::CreateMutexExW(nullptr, L"Global\\Velk.Kelvaro.Registry", 0, SYNCHRONIZE);
+  ASSERT_NE(lock, nullptr);
+  ASSERT_EQ(::WaitForSingleObject(lock, 0), WAIT_OBJECT_0);
+  bool done = true;
+  std::thread([&] { done = registry_.Update(kMachine, kKey, "Alias", Replacing("text")); }).join();
+  EXPECT_FALSE(done);
+  EXPECT_EQ(registry_.Condition().state, RegistryState::kBusy);
+  ::ReleaseMutex(lock);
+  ::CloseHandle(lock);
+  EXPECT_TRUE(registry_.Update(kMachine, kKey, "Alias", Replacing("text")));
 }
 
-TEST_F(WindowsRegistryTest, EachContentIsPreservedOnceTheOldestFirst) {
-  for (const auto* text : {"zero", "one", "zero", "two", "one"}) WriteAndPreserve(text);
-  EXPECT_THAT(PreservedTexts(), ElementsAre("zero", "one", "two"));
+TEST_F(WindowsRegistryTest, AnUpdateThatWasAbandonedHoldsNobodyUp) {
+  HANDLE lock = nullptr;
+  std::thread([&] {
+    lock = ::CreateMutexExW(nullptr, L"Global\\Velk.Kelvaro.Registry", 0, SYNCHRONIZE);
+    ::WaitForSingleObject(lock, INFINITE);
+  }).join();
+  EXPECT_TRUE(registry_.Update(kMachine, kKey, "Alias", Replacing("text")));
+  ::CloseHandle(lock);
+}
+
+// --- What is kept
+
+TEST_F(WindowsRegistryTest, EachContentIsKeptOnceTheOldestFirst) {
+  for (const auto* text : {"zero", "one", "zero", "two", "one"}) WriteAndKeep(text);
+  EXPECT_THAT(KeptTexts(), ElementsAre("zero", "two", "one"));
 }
 
 TEST_F(WindowsRegistryTest, ManyContentsOfOneSecondKeepTheirOrder) {
   std::vector<std::string> texts;
   for (int i = 0; i < 15; ++i) {
     texts.push_back("text " + std::to_string(i));
-    WriteAndPreserve(texts.back());
+    WriteAndKeep(texts.back());
   }
-  EXPECT_EQ(PreservedTexts(), texts);
+  EXPECT_EQ(KeptTexts(), texts);
 }
 
-TEST_F(WindowsRegistryTest, PreservedValuesHaveTheirTime) {
-  WriteAndPreserve("one");
-  WriteAndPreserve("two");
+TEST_F(WindowsRegistryTest, KeptValuesHaveTheirTime) {
+  WriteAndKeep("one");
+  WriteAndKeep("two");
   const std::regex time("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z");
-  for (const auto& copy : registry_.Preserved(kMachine, "SOFTWARE\\velk\\KELVARO", "ALIAS")) {
+  for (const auto& copy : registry_.Kept(kMachine, "SOFTWARE\\velk\\KELVARO", "ALIAS")) {
     EXPECT_TRUE(std::regex_match(copy.when, time)) << copy.when;
   }
 }
 
-TEST_F(WindowsRegistryTest, ValuesOfAnyTypeArePreserved) {
+TEST_F(WindowsRegistryTest, WhatIsKeptIsBounded) {
+  Replacing update("new");
+  for (std::size_t i = 0; i < kMostKeptValues + 2; ++i) update.kept.push_back(std::to_string(i));
+  ASSERT_TRUE(registry_.Update(kMachine, kKey, "Alias", update));
+  EXPECT_THAT(KeptTexts(), SizeIs(kMostKeptValues));
+  EXPECT_EQ(KeptTexts().front(), "2");
+}
+
+TEST_F(WindowsRegistryTest, ValuesOfAnyTypeAreKept) {
   PutRaw("Alias", REG_DWORD, "\x05\0\0\0"sv);
-  registry_.Preserve(kMachine, kKey, "Alias");
-  const auto preserved = registry_.Preserved(kMachine, kKey, "Alias");
+  ASSERT_TRUE(registry_.Update(kMachine, kKey, "Alias", Replacing("text")));
+  const auto preserved = registry_.Kept(kMachine, kKey, "Alias");
   ASSERT_THAT(preserved, SizeIs(1));
   EXPECT_EQ(preserved[0].value.type, RegistryType::kNumber);
 }
 
-TEST_F(WindowsRegistryTest, PreservedTextsAreNotReplaced) {
+TEST_F(WindowsRegistryTest, KeptTextsAreNotReplaced) {
   HKEY key = nullptr;
   ASSERT_EQ(::RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key), ERROR_SUCCESS);
   constexpr wchar_t kText[] = L"\u0416";
   ::RegSetValueExW(key, L"Alias", 0, REG_SZ, reinterpret_cast<const BYTE*>(kText), sizeof(kText));
-  registry_.Preserve(kMachine, kKey, "Alias");
+  ASSERT_TRUE(registry_.Update(kMachine, kKey, "Alias", Replacing("text")));
   ::RegCloseKey(key);
 
   wchar_t name[100];

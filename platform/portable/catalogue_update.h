@@ -1,0 +1,63 @@
+// A three-way merge of the study area catalogue: what one data manager changed is applied to what
+// the store holds by now, so that nobody overwrites what somebody else wrote.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/registry.h"
+#include "platform/xml_parser.h"
+
+namespace kvdm {
+
+// The text up to its first NUL, which is all that a reader takes.
+[[nodiscard]] std::string UpToNul(std::string text);
+
+// The rules:
+//
+// - Stored is the base, missing or empty: the wanted text as it is.
+// - Stored is no text or not well-formed: kept, then replaced by the wanted text.
+// - Otherwise study area by study area, told apart by GUID, and where that is missing or stands
+//   twice by name and number. One with another GUID that is otherwise the same, or has the same
+//   folder, is one that was changed.
+// - Changed here and there: merged by attribute, property and comment. The same one changed in both
+//   places: what is wanted here stands, and the element as it was stored is kept.
+// - Changed in one place and deleted in the other: changed stands.
+// - The root, its comments and what else stands under it stay as stored. An empty wanted
+//   text changes nothing.
+class CatalogueUpdate final : public TextUpdate {
+ public:
+  // `holds` tells which characters the store has; `parser` must outlive this.
+  CatalogueUpdate(XmlParser& parser, std::string base, std::string wanted,
+                  std::function<bool(char32_t)> holds);
+
+  // A piece for each study area, under its key, and the text without them under "".
+  [[nodiscard]] std::vector<Piece> Base() const override { return PiecesOf(base_); }
+  [[nodiscard]] std::vector<Piece> Wanted() const override { return PiecesOf(wanted_); }
+
+  // Run-time error 7 for a stored text that is well-formed but larger than a document may be.
+  [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override;
+
+  // Whether the two texts have the same study areas.
+  [[nodiscard]] bool ChangesNothing() const;
+
+  // What people should know of the last outcome, a sentence each.
+  [[nodiscard]] const std::vector<std::string>& Notes() const { return notes_; }
+
+ private:
+  [[nodiscard]] std::vector<Piece> PiecesOf(const std::string& text) const;
+  [[nodiscard]]  // What becomes of a stored text that is neither missing nor the base.
+  [[nodiscard]] Outcome
+  Merged(const std::string& text) const;
+  // An element's text with nothing in it that the store does not have.
+  [[nodiscard]] std::string Storable(const std::string& element) const;
+
+  XmlParser& parser_;
+  std::string base_;
+  std::string wanted_;
+  std::function<bool(char32_t)> holds_;
+  mutable std::vector<std::string> notes_;
+};
+
+}  // namespace kvdm
