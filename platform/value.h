@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 namespace kvdm {
@@ -44,6 +45,14 @@ class Value {
       : storage_(std::string(text)) {}                      // NOLINT(google-explicit-constructor)
   Value(const char* text) : storage_(std::string(text)) {}  // NOLINT(google-explicit-constructor)
 
+  Value(Value&&) noexcept = default;
+  Value& operator=(Value&&) noexcept = default;
+  ~Value() = default;
+  // A text is copied first and stored afterwards, so that running out of memory while copying can't
+  // leave a half-stored value.
+  Value(const Value& other) : storage_(CopyOf(other.storage_)) {}
+  Value& operator=(const Value& other) { return *this = Value(other); }
+
   [[nodiscard]] bool IsEmpty() const { return std::holds_alternative<Empty>(storage_); }
   [[nodiscard]] bool IsNull() const { return std::holds_alternative<Null>(storage_); }
   [[nodiscard]] bool IsText() const { return std::holds_alternative<std::string>(storage_); }
@@ -52,6 +61,10 @@ class Value {
   bool operator==(const Value&) const = default;
 
  private:
+  static Storage CopyOf(const Storage& storage) {
+    return std::visit([](auto held) { return Storage(std::move(held)); }, storage);
+  }
+
   Storage storage_;
 };
 

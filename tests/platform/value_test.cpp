@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tests/failing_new.h"
 #include "tests/throws_number.h"
 
 namespace kvdm {
@@ -67,6 +69,28 @@ TEST(ValueTest, WhatIsNoBooleanIsATypeMismatch) {
 }
 
 TEST(ValueTest, ATextIsNeverTakenForABoolean) { EXPECT_TRUE(Value("x").IsText()); }
+
+// The list's own allocation fails, and that of the text in it.
+TEST(ValueTest, ACopyThatFailsLeavesAListAsItWas) {
+  const Value text(std::string(100, 'x'));
+  for (const auto nth : {1, 2}) {
+    std::vector<Value> list = {text};
+    failing_new::Arm(nth);
+    EXPECT_THROW(list.push_back(text), std::bad_alloc) << nth;
+    failing_new::Disarm();
+    ASSERT_EQ(list.size(), 1U) << nth;
+    EXPECT_EQ(list.front(), text);
+  }
+}
+
+TEST(ValueTest, AnAssignmentThatFailsLeavesTheValueAsItWas) {
+  const Value text(std::string(100, 'x'));
+  Value value("before");
+  failing_new::Arm(1);
+  EXPECT_THROW(value = text, std::bad_alloc);
+  failing_new::Disarm();
+  EXPECT_EQ(value, Value("before"));
+}
 
 }  // namespace
 }  // namespace kvdm
