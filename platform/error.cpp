@@ -60,4 +60,14 @@ RuntimeError AsRuntimeError(const std::exception& error) {
   return {kAutomationFailure, {}, error.what()};
 }
 
+RuntimeError CurrentError() {
+  try {
+    throw;
+  } catch (const std::exception& error) {
+    return AsRuntimeError(error);
+  } catch (...) {
+    return RuntimeError(kAutomationFailure);
+  }
+}
+
 }  // namespace kvdm

@@ -65,6 +65,10 @@ std::string_view DescriptionOf(std::int32_t number);
 // an automation failure.
 RuntimeError AsRuntimeError(const std::exception& error);
 
+// The exception that is being handled, in the same way. One that is no std::exception, as a foreign
+// object may throw, is an automation failure.
+RuntimeError CurrentError();
+
 // The object behind `pointer`; run-time error 91 when it is Nothing.
 template <class Pointer>
 auto& Required(const Pointer& pointer) {

@@ -142,7 +142,9 @@ bool KVStudyArea::ReportMissingProperties(std::string_view name) {
 
 void KVStudyArea::ShowPlain(std::string_view text) {
   if (!view_.data_manager()) return;
-  view_.data_manager()->Services().message_box->Show(text, kComponentName, MessageStyle::kPlain);
+  guard::Quiet([&] {
+    view_.data_manager()->Services().message_box->Show(text, kComponentName, MessageStyle::kPlain);
+  });
 }
 
 std::string KVStudyArea::TablesDir() {

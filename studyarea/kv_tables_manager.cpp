@@ -14,7 +14,10 @@ constexpr char kTableBaseName[] = "Table";
 }  // namespace
 
 std::string KVTablesManager::TablesDir() {
-  return data_manager_ ? CurrentFolder(*data_manager_) + sDefaultDirNames::kTables : std::string();
+  return guard::Passed([&] {
+    return data_manager_ ? CurrentFolder(*data_manager_) + sDefaultDirNames::kTables
+                         : std::string();
+  });
 }
 
 // The folder is looked up afresh at each step.

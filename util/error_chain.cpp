@@ -11,6 +11,8 @@ std::vector<RuntimeError> ErrorChain(const std::exception& error) {
   } catch (const std::exception& cause) {
     const auto causes = ErrorChain(cause);
     chain.insert(chain.end(), causes.begin(), causes.end());
+  } catch (...) {
+    chain.push_back(CurrentError());
   }
   return chain;
 }

@@ -104,7 +104,7 @@ std::string UnwrapName(std::string_view stored_name) {
 
 std::string NewGuidString(GisCore& gis_core) {
   const auto identifier = gis_core.CreateIdentifier();
-  identifier->Generate();
+  Required(identifier).Generate();
   return identifier->GetValue();
 }
 

@@ -25,7 +25,7 @@ std::vector<std::int32_t> ChainOf(const std::function<void()>& fails) {
 [[noreturn]] void Wrap(const std::function<void()>& inner, std::int32_t number) {
   try {
     inner();
-  } catch (const std::exception&) {
+  } catch (...) {
     std::throw_with_nested(RuntimeError(number));
   }
   throw std::logic_error("the inner step did not fail");
@@ -51,6 +51,8 @@ TEST(ErrorChainTest, GivesForeignErrorsANumber) {
   EXPECT_THAT(ChainOf([] { throw std::runtime_error("x"); }), ElementsAre(kAutomationFailure));
   EXPECT_THAT(ChainOf([] { Wrap([] { throw std::bad_alloc(); }, kMemberNotSupported); }),
               ElementsAre(kMemberNotSupported, kOutOfMemory));
+  EXPECT_THAT(ChainOf([] { Wrap([] { throw 1; }, kMemberNotSupported); }),
+              ElementsAre(kMemberNotSupported, kAutomationFailure));
 }
 
 TEST(ErrorChainTest, EndsAtAnErrorThatWasNestedInNothing) {

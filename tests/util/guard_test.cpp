@@ -50,7 +50,8 @@ TEST(ReportedTest, ReportsFailuresOfEveryKind) {
   const RecordingSink sink;
   guard::Reported(sink, "standard", [] { throw std::runtime_error("x"); });
   guard::Reported(sink, "memory", [] { throw std::bad_alloc(); });
-  EXPECT_THAT(sink.messages, ElementsAre("standard", "memory"));
+  guard::Reported(sink, "foreign", [] { throw 1; });
+  EXPECT_THAT(sink.messages, ElementsAre("standard", "memory", "foreign"));
 }
 
 TEST(ReportedTest, AFailingReportIsTheCallersError) {
@@ -93,7 +94,16 @@ TEST(HandledTest, HandsTheErrorWithNumberAndDescriptionToTheHandler) {
   guard::Handled(note, [] { throw RuntimeError(kPermissionDenied, "KVDM", "locked"); });
   guard::Handled(note, [] { throw std::bad_alloc(); });
   guard::Handled(note, [] { throw std::runtime_error("disk gone"); });
-  EXPECT_THAT(seen, ElementsAre("70 locked", "7 Out of memory", "-2147467259 disk gone"));
+  guard::Handled(note, [] { throw 1; });
+  EXPECT_THAT(seen, ElementsAre("70 locked", "7 Out of memory", "-2147467259 disk gone",
+                                "-2147467259 Automation error"));
+}
+
+TEST(PassedTest, LetsErrorsThroughAndMakesForeignOnesAutomationFailures) {
+  EXPECT_RUNTIME_ERROR(guard::Passed([] { Fail(); }), kPathNotFound);
+  EXPECT_THROW(guard::Passed([] { throw std::bad_alloc(); }), std::bad_alloc);
+  EXPECT_RUNTIME_ERROR(guard::Passed([] { throw 1; }), kAutomationFailure);
+  EXPECT_EQ(guard::Passed([] { return 7; }), 7);
 }
 
 }  // namespace
