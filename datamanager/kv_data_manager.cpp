@@ -45,11 +45,11 @@ void KVDataManager::KVDMHandleError(std::string_view message) {
 }
 
 void KVDataManager::Start() {
-  guard::Handled(
-      [&](const RuntimeError&) {
-        presets_available_ = false;
-        preset_directory_.clear();
+  guard::Trapped(
+      [&] {
         KVDMHandleError(messages::kPresetDirectory);
+        preset_directory_.clear();
+        presets_available_ = false;
       },
       [&] {
         preset_directory_ =
@@ -60,7 +60,7 @@ void KVDataManager::Start() {
         presets_ = LoadPresets(*platform_.files, *platform_.xml_parser, preset_directory_);
         presets_available_ = true;
         dataset_manager_ = platform_.siblings->CreateDatasetManager();
-        static_cast<void>(dataset_manager_->Initialize());
+        static_cast<void>(Required(dataset_manager_).Initialize());
       });
 }
 
@@ -88,16 +88,16 @@ void KVDataManager::SettleWorkingDirectory() {
   const auto wanted_folder = WithoutTrailingBackslash(platform_.files->FullPath(wanted));
   const auto held_folder = WithoutTrailingBackslash(platform_.files->FullPath(working_directory_));
   if (SameName(wanted_folder, held_folder)) return;
-  platform_.message_box->Show(resources->FindString(kWrongWorkingDirectoryText), kComponentName,
-                              MessageStyle::kPlain);
+  platform_.message_box->Show(Required(resources).FindString(kWrongWorkingDirectoryText),
+                              kComponentName, MessageStyle::kPlain);
   working_directory_.clear();
 }
 
 void KVDataManager::SetWorkingDirectory(std::string_view path) {
-  guard::Handled(
-      [&](const RuntimeError&) {
-        metadata_valid_ = false;
+  guard::Trapped(
+      [&] {
         KVDMHandleError(messages::kInvalidWorkingDirectory);
+        metadata_valid_ = false;
       },
       [&] {
         const auto folder = CollapseBackslashes(std::string(path) + "\\");
@@ -154,7 +154,7 @@ std::string KVDataManager::GenerateFolderName(std::string_view parent, std::stri
 std::shared_ptr<Identifier> KVDataManager::ID() {
   return guard::Quiet([&] {
     auto identifier = platform_.gis_core->CreateIdentifier();
-    identifier->PutValue(kDataManagerClass);
+    Required(identifier).PutValue(kDataManagerClass);
     return identifier;
   });
 }

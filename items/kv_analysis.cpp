@@ -61,11 +61,11 @@ bool KVAnalysis::WriteToPropertySet(std::shared_ptr<NamedValueSet>& set) {
     if (!set) set = gis_core_->CreateNamedValueSet();
     if (view().node()) {
       for (const auto& parameter : view().node()->Children(tags::kParameter)) {
-        set->PutValue(ToText(parameter->GetAttribute(attributes::kName)),
-                      parameter->GetAttribute(attributes::kValue));
+        Required(set).PutValue(ToText(parameter->GetAttribute(attributes::kName)),
+                               parameter->GetAttribute(attributes::kValue));
       }
     }
-    set->PutValue(kNameEntry, Name());
+    Required(set).PutValue(kNameEntry, Name());
     set->PutValue(kCommentsEntry, Comments());
     return true;
   });

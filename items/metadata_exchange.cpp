@@ -10,7 +10,7 @@ void ExportDocument(const std::shared_ptr<LayerMetadata>& metadata, GisCore& gis
     std::shared_ptr<NamedValueSet> document;
     guard::Skipping([&] { document = Required(metadata).ReadDocument(); });
     if (!document) document = gis_core.CreateNamedValueSet();
-    document->PrepareForUpdate();
+    Required(document).PrepareForUpdate();
     put(*document);
     Required(metadata).WriteDocument(document);
   });

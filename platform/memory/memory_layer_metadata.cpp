@@ -12,7 +12,7 @@ void MemoryLayerMetadata::WriteDocument(const std::shared_ptr<NamedValueSet>& do
   const NamedValueSet::Listing listing = Required(document).ListAll();
   document_.emplace();
   for (std::size_t i = 0; i < listing.names.size(); ++i) {
-    document_->AddValue(listing.names[i], listing.values[i]);
+    document_->AddValue(listing.names[i], listing.values.at(i));
   }
 }
 

@@ -33,7 +33,7 @@ void SidecarMetadata::WriteDocument(const std::shared_ptr<NamedValueSet>& docume
   for (std::size_t i = 0; i < listing.names.size(); ++i) {
     const auto entry = xml::Element::Create(kEntry);
     entry->SetAttribute(kPath, listing.names[i]);
-    PutValue(*entry, listing.values[i]);
+    PutValue(*entry, listing.values.at(i));
     AppendLine(*root, entry);
   }
   const std::string text = DocumentText(root);
