@@ -40,12 +40,12 @@ std::shared_ptr<xml::Element> CollectionView::NewItem(std::string_view stored_na
   return item;
 }
 
-std::string CollectionView::GenerateNewDirName(const std::string& parent_folder,
+std::string CollectionView::GenerateNewDirName(const std::function<std::string()>& parent_folder,
                                                std::string_view base) const {
   return guard::Reported(sink(), messages::kNewDirName, [&] {
     if (!data_manager_) return std::string();
     return FirstFree(base, [&](const std::string& candidate) {
-      return services().files->FolderExists(parent_folder + candidate);
+      return services().files->FolderExists(parent_folder() + candidate);
     });
   });
 }

@@ -2,6 +2,7 @@
 // and removed.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -77,10 +78,10 @@ class CollectionView {
   // The current local time in its stored form.
   [[nodiscard]] Value CreationTime() const { return services().clock->Now(); }
 
-  // The first folder name that is free in `parent_folder`, which ends in "\": `base`, then `base`
-  // followed by 1, 2, 3 ...
+  // The first folder name that is free in the folder that `parent_folder` gives, with a closing
+  // "\": `base`, then `base` followed by 1, 2, 3 ... The folder is asked for at each candidate.
   // "" without a data manager. Reports failures.
-  [[nodiscard]] std::string GenerateNewDirName(const std::string& parent_folder,
+  [[nodiscard]] std::string GenerateNewDirName(const std::function<std::string()>& parent_folder,
                                                std::string_view base) const;
 
   // Deletes the folder that belongs to a removed item. An empty path names no folder; a refusal is

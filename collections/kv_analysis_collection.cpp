@@ -50,7 +50,7 @@ bool KVAnalysisCollection::CreateAnalysis(std::string_view name) {
 std::string KVAnalysisCollection::AppendAnalysis(std::string_view name) {
   const auto base =
       CurrentFolder(Required(view_.data_manager())) + sDefaultDirNames::kAnalyses + "\\";
-  const auto folder = base + view_.GenerateNewDirName(base, name) + "\\";
+  const auto folder = base + view_.GenerateNewDirName([&] { return base; }, name) + "\\";
   const auto analysis = view_.NewItem(WrapName(name));
   analysis->SetAttribute(attributes::kDirName, folder);
   analysis->SetAttribute(attributes::kLayerFile, folder + kLayerFileName);

@@ -60,7 +60,7 @@ bool KVDataCollection::CreateDataItem(std::string_view name) {
     item->SetAttribute(attributes::kFile, file);
     item->SetAttribute(attributes::kPathType, path_types::kRelative);
     view_.node()->Append(item);
-    if (view_.data_manager()) view_.data_manager()->Flush();
+    view_.data_manager()->Flush();
     return true;
   });
 }

@@ -6,20 +6,22 @@
 namespace kvdm {
 
 std::string LayerCollection::Folder() const {
-  if (!view_.node()) return {};
-  const auto folder = Required(view_.data_manager()).WorkingDirectory() + folder_name_;
-  auto& files = *view_.services().files;
-  if (!files.FolderExists(folder)) files.CreateFolder(folder);
-  return folder;
+  return guard::Passed([&] {
+    if (!view_.node()) return std::string();
+    auto folder = Required(view_.data_manager()).WorkingDirectory() + folder_name_;
+    auto& files = *view_.services().files;
+    if (!files.FolderExists(folder)) files.CreateFolder(folder);
+    return folder;
+  });
 }
 
 bool LayerCollection::Create(std::string_view name) const {
   return guard::Reported(view_.sink(), view_.rules().create_failed, [&] {
     if (!view_.node() || Exists(name)) return false;
-    const auto folder = Folder() + "\\";
     const auto base_name = UniqueFileName(*view_.services().files, Folder(), name);
     const auto layer = view_.NewItem(WrapName(name));
-    layer->SetAttribute(attributes::kLayerFile, folder + base_name + ".lyr");
+    // The folder is asked for again, and made again if it went meanwhile.
+    layer->SetAttribute(attributes::kLayerFile, Folder() + "\\" + base_name + ".lyr");
     layer->SetAttribute(attributes::kCreationTime, view_.CreationTime());
     view_.node()->Append(layer);
     return true;

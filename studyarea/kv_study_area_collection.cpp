@@ -43,31 +43,35 @@ NameListRef KVStudyAreaCollection::StudyAreasList() {
 NameListRef KVStudyAreaCollection::StudyAreasGUIDsList() { return view_.List(attributes::kGuid); }
 
 bool KVStudyAreaCollection::CreateStudyArea(std::string_view name) {
-  std::string folder;
+  std::string folder_name;
   const bool appended = guard::Reported(view_.sink(), kRules.create_failed, [&] {
     if (!view_.node() || StudyAreaExists(name)) return false;
-    folder = AppendStudyArea(name);
+    folder_name = AppendStudyArea(name);
     return true;
   });
   if (!appended) return false;
   auto& files = *view_.services().files;
   guard::Skipping([&] { files.CreateFolder(StudyAreasFolder()); });
-  const bool created = guard::Skipping([&] { files.CreateFolder(folder); });
+  const bool created = guard::Skipping([&] { files.CreateFolder(FolderOf(folder_name)); });
   guard::Skipping([&] { view_.data_manager()->Flush(); });
   return created;
 }
 
-// Appends the study area's element and returns the path of its folder, which is not made yet.
+// Appends the study area's element and returns the name of its folder, which is not made yet. The
+// working directory is read afresh for each use: services that are called between may change it.
 std::string KVStudyAreaCollection::AppendStudyArea(std::string_view name) {
-  const auto folder =
-      StudyAreasFolder() + view_.GenerateNewDirName(StudyAreasFolder(), name) + "\\";
+  auto folder_name = view_.GenerateNewDirName([&] { return StudyAreasFolder(); }, name);
   const auto study_area = view_.NewItem(WrapName(name));
-  study_area->SetAttribute(attributes::kDirName, folder);
-  study_area->SetAttribute(attributes::kLayerFile, folder + kLayerFileName);
+  study_area->SetAttribute(attributes::kDirName, FolderOf(folder_name));
+  study_area->SetAttribute(attributes::kLayerFile, FolderOf(folder_name) + kLayerFileName);
   study_area->SetAttribute(attributes::kCreationTime, view_.CreationTime());
   view_.node()->Append(study_area);
   study_area->Append(xml::Element::Create(tags::kStudyAreaProperties));
-  return folder;
+  return folder_name;
+}
+
+std::string KVStudyAreaCollection::FolderOf(const std::string& folder_name) const {
+  return StudyAreasFolder() + folder_name + "\\";
 }
 
 std::string KVStudyAreaCollection::StudyAreasFolder() const {

@@ -28,6 +28,7 @@ class KVStudyAreaCollection final : public IKVStudyAreaCollection {
 
  private:
   [[nodiscard]] std::string StudyAreasFolder() const;
+  [[nodiscard]] std::string FolderOf(const std::string& folder_name) const;
   std::string AppendStudyArea(std::string_view name);
   void CloseIfCurrent(std::string_view name);
   bool Delete(const char* query, std::string_view key, bool below_study_areas);
