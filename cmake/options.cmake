@@ -4,6 +4,27 @@ option(KVDM_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
 option(KVDM_SANITIZE "Build with the address, undefined-behaviour and leak sanitizers" OFF)
 option(KVDM_COVERAGE "Build for measuring test coverage" OFF)
 
+# A caller's mistake in memory is to end the program rather than to lead it elsewhere. MinGW's linker
+# does its part of this by itself, and its headers have no checked copies.
+if(NOT WIN32)
+  include(CheckCXXCompilerFlag)
+  include(CheckPIESupported)
+  check_pie_supported()
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+  check_cxx_compiler_flag(-fcf-protection=full KVDM_HAS_CF_PROTECTION)
+  set(KVDM_HARDENING -fstack-protector-strong)
+  if(KVDM_HAS_CF_PROTECTION)
+    list(APPEND KVDM_HARDENING -fcf-protection=full)
+  endif()
+  # The checked copies need an optimiser, and would hide what the sanitizers are to see.
+  if(NOT (KVDM_SANITIZE OR KVDM_COVERAGE OR KVDM_FUZZ))
+    list(APPEND KVDM_HARDENING
+         $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE>
+         $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+  endif()
+  set(KVDM_LINK_HARDENING LINKER:-z,relro,-z,now,-z,noexecstack)
+endif()
+
 # Compiles `target` as all of the project is compiled.
 function(kvdm_target target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
@@ -15,6 +36,8 @@ function(kvdm_target target)
   if(KVDM_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
+  target_compile_options(${target} PRIVATE ${KVDM_HARDENING})
+  target_link_options(${target} PRIVATE ${KVDM_LINK_HARDENING})
   if(KVDM_SANITIZE)
     # The check of virtual calls opens a pipe, which fails in the test that leaves no descriptor.
     target_compile_options(${target} PRIVATE -fsanitize=address,undefined -fno-sanitize=vptr
