@@ -29,19 +29,18 @@ void CreateFolders(const std::filesystem::path& folder);
 // The bytes of a regular file.
 [[nodiscard]] std::string ReadBytes(const std::filesystem::path& file);
 
-// Writes a file anew; on return its bytes are on the disk.
-void WriteBytes(const std::filesystem::path& file, std::string_view bytes);
+// Puts a file with these bytes in the place of `file` in one step, with the permissions of what is
+// there and, as far as the process may, its owner; on return it is on the disk. What is there stays
+// as `previous`, unless that is "". Nothing is ever written through a link or to a device: what is
+// there must be a regular file, and one that may be written. After a failure it is as before.
+void Replace(const std::filesystem::path& file, std::string_view bytes,
+             const std::filesystem::path& previous = {});
 
-// Gives a file's content a second name, in place of what had that name. What is done to the file
-// later, other than replacing it, may show under both names.
-void KeepAs(const std::filesystem::path& file, const std::filesystem::path& second);
+// Whether a file is marked as one that nobody may write.
+[[nodiscard]] bool IsReadOnly(const std::filesystem::path& file);
 
-// Puts `from` in the place of `to`, if that is there with its permissions, in one step; on return
-// the folder is on the disk too.
-void PutInPlace(const std::filesystem::path& from, const std::filesystem::path& to);
-
-// Locks a file, which is made when it is missing, against other processes for as long as the result
-// lives. Nothing when another process holds it.
+// Locks a regular file, which is made when it is missing, against other processes for as long as
+// the result lives. Nothing when another process holds it.
 [[nodiscard]] std::shared_ptr<void> TryLock(const std::filesystem::path& file);
 
 [[nodiscard]] bool InputIsTerminal();

@@ -18,11 +18,61 @@ namespace fs = std::filesystem;
 constexpr std::chrono::seconds kLockPatience{5};
 constexpr std::chrono::milliseconds kLockPause{20};
 
-std::vector<fs::path> ProjectsIn(const fs::path& folder) {
+constexpr char kSuffix[] = ".kvdm";
+constexpr char kLockSuffix[] = ".lock";
+
+// Tries for a while; nothing when another process keeps the lock.
+std::shared_ptr<void> LockPatiently(const fs::path& file) {
+  const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
+  while (std::chrono::steady_clock::now() < deadline) {
+    if (auto lock = os::TryLock(file)) return lock;
+    std::this_thread::sleep_for(kLockPause);
+  }
+  return nullptr;
+}
+
+[[noreturn]] void BeingChanged(std::string_view what) {
+  throw Failure(ExitCode::kRefused, fmt::format("{} is being changed by another kvdm. Try again "
+                                                "when that one is done.",
+                                                what));
+}
+
+// Calls `look` while nobody who takes the lock beside `project` changes it.
+template <class Look>
+auto LookUndisturbed(const fs::path& project, Look look) {
+  std::shared_ptr<void> lock;
+  try {
+    lock = LockPatiently(Beside(project, kLockSuffix));
+  } catch (const std::system_error&) {
+    return look();  // Nobody can hold what can't be opened for locking.
+  }
+  if (!lock) BeingChanged(fmt::format("The project {}", os::ToText(project)));
+  return look();
+}
+
+// The files in a folder whose names end in `suffix`, each once, however often a folder that is
+// being changed lists it.
+std::vector<fs::path> FilesEnding(const fs::path& folder, const fs::path& suffix) {
   auto files = os::FilesIn(folder);
-  std::erase_if(files, [](const fs::path& file) { return file.extension() != ".kvdm"; });
+  std::erase_if(files, [&](const fs::path& file) {
+    const fs::path name = file.filename();
+    return name == suffix || !name.native().ends_with(suffix.native());
+  });
   std::sort(files.begin(), files.end());
+  files.erase(std::unique(files.begin(), files.end()), files.end());
   return files;
+}
+
+// The projects in a folder. A look at the moment when another kvdm puts a project in place may find
+// none; then the lock that it holds is beside.
+std::vector<fs::path> ProjectsIn(const fs::path& folder) {
+  const auto projects = [&] { return FilesEnding(folder, kSuffix); };
+  auto found = projects();
+  for (fs::path lock : FilesEnding(folder, std::string(kSuffix) + kLockSuffix)) {
+    if (!found.empty()) break;
+    found = LookUndisturbed(lock.replace_extension(), projects);
+  }
+  return found;
 }
 
 [[noreturn]] void SeveralProjects(const std::vector<fs::path>& projects) {
@@ -34,10 +84,21 @@ std::vector<fs::path> ProjectsIn(const fs::path& folder) {
                 std::move(candidates));
 }
 
+// Where a project is. A link is followed here, so that saving replaces the project and not the link
+// to it.
+fs::path Located(const fs::path& project) {
+  const auto locate = [&] { return os::Canonical(project); };
+  try {
+    return locate();
+  } catch (const std::system_error&) {
+    if (!os::Exists(Beside(project, kLockSuffix))) throw;
+  }
+  return LookUndisturbed(project, locate);
+}
+
 fs::path GivenProjectFile(std::string_view given) {
   try {
-    // A link is followed here, so that saving replaces the project and not the link to it.
-    return os::Canonical(os::ToPath(given));
+    return Located(os::ToPath(given));
   } catch (const std::system_error& error) {
     throw Failure(ExitCode::kNotFound,
                   fmt::format("There is no project {} ({}).", given, error.code().message()));
@@ -54,16 +115,6 @@ std::string WayOut(const fs::path& file) {
       os::ToText(previous), os::ToText(file));
 }
 
-void Replace(const fs::path& file, const std::string& text, bool replaces) {
-  const fs::path temporary = Beside(file, ".tmp");
-  os::WriteBytes(temporary, text);
-  if (os::ReadBytes(temporary) != text) {
-    throw std::system_error(std::make_error_code(std::errc::io_error), os::ToText(temporary));
-  }
-  if (replaces) os::KeepAs(file, Beside(file, ".bak"));
-  os::PutInPlace(temporary, file);
-}
-
 }  // namespace
 
 fs::path Beside(const fs::path& file, std::string_view suffix) {
@@ -78,7 +129,7 @@ fs::path FindProjectFile(std::string_view given) {
   for (;;) {
     const auto projects = ProjectsIn(folder);
     if (projects.size() > 1) SeveralProjects(projects);
-    if (projects.size() == 1) return os::Canonical(projects.front());
+    if (projects.size() == 1) return Located(projects.front());
     if (folder == folder.parent_path()) break;
     folder = folder.parent_path();
   }
@@ -106,9 +157,8 @@ void FailToOpen(const fs::path& file, const Failure& failure) {
 bool WriteProjectFile(const fs::path& file, const Project& project) {
   const std::string text = ProjectText(project);
   try {
-    const bool replaces = os::Exists(file);
-    if (replaces && os::ReadBytes(file) == text) return false;
-    Replace(file, text, replaces);
+    if (os::Exists(file) && os::ReadBytes(file) == text) return false;
+    os::Replace(file, text, Beside(file, ".bak"));
     return true;
   } catch (const std::system_error& error) {
     throw Failure(ExitCode::kRefused,
@@ -120,17 +170,11 @@ bool WriteProjectFile(const fs::path& file, const Project& project) {
 std::shared_ptr<void> WaitForLock(const fs::path& file, std::string_view what) {
   try {
     os::CreateFolders(file.parent_path());
-    const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
-    while (std::chrono::steady_clock::now() < deadline) {
-      if (auto lock = os::TryLock(file)) return lock;
-      std::this_thread::sleep_for(kLockPause);
-    }
+    if (auto lock = LockPatiently(file)) return lock;
   } catch (const std::system_error& error) {
     throw Failure(ExitCode::kRefused, fmt::format("{} can't be changed: {}.", what, error.what()));
   }
-  throw Failure(ExitCode::kRefused, fmt::format("{} is being changed by another kvdm. Try again "
-                                                "when that one is done.",
-                                                what));
+  BeingChanged(what);
 }
 
 }  // namespace kvdm

@@ -2,7 +2,6 @@
 //
 //   NAME.kvdm        the project
 //   NAME.kvdm.bak    the project before the last change
-//   NAME.kvdm.tmp    there only while the project is being written
 //   NAME.kvdm.lock   held while a command changes the project
 #pragma once
 
@@ -17,8 +16,9 @@
 namespace kvdm {
 
 // The project file to work with: `given` if it is not "", else the one in the current folder or the
-// nearest folder above that has one. Failure kNotFound when there is none, kConflict when a folder
-// has several.
+// nearest folder above that has one. Where one may be put in place at the moment, because its lock
+// file is there, that is waited for. Failure kNotFound when there is none, kConflict when a folder
+// has several, kRefused when another process keeps the lock.
 [[nodiscard]] std::filesystem::path FindProjectFile(std::string_view given);
 
 // Reads a project. Failure kNotFound or kUnreadable, with what can be done about it.

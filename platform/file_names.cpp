@@ -1,6 +1,7 @@
 #include "platform/file_names.h"
 
 #include <algorithm>
+#include <random>
 #include <utility>
 
 #include "platform/letter_case.h"
@@ -176,6 +177,14 @@ std::optional<std::string> FindName(const std::vector<std::string>& names,
   const std::u32string trimmed = Folded(TrimmedName(wanted));
   if (trimmed.empty()) return std::nullopt;  // Blanks and dots alone mean no other name.
   return first([&](const std::string& name) { return Folded(TrimmedName(name)) == trimmed; });
+}
+
+std::string TemporaryFileName() {
+  std::random_device chance;
+  constexpr char kHexDigits[] = "0123456789abcdef";
+  std::string name = ".kvdm-";
+  for (int i = 0; i < 16; ++i) name += kHexDigits[chance() % 16];
+  return name + ".tmp";
 }
 
 void SortNames(std::vector<std::string>& names) {

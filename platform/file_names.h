@@ -71,6 +71,9 @@ struct SearchPattern {
 [[nodiscard]] std::optional<std::string> FindName(const std::vector<std::string>& names,
                                                   std::string_view wanted);
 
+// A hidden name for a file that is there for a moment only. Nobody can tell it beforehand.
+[[nodiscard]] std::string TemporaryFileName();
+
 // Sorts names as a listing shows them: by letters without regard to case.
 void SortNames(std::vector<std::string>& names);
 

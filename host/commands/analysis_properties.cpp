@@ -73,7 +73,7 @@ class PropertiesExport : public ReadingCommand {
       throw Failure(ExitCode::kConflict,
                     fmt::format("There is a file {} already. It stays as it is.", file_));
     }
-    os::WriteBytes(path, object.dump(2) + "\n");
+    os::Replace(path, object.dump(2) + "\n");
     out.Done({{"name", analysis->Name()},
               {"file", file_},
               {"written", static_cast<std::int64_t>(object.size())}},

@@ -7,10 +7,15 @@
 #include <utf8proc.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <optional>
 #include <system_error>
+
+#include "platform/posix/file_descriptor.h"
+#include "platform/posix/folder_entries.h"
+#include "platform/posix/posix_error.h"
+#include "platform/posix/replace_file.h"
 
 namespace kvdm::os {
 namespace {
@@ -19,28 +24,39 @@ namespace {
   throw std::system_error(error, std::generic_category(), path.string());
 }
 
-class Descriptor {
- public:
-  Descriptor(const std::filesystem::path& path, int flags) : path_(path) {
-    constexpr mode_t kMode = 0666;
-    descriptor_ = ::open(path.c_str(), flags | O_CLOEXEC, kMode);
-    if (descriptor_ < 0) Fail(path);
+// Calls `body`; a system error in it becomes one that names `path`.
+template <class Body>
+auto Naming(const std::filesystem::path& path, Body body) {
+  try {
+    return body();
+  } catch (const std::system_error& error) {
+    Fail(path, error.code().value());
   }
-  ~Descriptor() { ::close(descriptor_); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
+}
 
-  [[nodiscard]] int Get() const { return descriptor_; }
+FileDescriptor Open(const std::filesystem::path& path, int flags) {
+  constexpr mode_t kMode = 0666;
+  FileDescriptor file(::open(path.c_str(), flags | O_CLOEXEC, kMode));
+  if (file.get() < 0) Fail(path);
+  return file;
+}
 
-  // Some file systems can't sync a folder; they say so with EINVAL.
-  void Sync() const {
-    if (::fsync(descriptor_) != 0 && errno != EINVAL) Fail(path_);
-  }
+// Opens a regular file. A pipe with nobody at its other end does not hold that up.
+FileDescriptor OpenRegular(const std::filesystem::path& path, int flags) {
+  FileDescriptor file = Open(path, flags | O_NONBLOCK | O_NOCTTY);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) Fail(path);
+  if (!S_ISREG(status.st_mode)) Fail(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+  return file;
+}
 
- private:
-  std::filesystem::path path_;
-  int descriptor_;
-};
+// What is at `name`. It must be a regular file.
+std::optional<EntryFacts> RegularFile(int folder, const std::string& name) {
+  const auto facts = ExamineEntry(folder, name);
+  if (facts && facts->is_link) ThrowSystemError(ELOOP);
+  if (facts && !facts->is_regular_file) ThrowSystemError(facts->is_folder ? EISDIR : EINVAL);
+  return facts;
+}
 
 }  // namespace
 
@@ -78,50 +94,38 @@ void CreateFolders(const std::filesystem::path& folder) {
 }
 
 std::string ReadBytes(const std::filesystem::path& file) {
-  // A pipe with nobody at its other end does not hold up the opening.
-  const Descriptor source(file, O_RDONLY | O_NONBLOCK);
-  struct stat status {};
-  if (::fstat(source.Get(), &status) != 0) Fail(file);
-  if (!S_ISREG(status.st_mode)) Fail(file, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-  std::string bytes;
-  std::array<char, 65536> block{};
-  for (;;) {
-    const ssize_t count = ::read(source.Get(), block.data(), block.size());
-    if (count == 0) return bytes;
-    if (count < 0 && errno != EINTR) Fail(file);
-    if (count > 0) bytes.append(block.data(), static_cast<std::size_t>(count));
-  }
+  const FileDescriptor source = OpenRegular(file, O_RDONLY);
+  return Naming(file, [&] { return ReadAll(source.get()); });
 }
 
-void WriteBytes(const std::filesystem::path& file, std::string_view bytes) {
-  const Descriptor target(file, O_WRONLY | O_CREAT | O_TRUNC);
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(target.Get(), bytes.data(), bytes.size());
-    if (count < 0 && errno != EINTR) Fail(file);
-    if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  target.Sync();
+void Replace(const std::filesystem::path& file, std::string_view bytes,
+             const std::filesystem::path& previous) {
+  const std::filesystem::path absolute = Absolute(file);
+  const FileDescriptor folder =
+      Naming(file, [&] { return OpenAt(AT_FDCWD, absolute.parent_path(), O_PATH | O_DIRECTORY); });
+  const std::string kept = previous.filename();
+  Naming(previous, [&] {
+    const auto facts = kept.empty() ? std::nullopt : ExamineEntry(folder.get(), kept);
+    if (facts && facts->is_folder) ThrowSystemError(EISDIR);
+  });
+  Naming(file, [&] {
+    const auto old = RegularFile(folder.get(), absolute.filename());
+    if (old && old->is_read_only) ThrowSystemError(EACCES);
+    kvdm::ReplaceFile(folder.get(), absolute.filename(), bytes, old, kept);
+  });
 }
 
-void KeepAs(const std::filesystem::path& file, const std::filesystem::path& second) {
-  std::filesystem::remove(second);
-  std::error_code unlinkable;
-  std::filesystem::create_hard_link(file, second, unlinkable);
-  if (unlinkable) std::filesystem::copy_file(file, second);
-}
-
-void PutInPlace(const std::filesystem::path& from, const std::filesystem::path& to) {
-  const auto replaced = std::filesystem::status(to);
-  if (std::filesystem::exists(replaced)) {
-    std::filesystem::permissions(from, replaced.permissions());
-  }
-  std::filesystem::rename(from, to);
-  Descriptor(to.parent_path(), O_RDONLY | O_DIRECTORY).Sync();
+bool IsReadOnly(const std::filesystem::path& file) {
+  const auto facts = Naming(file, [&] { return ExamineEntry(AT_FDCWD, file); });
+  return facts && facts->is_read_only;
 }
 
 std::shared_ptr<void> TryLock(const std::filesystem::path& file) {
-  auto lock = std::make_shared<Descriptor>(file, O_RDWR | O_CREAT);
-  if (::flock(lock->Get(), LOCK_EX | LOCK_NB) == 0) return lock;
+  // A file that this user may only read can be locked all the same.
+  const int access =
+      Exists(file) && ::access(file.c_str(), W_OK) != 0 ? O_RDONLY : O_RDWR | O_CREAT;
+  const auto lock = std::make_shared<FileDescriptor>(OpenRegular(file, access | O_NOFOLLOW));
+  if (::flock(lock->get(), LOCK_EX | LOCK_NB) == 0) return lock;
   if (errno != EWOULDBLOCK && errno != EINTR) Fail(file);
   return nullptr;
 }

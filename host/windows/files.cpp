@@ -1,18 +1,17 @@
 // What the host asks of the system about files.
 #include <windows.h>
 
-#include <algorithm>
-#include <array>
 #include <system_error>
 
 #include "host/os.h"
+#include "platform/windows/file_handle.h"
+#include "platform/windows/folder_entries.h"
+#include "platform/windows/save_file.h"
 
 namespace kvdm::os {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // The last error in the terms that all systems share, where they have one for it.
 std::error_condition LastError() {
@@ -41,30 +40,45 @@ bool IsFolder(const fs::path& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-class File {
- public:
-  File(const fs::path& path, DWORD access, DWORD disposition, DWORD flags = FILE_ATTRIBUTE_NORMAL)
-      : path_(path),
-        handle_(CreateFileW(LongName(path).c_str(), access, kShareAll, nullptr, disposition, flags,
-                            nullptr)) {
-    if (handle_ != INVALID_HANDLE_VALUE) return;
-    const auto why = LastError();
-    Fail(path, IsFolder(path) ? make_error_condition(std::errc::is_a_directory) : why);
+// Calls `body`; a system error in it becomes one that names `path`.
+template <class Body>
+auto Naming(const fs::path& path, Body body) {
+  try {
+    return body();
+  } catch (const std::system_error& error) {
+    Fail(path, error.code().default_error_condition());
   }
-  ~File() { CloseHandle(handle_); }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
+}
 
-  [[nodiscard]] HANDLE Get() const { return handle_; }
+FileHandle Open(const fs::path& path, DWORD access, DWORD disposition,
+                DWORD flags = FILE_ATTRIBUTE_NORMAL) {
+  FileHandle file(
+      CreateFileW(LongName(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr));
+  if (file.is_open()) return file;
+  const auto why = LastError();
+  Fail(path, IsFolder(path) ? make_error_condition(std::errc::is_a_directory) : why);
+}
 
-  void Require(BOOL done) const {
-    if (done == FALSE) Fail(path_);
+// Opens what is a file on a disk.
+FileHandle OpenRegular(const fs::path& path, DWORD access, DWORD disposition, DWORD flags) {
+  FileHandle file = Open(path, access, disposition, flags);
+  if (GetFileType(file.get()) != FILE_TYPE_DISK) {
+    Fail(path, make_error_condition(std::errc::invalid_argument));
   }
+  return file;
+}
 
- private:
-  fs::path path_;
-  HANDLE handle_;
-};
+// Fails for what is there and no file itself.
+void RequireFile(const fs::path& path) {
+  const DWORD attributes = GetFileAttributesW(LongName(path).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return;
+  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+    Fail(path, make_error_condition(std::errc::too_many_symbolic_link_levels));
+  }
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    Fail(path, make_error_condition(std::errc::is_a_directory));
+  }
+}
 
 }  // namespace
 
@@ -81,10 +95,10 @@ fs::path Absolute(const fs::path& path) {
 }
 
 fs::path Canonical(const fs::path& path) {
-  const File file(path, 0, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
-  std::wstring name(GetFinalPathNameByHandleW(file.Get(), nullptr, 0, 0), L'\0');
+  const FileHandle file = Open(path, 0, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+  std::wstring name(GetFinalPathNameByHandleW(file.get(), nullptr, 0, 0), L'\0');
   name.resize(
-      GetFinalPathNameByHandleW(file.Get(), name.data(), static_cast<DWORD>(name.size()), 0));
+      GetFinalPathNameByHandleW(file.get(), name.data(), static_cast<DWORD>(name.size()), 0));
   // Some drives have no such name for their files.
   return name.empty() ? Absolute(path) : WithoutLongPrefix(std::move(name));
 }
@@ -113,60 +127,34 @@ void CreateFolders(const fs::path& folder) {
 }
 
 std::string ReadBytes(const fs::path& file) {
-  const File source(file, GENERIC_READ, OPEN_EXISTING);
-  if (GetFileType(source.Get()) != FILE_TYPE_DISK) {
-    Fail(file, make_error_condition(std::errc::invalid_argument));
-  }
-  std::string bytes;
-  std::array<char, 65536> block{};
-  for (;;) {
-    DWORD count = 0;
-    source.Require(ReadFile(source.Get(), block.data(), block.size(), &count, nullptr));
-    if (count == 0) return bytes;
-    bytes.append(block.data(), count);
-  }
+  const FileHandle source = OpenRegular(file, GENERIC_READ, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
+  return Naming(file, [&] { return ReadAll(source); });
 }
 
-void WriteBytes(const fs::path& file, std::string_view bytes) {
-  constexpr std::size_t kLargestWrite = 1U << 30U;
-  const File target(file, GENERIC_WRITE, CREATE_ALWAYS);
-  while (!bytes.empty()) {
-    DWORD count = 0;
-    const auto wanted = static_cast<DWORD>(std::min(bytes.size(), kLargestWrite));
-    target.Require(WriteFile(target.Get(), bytes.data(), wanted, &count, nullptr));
-    bytes.remove_prefix(count);
-  }
-  target.Require(FlushFileBuffers(target.Get()));
+void Replace(const fs::path& file, std::string_view bytes, const fs::path& previous) {
+  RequireFile(file);
+  if (IsReadOnly(file)) Fail(file, make_error_condition(std::errc::permission_denied));
+  if (!previous.empty()) RequireFile(previous);
+  Naming(file, [&] {
+    SaveFile(LongName(file), bytes, previous.empty() ? std::wstring() : LongName(previous));
+  });
 }
 
-void KeepAs(const fs::path& file, const fs::path& second) {
-  const std::wstring from = LongName(file);
-  const std::wstring to = LongName(second);
-  if (DeleteFileW(to.c_str()) == FALSE && LastError() != std::errc::no_such_file_or_directory) {
-    Fail(second);
-  }
-  // Not every drive gives files second names.
-  if (CreateHardLinkW(to.c_str(), from.c_str(), nullptr) == FALSE &&
-      CopyFileW(from.c_str(), to.c_str(), TRUE) == FALSE) {
-    Fail(second);
-  }
-}
-
-void PutInPlace(const fs::path& from, const fs::path& to) {
-  const std::wstring source = LongName(from);
-  const std::wstring target = LongName(to);
-  const BOOL done = Exists(to)
-                        ? ReplaceFileW(target.c_str(), source.c_str(), nullptr,
-                                       REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr)
-                        : MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH);
-  if (done == FALSE) Fail(to);
+bool IsReadOnly(const fs::path& file) {
+  const DWORD attributes = GetFileAttributesW(LongName(file).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
 std::shared_ptr<void> TryLock(const fs::path& file) {
-  auto lock = std::make_shared<File>(file, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+  RequireFile(file);
+  // A file that this user may only read can be locked all the same.
+  const bool changes = !IsReadOnly(file);
+  auto lock = std::make_shared<FileHandle>(
+      OpenRegular(file, changes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ,
+                  changes ? OPEN_ALWAYS : OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT));
   OVERLAPPED start{};
   const DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
-  if (LockFileEx(lock->Get(), flags, 0, 1, 0, &start) != FALSE) return lock;
+  if (LockFileEx(lock->get(), flags, 0, 1, 0, &start) != FALSE) return lock;
   if (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING) Fail(file);
   return nullptr;
 }

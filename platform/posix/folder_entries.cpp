@@ -100,6 +100,8 @@ std::optional<EntryFacts> ExamineEntry(int folder, const std::string& name) {
   facts.is_regular_file = S_ISREG(status->st_mode);
   facts.is_link = S_ISLNK(status->st_mode);
   facts.permissions = status->st_mode & 0777U;
+  facts.owner = status->st_uid;
+  facts.group = status->st_gid;
   facts.is_read_only = (facts.permissions & 0222U) == 0;
   if (facts.is_folder || facts.is_regular_file) facts.attributes = StoredAttributes(folder, name);
   facts.is_seen =

@@ -32,6 +32,8 @@ struct EntryFacts {
   bool is_seen = true;  // Neither hidden nor system.
   bool is_read_only = false;
   mode_t permissions = 0;
+  uid_t owner = 0;
+  gid_t group = 0;
   unsigned attributes = 0;  // The FileAttribute bits that are stored with it.
 };
 

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <cerrno>
 #include <utility>
 
@@ -20,17 +19,6 @@ namespace {
 
 FileDescriptor Readable(const FileDescriptor& folder) {
   return OpenAt(folder.get(), ".", O_RDONLY | O_DIRECTORY);
-}
-
-std::string ReadAll(int file) {
-  std::string content;
-  std::array<char, 65536> buffer;
-  while (true) {
-    const ssize_t size = ::read(file, buffer.data(), buffer.size());
-    if (size == 0) return content;
-    if (size < 0 && errno != EINTR) ThrowSystemError(errno);
-    if (size > 0) content.append(buffer.data(), static_cast<std::size_t>(size));
-  }
 }
 
 // A pipe without a writer must not block, hence O_NONBLOCK.

@@ -3,9 +3,11 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <atomic>
+#include <array>
 #include <cerrno>
+#include <tuple>
 
+#include "platform/file_names.h"
 #include "platform/posix/dos_attributes.h"
 #include "platform/posix/posix_error.h"
 
@@ -14,21 +16,19 @@ namespace {
 
 constexpr mode_t kNewFilePermissions = 0666;
 
-std::string TemporaryName() {
-  static std::atomic<unsigned> count = 0;
-  return ".kvdm-" + std::to_string(::getpid()) + "-" + std::to_string(++count) + ".tmp";
-}
-
 // A new file, which is removed at the end unless it was moved to its place.
 class TemporaryFile {
  public:
-  TemporaryFile(int folder, mode_t permissions) : folder_(folder), file_(-1) {
-    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+  // For the place of `old`, which nobody may read meanwhile who may not read that.
+  TemporaryFile(int folder, const std::optional<EntryFacts>& old) : folder_(folder), file_(-1) {
+    constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    const mode_t permissions = old ? old->permissions & S_IRWXU : kNewFilePermissions;
     do {
-      name_ = TemporaryName();
+      name_ = TemporaryFileName();
       file_ = FileDescriptor(::openat(folder, name_.c_str(), kFlags, permissions));
     } while (file_.get() < 0 && errno == EEXIST);
     if (file_.get() < 0) ThrowSystemError(errno);
+    if (old) KeepProperties(*old);
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -36,15 +36,16 @@ class TemporaryFile {
     if (!moved_) ::unlinkat(folder_, name_.c_str(), 0);
   }
 
-  [[nodiscard]] int file() const { return file_.get(); }
-
+  // On return the bytes are on the disk, and can be read again.
   void Write(std::string_view bytes) {
-    while (!bytes.empty()) {
-      const ssize_t written = ::write(file(), bytes.data(), bytes.size());
+    for (std::string_view rest = bytes; !rest.empty();) {
+      const ssize_t written = ::write(file_.get(), rest.data(), rest.size());
       if (written < 0 && errno != EINTR) ThrowSystemError(errno);
-      if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
+      if (written > 0) rest.remove_prefix(static_cast<std::size_t>(written));
     }
-    if (::fsync(file()) != 0) ThrowSystemError(errno);
+    if (::fsync(file_.get()) != 0) ThrowSystemError(errno);
+    if (::lseek(file_.get(), 0, SEEK_SET) != 0) ThrowSystemError(errno);
+    if (ReadAll(file_.get()) != bytes) ThrowSystemError(EIO);
   }
 
   void MoveTo(const std::string& name) {
@@ -53,16 +54,37 @@ class TemporaryFile {
   }
 
  private:
+  // The owner, or else the group, stays where this process may give the file away. Where the file
+  // system has no permissions or attributes of its own, the content is still saved.
+  void KeepProperties(const EntryFacts& old) {
+    constexpr auto kAnyOwner = static_cast<uid_t>(-1);
+    if (::fchown(file_.get(), old.owner, old.group) != 0) {
+      std::ignore = ::fchown(file_.get(), kAnyOwner, old.group);
+    }
+    ::fchmod(file_.get(), old.permissions);
+    if (old.attributes != 0) WriteDosAttributes(file_.get(), old.attributes);
+  }
+
   int folder_;
   std::string name_;
   FileDescriptor file_;
   bool moved_ = false;
 };
 
-// Where the file system has no permissions or attributes of its own, the content is still saved.
-void KeepProperties(int file, const EntryFacts& old) {
-  ::fchmod(file, old.permissions);
-  if (old.attributes != 0) WriteDosAttributes(file, old.attributes);
+// Where files can't have two names, a copy does.
+void KeepAs(int folder, const std::string& name, const EntryFacts& facts,
+            const std::string& second) {
+  const std::string link = TemporaryFileName();
+  if (::linkat(folder, name.c_str(), folder, link.c_str(), 0) != 0) {
+    TemporaryFile copy(folder, facts);
+    copy.Write(ReadAll(OpenAt(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK).get()));
+    return copy.MoveTo(second);
+  }
+  const int moved = ::renameat(folder, link.c_str(), folder, second.c_str());
+  const int error = errno;
+  // Two names of one file stay two when one is moved to the other.
+  ::unlinkat(folder, link.c_str(), 0);
+  if (moved != 0) ThrowSystemError(error);
 }
 
 // Makes the new name outlast a power failure. The file is in its place by now whatever comes of it.
@@ -73,12 +95,23 @@ void SyncFolder(int folder) {
 
 }  // namespace
 
+std::string ReadAll(int file) {
+  std::string content;
+  std::array<char, 65536> buffer;
+  while (true) {
+    const ssize_t size = ::read(file, buffer.data(), buffer.size());
+    if (size == 0) return content;
+    if (size < 0 && errno != EINTR) ThrowSystemError(errno);
+    if (size > 0) content.append(buffer.data(), static_cast<std::size_t>(size));
+  }
+}
+
 void ReplaceFile(int folder, const std::string& name, std::string_view bytes,
-                 const std::optional<EntryFacts>& old) {
-  const bool keeps = old && !old->is_link;
-  TemporaryFile temporary(folder, keeps ? old->permissions : kNewFilePermissions);
-  if (keeps) KeepProperties(temporary.file(), *old);
+                 const std::optional<EntryFacts>& old, const std::string& previous) {
+  const auto kept = old && !old->is_link ? old : std::nullopt;
+  TemporaryFile temporary(folder, kept);
   temporary.Write(bytes);
+  if (kept && !previous.empty()) KeepAs(folder, name, *kept, previous);
   temporary.MoveTo(name);
   SyncFolder(folder);
 }

@@ -1,4 +1,4 @@
-// Replacing a file as a whole.
+// Replacing a file as a whole. Errors are std::system_error.
 #pragma once
 
 #include <string>
@@ -8,9 +8,14 @@
 
 namespace kvdm {
 
-// Writes `bytes` to a new file in `folder` and lets it take the place of `name`, with the
-// permissions and attributes of `old`. After a failure (std::system_error) everything is as before.
+// Writes `bytes` to a new file in `folder`, reads them again, and lets it take the place of `name`
+// in one step, with the permissions, attributes and, as far as the process may, the owner of `old`.
+// What is there stays as `previous`, unless that is "". A link in the place is replaced itself.
+// After a failure `name` is as before.
 void ReplaceFile(int folder, const std::string& name, std::string_view bytes,
-                 const std::optional<EntryFacts>& old);
+                 const std::optional<EntryFacts>& old, const std::string& previous = {});
+
+// What is left to read of an open file.
+[[nodiscard]] std::string ReadAll(int file);
 
 }  // namespace kvdm

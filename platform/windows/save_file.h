@@ -1,15 +1,19 @@
-// Replacing a file as a whole.
+// Replacing a file as a whole. Errors are std::system_error.
 #pragma once
 
+#include <string>
 #include <string_view>
 
-#include "platform/windows/windows_paths.h"
+#include "platform/windows/file_handle.h"
 
 namespace kvdm {
 
-// Writes `bytes` to a new file in the folder of `place` and lets it take that place, with the
-// attributes and access rights of what is there. After a failure (std::system_error) everything is
-// as before.
-void SaveFile(const WindowsPlace& place, std::string_view bytes);
+// Writes `bytes` to a new file beside `path`, a path as the system takes it, reads them again, and
+// lets it take that place in one step, with the attributes and access rights of what is there.
+// That stays as `previous`, unless that is "". After a failure the file is as before.
+void SaveFile(const std::wstring& path, std::string_view bytes, const std::wstring& previous = {});
+
+// What is left to read of an open file.
+[[nodiscard]] std::string ReadAll(const FileHandle& file);
 
 }  // namespace kvdm

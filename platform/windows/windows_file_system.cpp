@@ -17,23 +17,6 @@
 #include "platform/windows/windows_paths.h"
 
 namespace kvdm {
-namespace {
-
-std::string ReadAll(const FileHandle& file) {
-  std::string content;
-  std::array<char, 65536> buffer;
-  while (true) {
-    DWORD size = 0;
-    if (::ReadFile(file.get(), buffer.data(), buffer.size(), &size, nullptr) == FALSE) {
-      ThrowLastError();
-    }
-    if (size == 0) return content;
-    content.append(buffer.data(), size);
-  }
-}
-
-}  // namespace
-
 bool WindowsFileSystem::FolderExists(std::string_view path) {
   try {
     DrivePath resolved = ResolveWindowsPath(path);
@@ -119,7 +102,7 @@ void WindowsFileSystem::WriteFile(std::string_view path, std::string_view bytes)
     if (place.IsFolder()) throw PathError(kPathFileAccess, path);
     const bool read_only = (place.attributes.value_or(0) & FILE_ATTRIBUTE_READONLY) != 0;
     if (read_only) throw PathError(kPermissionDenied, path);
-    SaveFile(place, bytes);
+    SaveFile(SystemPath(place.path), bytes);
   });
 }
 

@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 #include "host/os.h"
 #include "tests/temp_folder.h"
 
@@ -12,6 +16,20 @@ namespace {
 using ::testing::HasSubstr;
 
 namespace fs = std::filesystem;
+
+// Makes a folder the current one.
+class CurrentFolder {
+ public:
+  explicit CurrentFolder(const fs::path& folder) : before_(fs::current_path()) {
+    fs::current_path(folder);
+  }
+  ~CurrentFolder() { fs::current_path(before_); }
+  CurrentFolder(const CurrentFolder&) = delete;
+  CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+ private:
+  fs::path before_;
+};
 
 class ProjectFileTest : public ::testing::Test {
  protected:
@@ -42,7 +60,7 @@ TEST_F(ProjectFileTest, KeepsThePreviousFile) {
 
   EXPECT_EQ(ReadProjectFile(file_).values, ProjectWith("two").values);
   EXPECT_EQ(ReadProjectFile(Beside(file_, ".bak")).values, ProjectWith("one").values);
-  EXPECT_FALSE(fs::exists(Beside(file_, ".tmp")));
+  EXPECT_EQ(os::FilesIn(folder_.Path()).size(), 2U);
 }
 
 TEST_F(ProjectFileTest, IsNotRewrittenWithoutAChange) {
@@ -53,7 +71,7 @@ TEST_F(ProjectFileTest, IsNotRewrittenWithoutAChange) {
 
 TEST_F(ProjectFileTest, StaysAsItIsWhenItCantBeWritten) {
   WriteProjectFile(file_, ProjectWith("one"));
-  fs::create_directory(Beside(file_, ".tmp"));
+  fs::create_directory(Beside(file_, ".bak"));
 
   const Failure failure = FailureOf([&] { WriteProjectFile(file_, ProjectWith("two")); });
 
@@ -64,7 +82,7 @@ TEST_F(ProjectFileTest, StaysAsItIsWhenItCantBeWritten) {
 TEST_F(ProjectFileTest, NamesThePreviousFileWhenItIsDamaged) {
   WriteProjectFile(file_, ProjectWith("one"));
   WriteProjectFile(file_, ProjectWith("two"));
-  os::WriteBytes(file_, "damaged");
+  os::Replace(file_, "damaged");
 
   const Failure failure = FailureOf([&] { static_cast<void>(ReadProjectFile(file_)); });
 
@@ -78,6 +96,55 @@ TEST_F(ProjectFileTest, IsNotAFolder) {
   const Failure failure = FailureOf([&] { static_cast<void>(ReadProjectFile(file_)); });
 
   EXPECT_EQ(failure.code(), ExitCode::kUnreadable);
+}
+
+// A project that stands in a folder is found there at every moment, and so is one that is named.
+TEST_F(ProjectFileTest, IsThereAllTheTimeWhileItIsReplaced) {
+  constexpr int kTimes = 400;
+  const CurrentFolder inside(folder_.Path());
+  WriteProjectFile(file_, ProjectWith("first"));
+  std::atomic<bool> done = false;
+  std::jthread replacing([&] {
+    for (int i = 0; i < kTimes; ++i)
+      WriteProjectFile(file_, ProjectWith(std::to_string(i).c_str()));
+    done = true;
+  });
+
+  int missed = 0;
+  int looks = 0;
+  while (!done) {
+    for (const char* given : {"", "North.kvdm"}) {
+      const Failure failure = FailureOf([&] { static_cast<void>(FindProjectFile(given)); });
+      if (failure.code() != ExitCode::kDone) ++missed;
+      ++looks;
+    }
+  }
+
+  EXPECT_EQ(missed, 0) << "of " << looks;
+}
+
+// As at a moment when the file is not there, while another kvdm puts it in place.
+TEST_F(ProjectFileTest, IsWaitedForWhileItsLockIsHeld) {
+  const fs::path inner = folder_.Path("inner");
+  fs::create_directory(inner);
+  const fs::path project = inner / "Inner.kvdm";
+  WriteProjectFile(file_, ProjectWith("outer"));
+  const CurrentFolder inside(inner);
+  for (const char* given : {"", "Inner.kvdm"}) {
+    SCOPED_TRACE(given);
+    auto lock = os::TryLock(Beside(project, ".lock"));
+    std::jthread other([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      WriteProjectFile(project, ProjectWith("inner"));
+      lock.reset();
+    });
+
+    EXPECT_EQ(FindProjectFile(given), os::Canonical(folder_.Path()) / "inner" / "Inner.kvdm");
+    other.join();
+    fs::remove(project);
+  }
+  // The lock file of a project that was removed keeps nobody from the one above.
+  EXPECT_EQ(FindProjectFile(""), os::Canonical(file_));
 }
 
 TEST_F(ProjectFileTest, LocksOutOthersUntilTheLockIsGone) {

@@ -30,7 +30,7 @@ Failure FailureOfRegistering(const fs::path& file, ComScope scope) {
 
 TEST(ComServerTest, KnowsTheWordSizeOfLibrariesOnly) {
   const TempFolder folder;
-  os::WriteBytes(folder.Path("text"), "MZ, but that is all of it");
+  os::Replace(folder.Path("text"), "MZ, but that is all of it");
 
   EXPECT_EQ(WordSize(kSystemLibrary), 64);
   EXPECT_EQ(WordSize(OwnComServer().parent_path() / "host_test.exe"), std::nullopt);

@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include "platform/utf8.h"
-#include "tests/platform/windows/wine.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm {
@@ -56,9 +55,8 @@ TEST_F(WindowsOsTest, WorksOnPathsOfAnyLength) {
   const fs::path file = deep / "file";
 
   os::CreateFolders(deep);
-  os::WriteBytes(deep / "new", "text");
-  os::PutInPlace(deep / "new", file);
-  os::KeepAs(file, deep / "second");
+  os::Replace(file, "text");
+  os::Replace(file, "new text", deep / "second");
 
   EXPECT_TRUE(os::TryLock(deep / "lock"));
   EXPECT_EQ(os::ReadBytes(deep / "second"), "text");
@@ -73,33 +71,41 @@ TEST_F(WindowsOsTest, WorksOnPathsOfAnyLength) {
 
 TEST_F(WindowsOsTest, ListsTheFilesOfAFolderButNoFolders) {
   os::CreateFolders(folder_ / "folder");
-  os::WriteBytes(folder_ / "file", "");
+  os::Replace(folder_ / "file", "");
 
   EXPECT_THAT(os::FilesIn(folder_), ElementsAre(folder_ / "file"));
 }
 
 TEST_F(WindowsOsTest, KeepsTheAttributesOfWhatItReplaces) {
-  os::WriteBytes(folder_ / "file", "old");
+  os::Replace(folder_ / "file", "old");
   SetFileAttributesW((folder_ / "file").c_str(), FILE_ATTRIBUTE_HIDDEN);
-  os::WriteBytes(folder_ / "new", "new");
 
-  os::PutInPlace(folder_ / "new", folder_ / "file");
+  os::Replace(folder_ / "file", "new");
 
   EXPECT_EQ(os::ReadBytes(folder_ / "file"), "new");
   const DWORD attributes = GetFileAttributesW((folder_ / "file").c_str());
-  // Wine gives the replacement's.
-  EXPECT_EQ((attributes & FILE_ATTRIBUTE_HIDDEN) != 0, !IsWine());
+  EXPECT_NE(attributes & FILE_ATTRIBUTE_HIDDEN, 0U);
 }
 
 TEST_F(WindowsOsTest, KeepsWhatAFileWasUnderItsSecondName) {
-  os::WriteBytes(folder_ / "file", "old");
-  os::WriteBytes(folder_ / "second", "older");
-  os::KeepAs(folder_ / "file", folder_ / "second");
-  os::WriteBytes(folder_ / "new", "new");
+  os::Replace(folder_ / "file", "old");
+  os::Replace(folder_ / "second", "older");
 
-  os::PutInPlace(folder_ / "new", folder_ / "file");
+  os::Replace(folder_ / "file", "new", folder_ / "second");
 
   EXPECT_EQ(os::ReadBytes(folder_ / "second"), "old");
+  EXPECT_EQ(os::ReadBytes(folder_ / "file"), "new");
+  EXPECT_EQ(os::FilesIn(folder_).size(), 2U);
+}
+
+TEST_F(WindowsOsTest, ReplacesNoFileThatNobodyMayWrite) {
+  os::Replace(folder_ / "file", "old");
+  SetFileAttributesW((folder_ / "file").c_str(), FILE_ATTRIBUTE_READONLY);
+
+  EXPECT_EQ(ErrorOf([&] { os::Replace(folder_ / "file", "new"); }), std::errc::permission_denied);
+
+  SetFileAttributesW((folder_ / "file").c_str(), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(os::ReadBytes(folder_ / "file"), "old");
 }
 
 TEST_F(WindowsOsTest, SaysInTermsOfAllSystemsWhatFails) {
@@ -109,9 +115,9 @@ TEST_F(WindowsOsTest, SaysInTermsOfAllSystemsWhatFails) {
   EXPECT_EQ(ErrorOf([&] { static_cast<void>(os::Canonical(missing)); }),
             std::errc::no_such_file_or_directory);
   EXPECT_EQ(ErrorOf([&] { static_cast<void>(os::ReadBytes(folder_)); }), std::errc::is_a_directory);
-  EXPECT_EQ(ErrorOf([&] { os::WriteBytes(folder_, ""); }), std::errc::is_a_directory);
+  EXPECT_EQ(ErrorOf([&] { os::Replace(folder_, ""); }), std::errc::is_a_directory);
   EXPECT_EQ(ErrorOf([&] { static_cast<void>(os::ReadBytes("NUL")); }), std::errc::invalid_argument);
-  os::WriteBytes(folder_ / "file", "");
+  os::Replace(folder_ / "file", "");
   EXPECT_EQ(ErrorOf([&] { os::CreateFolders(folder_ / "file" / "in"); }), std::errc::file_exists);
 }
 
