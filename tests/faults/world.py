@@ -1,0 +1,424 @@
+"""A place with a project, a registry and files, in which commands are disturbed, and what is left of it.
+
+    WORLD/work/P      the project, with study areas, analyses, layers and files in their folders
+    WORLD/work/data   the registry
+    WORLD/outside     what no command may touch; a link in a study area's folder leads there
+    WORLD/home, tmp   empty, and to stay so
+"""
+
+import json
+import os
+import pathlib
+import re
+import shutil
+import sqlite3
+import subprocess
+import tempfile
+import time
+
+TIME_LIMIT = 60  # seconds; a command that takes longer hangs
+ENOUGH = 20  # cases of one kind that are printed in full
+
+REGISTRY = "work/data/kvdm/registry.db"
+PROJECT = "work/P/P.kvdm"
+CATALOGUE = "catalogue"
+
+GUID = re.compile(r"\{[0-9A-F]{8}(?:-[0-9A-F]{4}){3}-[0-9A-F]{12}\}")
+TIME = re.compile(r"\d{1,2}/\d{1,2}/\d{4} \d{1,2}:\d{2}:\d{2} [AP]M")
+# Folders that are made at once and, when that fails, later when something goes there.
+ON_DEMAND = re.compile(r"/KVData/(KelvaroTemp|StoreLayers|CustLayers|Data)$")
+# What may be left beside stores and side-cars.
+LITTER = re.compile(r"(^|/)\.kvdm-[^/]*$|\.(tmp|bak|lock)$|\.db-journal$|\.kvdm\.[^/]*$")
+
+SETTING_UP = [
+    ["area", "create", "North"],
+    ["area", "create", "South"],
+    ["area", "use", "North"],
+    ["analysis", "create", "Sales"],
+    ["analysis", "create", "Rent"],
+    ["analysis", "param", "set", "Sales", "Radius", "500"],
+    ["store", "create", "Stores"],
+    ["customer", "create", "Members"],
+    ["data", "create", "Streets"],
+    ["metadata", "export", "Sales"],
+    ["analysis", "param", "set", "Sales", "Radius", "600"],
+]
+
+DATA = "work/P/KVData/"
+FILES = {
+    "outside/canary.txt": "untouched",
+    "work/P/properties.json": '{"Comments": "From a file", "Radius": "800"}',
+    DATA + "StudyAreas/North/map.txt": "the north",
+    DATA + "StudyAreas/North/Analyses/Rent/result.txt": "rents",
+    DATA + "StudyAreas/North/Analyses/Rent/maps/deep.txt": "deep",
+    DATA + "StudyAreas/North/Analyses/Sales/result.txt": "sales",
+    DATA + "StudyAreas/South/map.txt": "the south",
+    DATA + "StudyAreas/South/maps/deep.txt": "deep",
+    DATA + "StoreLayers/Stores.lyr": "stores",
+    DATA + "CustLayers/Members.lyr": "members",
+    DATA + "Data/Streets.shp": "streets",
+}
+
+# The commands that are disturbed, by name; those of an item's files say what lists the item.
+COMMANDS = {
+    "init": ["init", "../New"],
+    "area create": ["area", "create", "East"],
+    "area rename": ["area", "rename", "South", "Sued"],
+    "area rename current": ["area", "rename", "North", "Nord"],
+    "area set": ["area", "set", "South", "--layer-file", "Z:\\maps\\South.lyr"],
+    "area comment": ["area", "comment", "South", "Checked in May"],
+    "area prop": ["area", "prop", "set", "South", "TYPE", "urban"],
+    "area use": ["area", "use", "South"],
+    "area delete": ["area", "delete", "South", "--yes"],
+    "area delete current": ["area", "delete", "North", "--yes"],
+    "area list": ["area", "list"],
+    "analysis create": ["analysis", "create", "Traffic"],
+    "analysis rename": ["analysis", "rename", "Rent", "Rents"],
+    "analysis set": ["analysis", "set", "Rent", "--created", "long ago"],
+    "analysis comment": ["analysis", "comment", "Rent", "Within 500 metres"],
+    "analysis delete": ["analysis", "delete", "Rent", "--yes"],
+    "param set": ["analysis", "param", "set", "Sales", "Radius", "700"],
+    "properties import": ["analysis", "properties", "import", "Sales", "properties.json"],
+    "properties export": ["analysis", "properties", "export", "Sales", "sales.json"],
+    "store create": ["store", "create", "Kiosks"],
+    "store set": ["store", "set", "Stores", "--id-field", "ID", "--name-field", "NAME"],
+    "store rename": ["store", "rename", "Stores", "Shops"],
+    "store delete": ["store", "delete", "Stores", "--yes"],
+    "customer create": ["customer", "create", "Clients"],
+    "customer delete": ["customer", "delete", "Members", "--yes"],
+    "data create": ["data", "create", "Rivers"],
+    "data set": ["data", "set", "Streets", "--info", "of 2026"],
+    "data rename": ["data", "rename", "Streets", "Roads"],
+    "metadata export": ["metadata", "export", "Sales"],
+    "metadata import": ["metadata", "import", "Sales"],
+    "status": ["status"],
+    "library": None,  # the library host, which is no command
+}
+LISTED_IN_CATALOGUE = ("area delete", "area delete current")
+
+
+class Outcome:
+    """What a program answered: its status, texts, and what the disturbance reported."""
+
+    def __init__(self, status, out, err, calls=0, disturbed=0, name="none"):
+        self.status, self.out, self.err = status, out, err
+        self.calls, self.disturbed, self.name = calls, disturbed, name
+
+
+class State:
+    """What stands in the stores and folders; times and new identifiers are left out."""
+
+    def __init__(self, stores, tree, litter, outside):
+        self.stores, self.tree, self.litter, self.outside = stores, tree, litter, outside
+
+
+class World:
+    def __init__(self, kvdm, disturb, library_host):
+        self.kvdm, self.disturb, self.library_host = kvdm, disturb, library_host
+        memory = "/dev/shm"
+        base = memory if os.access(memory, os.W_OK) else None
+        self.base = pathlib.Path(tempfile.mkdtemp(prefix="kvdm-", dir=base))
+        self.root = str(self.base / "world") + "/"
+        self.report = str(self.base / "report")
+        self.known = {}
+        self.guids = set()
+        self.environment = {
+            "PATH": os.environ["PATH"],
+            "LC_ALL": "C.UTF-8",
+            "HOME": self.root + "home",
+            "TMPDIR": self.root + "tmp",
+            "XDG_DATA_HOME": self.root + "work/data",
+        }
+        self.build()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        shutil.rmtree(self.base)
+
+    def build(self):
+        for folder in ("home", "tmp", "outside", "work/data"):
+            os.makedirs(self.root + folder)
+        self.require(["init", "P"], "work")
+        for command in SETTING_UP:
+            self.require(command)
+        for path, text in FILES.items():
+            os.makedirs(os.path.dirname(self.root + path), exist_ok=True)
+            pathlib.Path(self.root + path).write_text(text)
+        os.symlink(self.root + "outside", self.root + DATA + "StudyAreas/South/link")
+        self.files = self.scan()
+        for content in self.files.values():
+            if isinstance(content, bytes):
+                self.guids.update(GUID.findall(content.decode(errors="replace")))
+
+    def require(self, command, folder="work/P"):
+        outcome = self.run([self.kvdm, *command], folder)
+        if outcome.status != 0:
+            raise SystemExit(f"{command} ends with {outcome.status}: {outcome.err}")
+
+    def run(self, words, folder="work/P"):
+        """Runs a program; status -1 when it hangs, and minus the number of the signal that ended it."""
+        process = subprocess.Popen(
+            words, cwd=self.root + folder, env=self.environment, stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, close_fds=False)
+        try:
+            out, err = process.communicate(timeout=TIME_LIMIT)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.communicate()
+            return Outcome(-1, "", "hangs")
+        return Outcome(process.returncode, out.decode(errors="replace"), err.decode(errors="replace"))
+
+    def words(self, name):
+        """The program and its arguments for a name of COMMANDS."""
+        command = COMMANDS[name]
+        if command is None:
+            return [self.library_host, self.root + "work/P/KVData"]
+        return [self.kvdm, *command]
+
+    def disturbed(self, words, *options):
+        outcome = self.run([self.disturb, "--report", self.report, *options, "--", *words])
+        if outcome.status != -1:
+            calls, disturbed, outcome.name = pathlib.Path(self.report).read_text().split()
+            outcome.calls, outcome.disturbed = int(calls), int(disturbed)
+        return outcome
+
+    def scan(self):
+        """Everything below the root: bytes for a file, None for a folder, the target of a link."""
+        found, folders = {}, [""]
+        while folders:
+            folder = folders.pop()
+            with os.scandir(self.root + folder) as entries:
+                for entry in entries:
+                    path = folder + entry.name
+                    if entry.is_symlink():
+                        found[path] = os.readlink(entry.path)
+                    elif entry.is_dir():
+                        found[path] = None
+                        folders.append(path + "/")
+                    else:
+                        with open(entry.path, "rb") as file:
+                            found[path] = file.read()
+        return found
+
+    def restore(self, files=None):
+        """Makes the world what it was, or what `files` says."""
+        wanted = self.files if files is None else files
+        now = self.scan()
+        for path in sorted(now, reverse=True):
+            if path not in wanted or wanted[path] != now[path]:
+                if now[path] is None:
+                    os.rmdir(self.root + path)
+                else:
+                    os.unlink(self.root + path)
+                del now[path]
+        for path in sorted(wanted):
+            if path in now:
+                continue
+            if wanted[path] is None:
+                os.mkdir(self.root + path)
+            elif isinstance(wanted[path], str):
+                os.symlink(wanted[path], self.root + path)
+            else:
+                with open(self.root + path, "wb") as file:
+                    file.write(wanted[path])
+
+    def plain(self, content):
+        """A text without times and new identifiers."""
+        text = content.decode(errors="replace") if isinstance(content, bytes) else content
+        text = GUID.sub(lambda guid: guid[0] if guid[0] in self.guids else "{NEW}", text)
+        return TIME.sub("TIME", text)
+
+    def project(self, content):
+        try:
+            project = json.loads(content)
+            project.pop("checksum")
+        except (ValueError, KeyError, AttributeError) as error:
+            return f"damaged: {error}"
+        return self.plain(json.dumps(project, sort_keys=True))
+
+    def catalogue(self, files):
+        """The rows of the registry's values; reads a copy, so that nothing is recovered by reading."""
+        database, journal = files.get(REGISTRY), files.get(REGISTRY + "-journal")
+        if database is None:
+            return "none"
+        copy = str(self.base / "copy.db")
+        for path, content in ((copy, database), (copy + "-journal", journal)):
+            if content is not None:
+                pathlib.Path(path).write_bytes(content)
+        try:
+            connection = sqlite3.connect(copy)
+            try:
+                sound = connection.execute("PRAGMA integrity_check").fetchall()
+                if sound != [("ok",)]:
+                    return f"damaged: {sound}"
+                rows = connection.execute("SELECT key, name, type, data FROM registry_value ORDER BY 1, 2")
+                return "\n".join(self.plain(str(row)) for row in rows)
+            finally:
+                connection.close()
+        except sqlite3.Error as error:
+            return "none" if not database else f"damaged: {error}"
+        finally:
+            for path in (copy, copy + "-journal"):
+                if os.path.exists(path):
+                    os.unlink(path)
+
+    def once(self, key, content, read):
+        """What `read` makes of a content; looked up when that was asked before."""
+        if (key, content) not in self.known:
+            self.known[key, content] = read()
+        return self.known[key, content]
+
+    def state(self):
+        files = self.scan()
+        stores, tree, litter, outside = {}, {}, [], {}
+        stores[CATALOGUE] = self.once(
+            CATALOGUE, (files.get(REGISTRY), files.get(REGISTRY + "-journal")),
+            lambda: self.catalogue(files))
+        for path, content in files.items():
+            if not path.startswith("work"):
+                outside[path] = content
+            elif path == REGISTRY:
+                continue
+            elif LITTER.search(path):
+                litter.append(path)
+            elif path.endswith(".kvdm"):
+                stores[path] = self.once("project", content, lambda c=content: self.project(c))
+            elif isinstance(content, bytes):
+                tree[path] = self.once("text", content, lambda c=content: self.plain(c))
+            else:
+                tree[path] = content
+        return State(stores, tree, litter, outside)
+
+
+class Reference:
+    """A command as it goes undisturbed: the states before and after, and what it says."""
+
+    def __init__(self, world, name):
+        self.name, self.words = name, world.words(name)
+        world.restore()
+        self.before = world.state()
+        self.outcome = world.disturbed(self.words)
+        if self.outcome.status != 0:
+            raise SystemExit(f"{name} ends with {self.outcome.status}: {self.outcome.err}")
+        self.after = world.state()
+        self.out = world.plain(self.outcome.out)
+
+    def calls(self, world, kind):
+        """How many calls of a kind the command makes."""
+        world.restore()
+        return world.disturbed(self.words, "--count", kind).calls
+
+
+class Judge:
+    """Compares what a disturbed command left and said with what it may leave and say."""
+
+    def __init__(self, world, reference, state, outcome):
+        self.world, self.reference, self.state, self.outcome = world, reference, state, outcome
+        self.before, self.after = reference.before, reference.after
+        self.faults = []
+
+    def fault(self, kind, text):
+        self.faults.append((kind, text))
+
+    def unchanged(self, store):
+        return self.state.stores.get(store) == self.before.stores.get(store)
+
+    def changed(self, store):
+        return self.state.stores.get(store) == self.after.stores.get(store)
+
+    def stores(self):
+        """Each store is what it was or what it becomes."""
+        for store in sorted(set(self.state.stores) | set(self.before.stores)):
+            if not self.unchanged(store) and not self.changed(store):
+                now = self.state.stores.get(store, "nothing")
+                self.fault("lost", f"{store} is neither before nor after: {now[:300]}")
+
+    def outside(self):
+        if self.state.outside != self.before.outside:
+            changed = set(self.state.outside.items()) ^ set(self.before.outside.items())
+            self.fault("outside", f"{sorted(path for path, _ in changed)} changed")
+
+    def files(self):
+        """Files go only with their item, and change only to what they become."""
+        lists = CATALOGUE if self.reference.name in LISTED_IN_CATALOGUE else PROJECT
+        now, before, after = self.state.tree, self.before.tree, self.after.tree
+        other = [path for path in now
+                 if now[path] not in (before.get(path, after.get(path)), after.get(path))]
+        gone = [path for path in before.keys() - now.keys() if path in after or not self.changed(lists)]
+        new = now.keys() - before.keys() - after.keys()
+        other = set(other) - new
+        for kind, paths, what in (("lost", other, "hold something else"), ("lost", gone, "are gone"),
+                                  ("wrong", new, "are new")):
+            if paths:
+                self.fault(kind, f"{sorted(paths)} {what}")
+
+    def done(self):
+        """What was reported done is done, and nothing else."""
+        for store in self.after.stores:
+            if not self.changed(store):
+                self.fault("lost", f"status 0, and {store} is {self.state.stores.get(store)!r:.300}")
+        now, after = self.state.tree, self.after.tree
+        other = [path for path, content in after.items()
+                 if now.get(path, "gone") != content and not ON_DEMAND.search(path)]
+        if other:
+            self.fault("lost", f"status 0, and {sorted(other)} are not as they become")
+        told = "still there" in self.outcome.out
+        new = sorted(now.keys() - after.keys())
+        if bool(new) != told:
+            self.fault("wrong", f"status 0, and {new or 'nothing'} stays, but it says {self.outcome.out}")
+        if not told and self.world.plain(self.outcome.out) != self.reference.out:
+            self.fault("wrong", f"status 0, and it says {self.outcome.out!r:.300}")
+
+    def refused(self, cleans_up):
+        """What a command says that did not do its work is true."""
+        said = self.outcome.err + self.outcome.out
+        if self.outcome.status in (2, 3, 4):
+            self.fault("wrong", f"status {self.outcome.status}: {said}")
+        if "what it was before" in said and not self.unchanged(PROJECT):
+            self.fault("wrong", f"the project changed: {said}")
+        before = all(self.unchanged(store) for store in self.state.stores)
+        if "Nothing was" in said and not (before and self.state.tree == self.before.tree):
+            self.fault("wrong", f"something changed: {said}")
+        left = self.state.tree.keys() - self.before.tree.keys()
+        if cleans_up and before and left:
+            self.fault("wrong", f"nothing is saved, but {sorted(left)} stay: {said}")
+
+    def all(self, cleans_up):
+        if self.outcome.status == -1 or self.outcome.status >= 128:
+            self.fault("crashed", f"status {self.outcome.status}: {self.outcome.err}")
+        self.outside()
+        self.stores()
+        if self.outcome.status == 0:
+            self.done()
+        else:
+            self.files()
+            self.refused(cleans_up)
+        return self.faults
+
+
+class Counts:
+    """The counts of a loop, and its cases that went wrong."""
+
+    def __init__(self, loop):
+        self.loop, self.tried, self.shown = loop, 0, {}
+        self.sums = {"lost": 0, "wrong": 0, "crashed": 0, "outside": 0}
+        self.started = time.process_time()
+
+    def add(self, case, faults):
+        self.tried += 1
+        for kind in {kind for kind, _ in faults}:
+            self.sums[kind] += 1
+        key = case.split(":")[0], tuple(kind for kind, _ in faults)
+        if faults:
+            self.shown[key] = self.shown.get(key, 0) + 1
+            if self.shown[key] <= ENOUGH:
+                for kind, text in faults:
+                    print(f"{case}: {kind}: {text}".replace("\n", " "), flush=True)
+
+    def end(self):
+        """Prints the last line and answers the status."""
+        sums = " ".join(f"{kind}={count}" for kind, count in self.sums.items())
+        print(f"loop {self.loop}: tried={self.tried} {sums}")
+        return 1 if any(self.sums.values()) else 0
