@@ -134,8 +134,9 @@ void KVDataManager::CleanTemp() {
     // nobody's to clean.
     if (working_directory_.empty()) return;
     auto& files = *platform_.files;
-    const auto folder = files.OpenFolder(working_directory_)->Open(sDefaultDirNames::kKelvaroTemp);
-    if (!folder->Files().empty()) folder->DeleteFiles();
+    const auto parent = files.OpenFolder(working_directory_);
+    const auto folder = Required(parent).Open(sDefaultDirNames::kKelvaroTemp);
+    if (!Required(folder).Files().empty()) folder->DeleteFiles();
     for (const auto& entry : folder->Entries()) {
       if (!DeleteFolderTree(files, TempFolder() + entry + "\\")) return;
     }

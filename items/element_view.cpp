@@ -46,7 +46,12 @@ std::string ElementView::Comments() const {
 
 void ElementView::SetComments(std::string_view comments) const {
   if (!node_) return;
-  SelectOrAppend(*node_, kCommentsQuery, tags::kComments)->SetText(comments);
+  auto element = node_->SelectSingleNode(kCommentsQuery);
+  const bool is_new = !element;
+  if (is_new) element = xml::Element::Create(tags::kComments);
+  // A text that is refused leaves no empty element behind.
+  element->SetText(comments);
+  if (is_new) node_->Append(element);
   Flush();
 }
 

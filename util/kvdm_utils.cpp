@@ -78,7 +78,8 @@ std::optional<FolderName> DeletableFolder(std::string_view path) {
 // the parent, under both names joined. What keeps coming back ends the attempt.
 bool DeleteTree(Directory& parent, const std::string& name, bool closed) {
   constexpr int kMaxPasses = 100;
-  const auto folder = parent.Open(name);
+  const auto opened = parent.Open(name);
+  Directory* const folder = &Required(opened);
   if (!folder->Files().empty()) folder->DeleteFiles();
   auto entries = folder->Entries();
   for (int pass = 0; !entries.empty() && pass < kMaxPasses; ++pass) {
@@ -126,7 +127,7 @@ bool DeleteFolderTree(FileSystem& files, std::string_view path) {
   const auto folder = DeletableFolder(path);
   if (!folder) return false;
   return guard::Quiet([&] {
-    return DeleteTree(*files.OpenFolder(folder->parent), std::string(folder->name), folder->closed);
+    return DeleteTree(Required(files.OpenFolder(folder->parent)), std::string(folder->name), folder->closed);
   });
 }
 

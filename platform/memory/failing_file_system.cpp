@@ -10,17 +10,21 @@ class FailingDirectory : public Directory {
   FailingDirectory(std::unique_ptr<Directory> folder, std::shared_ptr<FailureCounter> counter)
       : folder_(std::move(folder)), counter_(std::move(counter)) {}
 
-  std::vector<std::string> Files() override { return Counted().Files(); }
-  std::vector<std::string> Entries() override { return Counted().Entries(); }
-  void DeleteFiles() override { Counted().DeleteFiles(); }
+  std::vector<std::string> Files() override { return Counted("folder.Files").Files(); }
+  std::vector<std::string> Entries() override { return Counted("folder.Entries").Entries(); }
+  void DeleteFiles() override { Counted("folder.DeleteFiles").DeleteFiles(); }
   std::unique_ptr<Directory> Open(std::string_view name) override {
-    return std::make_unique<FailingDirectory>(Counted().Open(name), counter_);
+    auto folder = Counted("folder.Open", name).Open(name);
+    if (counter_->GivesNothing()) return nullptr;
+    return std::make_unique<FailingDirectory>(std::move(folder), counter_);
   }
-  void RemoveFolder(std::string_view name) override { Counted().RemoveFolder(name); }
+  void RemoveFolder(std::string_view name) override {
+    Counted("folder.RemoveFolder", name).RemoveFolder(name);
+  }
 
  private:
-  Directory& Counted() {
-    counter_->Count();
+  Directory& Counted(std::string_view call, std::string_view about = {}) {
+    counter_->Count(call, about);
     return *folder_;
   }
 
@@ -35,46 +39,48 @@ FailingFileSystem::FailingFileSystem(std::shared_ptr<FileSystem> files,
     : files_(std::move(files)), counter_(std::move(counter)) {}
 
 bool FailingFileSystem::FolderExists(std::string_view path) {
-  return !counter_->Fails() && files_->FolderExists(path);
+  return !counter_->Fails("files.FolderExists", path) && files_->FolderExists(path);
 }
 
 void FailingFileSystem::CreateFolder(std::string_view path) {
-  counter_->Count();
+  counter_->Count("files.CreateFolder", path);
   files_->CreateFolder(path);
 }
 
 std::string FailingFileSystem::FullPath(std::string_view path) {
-  counter_->Count();
+  counter_->Count("files.FullPath", path);
   return files_->FullPath(path);
 }
 
 void FailingFileSystem::HideFolder(std::string_view path) {
-  counter_->Count();
+  counter_->Count("files.HideFolder", path);
   files_->HideFolder(path);
 }
 
 std::string FailingFileSystem::SystemDrive() {
-  counter_->Count();
+  counter_->Count("files.SystemDrive");
   return files_->SystemDrive();
 }
 
 std::vector<std::string> FailingFileSystem::FindFiles(std::string_view pattern) {
-  counter_->Count();
+  counter_->Count("files.FindFiles", pattern);
   return files_->FindFiles(pattern);
 }
 
 std::unique_ptr<Directory> FailingFileSystem::OpenFolder(std::string_view path) {
-  counter_->Count();
-  return std::make_unique<FailingDirectory>(files_->OpenFolder(path), counter_);
+  counter_->Count("files.OpenFolder", path);
+  auto folder = files_->OpenFolder(path);
+  if (counter_->GivesNothing()) return nullptr;
+  return std::make_unique<FailingDirectory>(std::move(folder), counter_);
 }
 
 std::optional<std::string> FailingFileSystem::ReadFile(std::string_view path) {
-  if (counter_->Fails()) return std::nullopt;
+  if (counter_->Fails("files.ReadFile", path)) return std::nullopt;
   return files_->ReadFile(path);
 }
 
 void FailingFileSystem::WriteFile(std::string_view path, std::string_view bytes) {
-  counter_->Count();
+  counter_->Count("files.WriteFile", path);
   files_->WriteFile(path, bytes);
 }
 

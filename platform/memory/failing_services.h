@@ -1,6 +1,6 @@
 // Wrappers that forward to a real service, count the calls in a shared counter and make one of them
 // fail. Operations that never fail by contract answer their neutral result at that call. What a
-// service hands out is wrapped too.
+// service hands out is wrapped too. The counter may choose other trouble than a failure.
 #pragma once
 
 #include <memory>
@@ -27,18 +27,24 @@ class FailingService : public Service {
 
  protected:
   // The wrapped service, for one call that may fail.
-  [[nodiscard]] Service& Counted() const {
-    counter_->Count();
+  [[nodiscard]] Service& Counted(std::string_view call, std::string_view about = {}) const {
+    counter_->Count(call, about);
     return *inner_;
   }
 
-  // Counts a call that must not throw: whether it is to fail.
-  [[nodiscard]] bool FailsNow() const { return ++counter_->calls == counter_->fail_at; }
+  // Counts a call that answers its neutral result when it fails: whether it is to fail.
+  [[nodiscard]] bool FailsNow(std::string_view call, std::string_view about = {}) const {
+    return counter_->Fails(call, about);
+  }
 
-  // `object` in its own wrapper; Nothing stays Nothing.
+  // Whether the call counted last is to give Nothing.
+  [[nodiscard]] bool GivesNothing() const { return counter_->GivesNothing(); }
+
+  // `object`, the answer to the call counted last, in its own wrapper; Nothing stays Nothing.
   template <class Wrapper, class Object>
   std::shared_ptr<Object> Wrap(std::shared_ptr<Object> object) const {
-    return object ? std::make_shared<Wrapper>(std::move(object), counter_) : nullptr;
+    const bool given = object && !GivesNothing();
+    return given ? std::make_shared<Wrapper>(std::move(object), counter_) : nullptr;
   }
 
  private:

@@ -53,8 +53,8 @@ const std::string& TooLong() {
   return text;
 }
 
-PolicyWorld::PolicyWorld() : platform(Failing(memory.Bundle(), counter)) {
-  platform.message_box = memory.box;
+PolicyWorld::PolicyWorld(bool box_too) : platform(Failing(memory.Bundle(), counter)) {
+  if (!box_too) platform.message_box = memory.box;
   const auto properties = std::make_shared<PropertiesHost>();
   properties->Settings()->SetProperty("VELKKVDirectory", "D:\\Data");
   properties->CurrentState()->SetProperty("Study Area Name", "Whole");

@@ -1,4 +1,4 @@
-// A world whose platform fails at a chosen call, save for its message box, and whose documents hold
+// A world whose platform fails at a chosen call, and whose documents hold
 // a whole item of each kind and two damaged ones.
 #pragma once
 
@@ -15,7 +15,8 @@ namespace kvdm {
 const std::string& TooLong();
 
 struct PolicyWorld {
-  PolicyWorld();
+  // With `box_too` the message box fails with the platform.
+  explicit PolicyWorld(bool box_too = false);
 
   // From here on the nth call of the platform fails; none for 0.
   void FailAt(int n);
