@@ -10,7 +10,8 @@
 namespace kvdm {
 
 // Receives the pieces of a document. Names are as written, prefixes included; line ends are LF;
-// references are resolved. An operation that returns false, or throws, ends the parse as failed.
+// references are resolved; a declaration of the prefix "xml", which is always declared, is not
+// reported. An operation that returns false, or throws, ends the parse as failed.
 class XmlHandler {
  public:
   using Attributes = std::vector<std::pair<std::string, std::string>>;

@@ -11,11 +11,11 @@ namespace {
 
 using xml::IsNamespaceDeclaration;
 using xml::IsPlainName;
+using xml::kXmlNamespace;
 using xml::PrefixOf;
 
 constexpr std::string_view kXml = "xml";
 constexpr std::string_view kXmlns = "xmlns";
-constexpr std::string_view kXmlNamespace = "http://www.w3.org/XML/1998/namespace";
 constexpr std::string_view kXmlnsNamespace = "http://www.w3.org/2000/xmlns/";
 
 std::string_view LocalNameOf(std::string_view name) {

@@ -104,6 +104,11 @@ bool TakeAttribute(std::string_view& rest, XmlHandler::Attributes& attributes) {
   return true;
 }
 
+// The prefix "xml" is declared everywhere; not every parser reports where a text declares it again.
+bool SaysNothing(const XmlHandler::Attributes::value_type& attribute) {
+  return attribute.first == "xmlns:xml" && attribute.second == xml::kXmlNamespace;
+}
+
 // Reads a text from its start to its end.
 class PieceReader {
  public:
@@ -175,6 +180,7 @@ class PieceReader {
 
   bool StartElement(std::string_view tag, XmlHandler::Attributes attributes) {
     if (++depth_ > xml::kMaxDepth) return false;
+    std::erase_if(attributes, SaysNothing);
     std::stable_partition(attributes.begin(), attributes.end(), [](const auto& attribute) {
       return xml::IsNamespaceDeclaration(attribute.first);
     });

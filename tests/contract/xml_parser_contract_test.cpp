@@ -159,6 +159,7 @@ TEST_P(XmlParserContractTest, RefusesMalformedTexts) {
                           "<a:/>"sv,
                           "<a xmlns:p='u' xmlns:q='u' p:b='' q:b=''/>"sv,
                           "<a xmlns:p='u' xmlns:p='v'/>"sv,
+                          "<a xmlns:xml='u'/>"sv,
                           "\xEF\xBB\xBF\xEF\xBB\xBF<a/>"sv,
                           "\xFF\xFE<\0a\0/\0>\0"sv}) {
     EXPECT_FALSE(Accepts(text)) << text;
@@ -201,6 +202,12 @@ TEST_P(XmlParserContractTest, NormalizesAttributeValues) {
 TEST_P(XmlParserContractTest, ReportsNamesAsWrittenAndDeclarationsFirst) {
   EXPECT_THAT(Reported("<p:a b='1' xmlns:p='u&amp;' p:c='2' xmlns=''><b/></p:a>"),
               ElementsAre("<p:a xmlns:p=u& xmlns= b=1 p:c=2", "<b", ">", ">"));
+}
+
+TEST_P(XmlParserContractTest, ReportsNoDeclarationOfThePrefixXml) {
+  EXPECT_THAT(Reported("<a b='1' xmlns:xml='http://www.w3.org/XML/1998/namespace' "
+                       "xml:space='preserve' xmlns:p='u'/>"),
+              ElementsAre("<a xmlns:p=u b=1 xml:space=preserve", ">"));
 }
 
 TEST_P(XmlParserContractTest, ReadsFilesInTheirEncoding) {
