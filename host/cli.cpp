@@ -4,7 +4,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
 #include <iostream>
+#include <new>
 #include <system_error>
 
 #include "host/commands/groups.h"
@@ -93,9 +95,7 @@ int RunCommand(const CommandGroup::Chosen& chosen, const Invocation& invocation)
   }
 }
 
-}  // namespace
-
-int RunCommandLine(std::vector<std::string> arguments) {
+int ParseAndRun(std::vector<std::string> arguments) {
   GlobalOptions options;
   CLI::App app("Keeps the study areas, analyses and layers of market-analysis projects.");
   Declare(app, options);
@@ -115,6 +115,32 @@ int RunCommandLine(std::vector<std::string> arguments) {
   options.output.bold = IsBold();
   Output out(options.output);
   return RunCommand(chosen, {options.project, out});
+}
+
+// The last word of a program that has no memory to print one as it prints the others.
+int GiveUp(bool json, const char* reason) {
+  std::fprintf(stderr, "kvdm: %s\n", reason);
+  if (json) {
+    std::puts(R"({"error": {"code": 1, "message": "kvdm could not go on.", "number": null}})");
+  }
+  return static_cast<int>(ExitCode::kRefused);
+}
+
+}  // namespace
+
+int RunCommandLine(const std::function<std::vector<std::string>()>& arguments) {
+  bool json = false;
+  try {
+    auto given = arguments();
+    json = HasJsonFlag(given);
+    return ParseAndRun(std::move(given));
+  } catch (const std::bad_alloc&) {
+    return GiveUp(json,
+                  "Memory ran out. Close other programs, look with 'kvdm status' whether anything "
+                  "was done, and try again.");
+  } catch (const std::exception& error) {
+    return GiveUp(json, error.what());
+  }
 }
 
 }  // namespace kvdm
