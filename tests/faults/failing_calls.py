@@ -9,11 +9,10 @@ else each store must be what it was before or what it becomes, with all files of
 and what it says must be true.
 """
 
-import argparse
 import errno
 import sys
 
-from world import COMMANDS, Counts, Judge, Reference, World
+from world import COMMANDS, Counts, Judge, Reference, World, arguments_of
 
 STEP = 11  # of the calls, in the short form
 ERRORS = ["ENOSPC", "EIO", "EACCES", "EROFS", "EMFILE"]
@@ -57,13 +56,7 @@ def run(world, reference, way, n, counts, prints=False):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("programs", nargs=3)
-    parser.add_argument("--long", action="store_true")
-    parser.add_argument("--part", default="1/1")
-    parser.add_argument("--case")
-    arguments = parser.parse_args()
-    part, parts = map(int, arguments.part.split("/"))
+    arguments = arguments_of("failing_calls")
     counts = Counts("failing_calls")
     with World(*arguments.programs) as world:
         if arguments.case:
@@ -75,7 +68,7 @@ def main():
             reference = Reference(world, name)
             for way, n in cases_of(world, reference, index, arguments.long):
                 number += 1
-                if number % parts == part - 1:
+                if number % arguments.parts == arguments.part - 1:
                     run(world, reference, way, n, counts)
     return counts.end()
 

@@ -6,6 +6,7 @@
     WORLD/home, tmp   empty, and to stay so
 """
 
+import argparse
 import json
 import os
 import pathlib
@@ -14,7 +15,7 @@ import shutil
 import sqlite3
 import subprocess
 import tempfile
-import time
+import threading
 
 TIME_LIMIT = 60  # seconds; a command that takes longer hangs
 ENOUGH = 20  # cases of one kind that are printed in full
@@ -178,9 +179,10 @@ class World:
         return [self.kvdm, *command]
 
     def disturbed(self, words, *options):
-        outcome = self.run([self.disturb, "--report", self.report, *options, "--", *words])
+        report = f"{self.report}-{threading.get_ident()}"
+        outcome = self.run([self.disturb, "--report", report, *options, "--", *words])
         if outcome.status != -1:
-            calls, disturbed, outcome.name = pathlib.Path(self.report).read_text().split()
+            calls, disturbed, outcome.name = pathlib.Path(report).read_text().split()
             outcome.calls, outcome.disturbed = int(calls), int(disturbed)
         return outcome
 
@@ -398,16 +400,63 @@ class Judge:
         return self.faults
 
 
+    def aftermath(self):
+        """After an end at any moment: the next commands run, and find each store as it was or becomes."""
+        self.outside()
+        self.stores()
+        said, faults = next_commands(self.world)
+        self.faults += faults
+        self.state = self.world.state()
+        self.stores()
+        self.outside()
+        self.files()
+        self.pair(said)
+        return self.faults
+
+    def pair(self, said):
+        """A study area in use that the catalogue does not have is told of."""
+        try:
+            current = json.loads(self.state.stores[PROJECT])["state"].get("Study Area Name", "")
+        except (ValueError, KeyError):
+            return  # found damaged or missing before
+        listed = f'NAME="_{current}_"' in self.state.stores[CATALOGUE]
+        bare = re.search(rf"^Current study area: +{re.escape(current)}$", said, re.MULTILINE)
+        if current and not listed and bare:
+            self.fault("wrong", f"{current} is in use, not in the catalogue, and nobody says so")
+
+
+def next_commands(world):
+    """Runs a command that reads and one that saves; answers what they said and what went wrong."""
+    said, faults = "", []
+    for command in ["status"], ["project", "save"]:
+        outcome = world.run([world.kvdm, *command])
+        said += outcome.out + outcome.err
+        if outcome.status != 0:
+            faults.append(("wrong", f"{command} then ends with {outcome.status}: {outcome.err}"))
+    return said, faults
+
+
+def arguments_of(loop):
+    """The arguments that all loops have."""
+    parser = argparse.ArgumentParser(prog=loop)
+    parser.add_argument("programs", nargs=3, metavar="PROGRAM")
+    parser.add_argument("--long", action="store_true")
+    parser.add_argument("--part", default="1/1")
+    parser.add_argument("--case")
+    arguments = parser.parse_args()
+    arguments.part, arguments.parts = map(int, arguments.part.split("/"))
+    return arguments
+
+
 class Counts:
     """The counts of a loop, and its cases that went wrong."""
 
     def __init__(self, loop):
         self.loop, self.tried, self.shown = loop, 0, {}
         self.sums = {"lost": 0, "wrong": 0, "crashed": 0, "outside": 0}
-        self.started = time.process_time()
 
-    def add(self, case, faults):
-        self.tried += 1
+    def add(self, case, faults, tried=1):
+        self.tried += tried
         for kind in {kind for kind, _ in faults}:
             self.sums[kind] += 1
         key = case.split(":")[0], tuple(kind for kind, _ in faults)

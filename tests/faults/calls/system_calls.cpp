@@ -4,9 +4,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <filesystem>
-#include <fstream>
 
 namespace kvdm::faults {
 namespace {
@@ -99,11 +99,19 @@ unsigned long long Tracee::Argument(int index) const {
 }
 
 std::string Tracee::Memory(unsigned long long address, std::size_t size) const {
-  std::ifstream memory("/proc/" + std::to_string(process) + "/mem", std::ios::binary);
-  std::string bytes(size, '\0');
-  memory.seekg(static_cast<std::streamoff>(address));
-  memory.read(bytes.data(), static_cast<std::streamsize>(size));
-  bytes.resize(static_cast<std::size_t>(memory.gcount()));
+  // A page at a time: reading past the last one would give nothing at all.
+  constexpr unsigned long long kPage = 4096;
+  const std::string memory = "/proc/" + std::to_string(process) + "/mem";
+  const int file = ::open(memory.c_str(), O_RDONLY | O_CLOEXEC);
+  std::string bytes;
+  while (bytes.size() < size) {
+    const unsigned long long from = address + bytes.size();
+    std::string page(std::min<std::size_t>(size - bytes.size(), kPage - from % kPage), '\0');
+    const ssize_t count = ::pread(file, page.data(), page.size(), static_cast<off_t>(from));
+    if (count <= 0) break;
+    bytes.append(page, 0, static_cast<std::size_t>(count));
+  }
+  ::close(file);
   return bytes;
 }
 
