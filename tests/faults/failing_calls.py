@@ -17,32 +17,41 @@ from world import COMMANDS, Counts, Judge, Reference, World, arguments_of
 STEP = 11  # of the calls, in the short form
 ERRORS = ["ENOSPC", "EIO", "EACCES", "EROFS", "EMFILE"]
 
-# Each way with the options of disturb. A call that is always interrupted is tried again for ever.
-WAYS = {
-    **{error: ["--fail", str(getattr(errno, error))] for error in ERRORS},
-    **{error + " on": ["--fail", str(getattr(errno, error)), "--for", "0"] for error in ERRORS},
-    "EINTR": ["--fail", str(errno.EINTR)],
-    "EINTR 5": ["--fail", str(errno.EINTR), "--for", "5"],
-}
-HALF_WAYS = {"half": ["--halve"], "half on": ["--halve", "--for", "0"]}
+# The ways that a call can fail, with the options of disturb: only once, and also those after it. A
+# call that is always interrupted would be tried again for ever.
+ONCE = {error: ["--fail", str(getattr(errno, error))] for error in [*ERRORS, "EINTR"]}
+ON = {f"{error} on": ["--fail", str(getattr(errno, error)), "--for", "0"] for error in ERRORS}
+ON["EINTR 5"] = ["--fail", str(errno.EINTR), "--for", "5"]
+HALVES = {"half": ["--halve"], "half on": ["--halve", "--for", "0"]}
+
+# What these do is nearly what another command does: in the long form too, the ways take turns.
+LIKE_OTHERS = ["area set", "area comment", "area prop", "analysis rename", "analysis set",
+               "store rename", "store delete", "customer create", "customer delete", "data rename",
+               "properties export"]
 
 
 def options(way, n):
-    kind = "transfers" if way in HALF_WAYS else "all"
-    return ["--count", kind, "--no-pause", "--at", str(n), *{**WAYS, **HALF_WAYS}[way]]
+    kind = "transfers" if way in HALVES else "all"
+    return ["--count", kind, "--no-pause", "--at", str(n), *{**ONCE, **ON, **HALVES}[way]]
+
+
+def in_turn(ways, n, index):
+    return list(ways)[(n + index) % len(ways)]
 
 
 def cases_of(world, reference, index, is_long):
-    """All cases of a command; in the short form one way for each n, and the ways take turns."""
+    """Cases (way, n) of the command with this index."""
     calls, transfers = reference.outcome.calls, reference.calls(world, "transfers")
-    if is_long:
-        return [(way, n) for n in range(1, calls + 1) for way in WAYS] + [
-            (way, n) for n in range(1, transfers + 1) for way in HALF_WAYS]
-    ways, halves = list(WAYS), list(HALF_WAYS)
-    chosen = [(ways[(n // STEP + index) % len(ways)], n)
-              for n in range(1 + index % STEP, calls + 1, STEP)]
-    return chosen + [(halves[(n // STEP + index) % 2], n)
-                     for n in range(1 + index % STEP, transfers + 1, STEP)]
+    if not is_long:
+        first = 1 + index % STEP
+        return [(in_turn({**ONCE, **ON}, n // STEP, index), n) for n in range(first, calls + 1, STEP)] + [
+            (in_turn(HALVES, n // STEP, index), n) for n in range(first, transfers + 1, STEP)]
+    cases = []
+    for n in range(1, calls + 1):
+        cases += [(way, n) for way in ONCE] if reference.name not in LIKE_OTHERS else [
+            (in_turn(ONCE, n, index), n)]
+        cases.append((in_turn(ON, n, index), n))
+    return cases + [(way, n) for n in range(1, transfers + 1) for way in HALVES]
 
 
 def run(world, reference, way, n, counts, prints=False):

@@ -59,8 +59,11 @@ FILES = {
     DATA + "CustLayers/Members.lyr": "members",
     DATA + "Data/Streets.shp": "streets",
 }
+# What another program keeps there.
+SIDE_CAR = DATA + "StudyAreas/North/Analyses/Sales/Analysis.lyr.xml"
+FOREIGN_ENTRY = '<ENTRY PATH="Other/Title" TYPE="Text" VALUE="Sales by shop"/>\n'
 
-# The commands that are disturbed, by name; those of an item's files say what lists the item.
+# The commands that are disturbed, by name.
 COMMANDS = {
     "init": ["init", "../New"],
     "area create": ["area", "create", "East"],
@@ -95,6 +98,7 @@ COMMANDS = {
     "status": ["status"],
     "library": None,  # the library host, which is no command
 }
+# The catalogue lists what these delete, where else the project does.
 LISTED_IN_CATALOGUE = ("area delete", "area delete current")
 
 
@@ -147,6 +151,8 @@ class World:
         for path, text in FILES.items():
             os.makedirs(os.path.dirname(self.root + path), exist_ok=True)
             pathlib.Path(self.root + path).write_text(text)
+        side_car = pathlib.Path(self.root + SIDE_CAR)
+        side_car.write_text(side_car.read_text().replace("</LAYER", FOREIGN_ENTRY + "</LAYER"))
         os.symlink(self.root + "outside", self.root + DATA + "StudyAreas/South/link")
         self.files = self.scan()
         for content in self.files.values():
