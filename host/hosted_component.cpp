@@ -4,26 +4,9 @@
 
 #include "datamanager/component.h"
 #include "platform/portable/variant_list.h"
+#include "platform/xml/document.h"
 
 namespace kvdm {
-namespace {
-
-class IgnoringHandler : public XmlHandler {
- public:
-  bool StartElement(std::string_view, Attributes) override { return true; }
-  bool EndElement() override { return true; }
-  bool Characters(std::string_view) override { return true; }
-  bool Comment(std::string_view) override { return true; }
-  bool Instruction(std::string_view, std::string_view) override { return true; }
-};
-
-}  // namespace
-
-bool IsWellFormed(XmlParser& parser, std::string_view text) {
-  IgnoringHandler handler;
-  return parser.Parse(text, XmlEncoding::kUtf8, handler);
-}
-
 HostedComponent::HostedComponent(const Project& project, Output& out)
     : services_(MakeServices(project.drives, out)),
       state_(std::make_shared<PropertySetMap>(project.state)),
@@ -38,7 +21,7 @@ HostedComponent::HostedComponent(const Project& project, Output& out)
 }
 
 void HostedComponent::Load(const Project& project) {
-  if (!IsWellFormed(*services_.platform.xml_parser, ToText(project.values.front()))) {
+  if (!xml::IsWellFormed(*services_.platform.xml_parser, ToText(project.values.front()))) {
     throw Failure(ExitCode::kUnreadable, "Its metadata document is not well-formed XML.");
   }
   Required(Query<IPersistVariant>(manager_)).Load(std::make_shared<VariantList>(project.values));

@@ -51,7 +51,4 @@ class HostedComponent {
   bool working_directory_was_there_ = false;
 };
 
-// Whether `text` is well-formed XML.
-[[nodiscard]] bool IsWellFormed(XmlParser& parser, std::string_view text);
-
 }  // namespace kvdm

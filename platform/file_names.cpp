@@ -154,6 +154,8 @@ std::string_view TrimmedName(std::string_view name) {
 
 bool SameName(std::string_view a, std::string_view b) { return Folded(a) == Folded(b); }
 
+std::u32string FoldedName(std::string_view name) { return Folded(name); }
+
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
   const std::u32string folded_name = Folded(name);
   std::u32string folded_pattern = Folded(pattern);

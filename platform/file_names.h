@@ -59,6 +59,8 @@ struct SearchPattern {
 
 // Whether two names or paths are equal without regard to letter case.
 [[nodiscard]] bool SameName(std::string_view a, std::string_view b);
+// The same for every name or path that is equal to this one without regard to letter case.
+[[nodiscard]] std::u32string FoldedName(std::string_view name);
 
 // Whether `name` matches `pattern` without regard to letter case: `*` stands for any characters,
 // `?` for one other than a dot, or for none before a dot and at the end, and ".*" at the end also

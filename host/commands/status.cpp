@@ -4,6 +4,7 @@
 #include "host/commands/groups.h"
 #include "host/os.h"
 #include "host/sources.h"
+#include "platform/xml/document.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {
@@ -17,7 +18,7 @@ Field CountOf(const NameListRef& names) {
 bool IsCatalogueDamaged(const Platform& platform) {
   const std::string text = ToText(ReadRegistryString(
       *platform.registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));
-  return !text.empty() && !IsWellFormed(*platform.xml_parser, text);
+  return !text.empty() && !xml::IsWellFormed(*platform.xml_parser, text);
 }
 
 // The catalogues that were kept as a whole.
@@ -26,7 +27,7 @@ std::vector<Record> KeptCatalogues(const Platform& platform) {
   for (const KeptValue& kept : platform.registry->Kept(RegistryRoot::kLocalMachine, kRegistryKey,
                                                        kStudyAreaCollectionValue)) {
     const std::string& text = kept.value.data;
-    if (kept.value.type == RegistryType::kText && IsWellFormed(*platform.xml_parser, text))
+    if (kept.value.type == RegistryType::kText && xml::IsWellFormed(*platform.xml_parser, text))
       continue;
     records.push_back({{"kept_at", kept.when}, {"bytes", static_cast<std::int64_t>(text.size())}});
   }

@@ -1,12 +1,14 @@
 #include "platform/portable/catalogue_update.h"
 
 #include <algorithm>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "platform/error.h"
+#include "platform/file_names.h"
 #include "platform/xml/document.h"
 
 namespace kvdm {
@@ -65,8 +67,7 @@ std::map<std::string, ElementRef> ByKey(const Element& parent) {
   return {keyed.begin(), keyed.end()};
 }
 
-template <class Map>
-ElementRef Find(const Map& elements, const std::string& key) {
+ElementRef Find(const std::map<std::string, ElementRef>& elements, const std::string& key) {
   const auto found = elements.find(key);
   return found == elements.end() ? nullptr : found->second;
 }
@@ -137,150 +138,199 @@ class Change {
   bool collides_ = false;
 };
 
+// A study area of a text, and what tells it from the others there.
+struct Area {
+  ElementRef element;
+  std::string guid;  // "" when it is missing or another one has it too
+  std::string name;  // with a number that tells it from others of that name
+};
+
+// The folder as files are found in it; "" for none.
+std::u32string FolderOf(const Area& area) {
+  std::string folder = TextOf(*area.element, kFolder);
+  if (folder.ends_with('\\')) folder.pop_back();
+  return FoldedName(folder);
+}
+
+// The name as people know it: it is stored between two "_".
+std::string NameOf(const Element& area) {
+  const std::string stored = TextOf(area, kName);
+  const bool is_wrapped = stored.size() > 1 && stored.starts_with('_') && stored.ends_with('_');
+  return is_wrapped ? stored.substr(1, stored.size() - 2) : stored;
+}
+
 // The study areas of a catalogue text.
 class Catalogue {
  public:
   // Empty when the text has no root or can't be loaded.
   Catalogue(XmlParser& parser, const std::string& text) {
-    if (!document_.LoadXml(parser, text)) return;
-    areas_ = document_.DocumentElement()->Children(kArea);
+    if (!document_.LoadXml(parser, UpToNul(text))) return;
+    const auto elements = document_.DocumentElement()->Children(kArea);
     std::map<std::string, int> uses;
-    for (const auto& area : areas_) ++uses[TextOf(*area, kGuid)];
+    for (const auto& element : elements) ++uses[TextOf(*element, kGuid)];
     std::map<std::string, int> numbers;
-    for (const auto& area : areas_) {
-      const std::string guid = TextOf(*area, kGuid);
-      const std::string name = TextOf(*area, kName);
-      const bool is_told = !guid.empty() && uses[guid] == 1;
-      keys_.push_back(is_told ? guid : name + '\1' + std::to_string(numbers[name]++));
-      by_key_.emplace(keys_.back(), area);
+    for (const auto& element : elements) {
+      const std::string guid = TextOf(*element, kGuid);
+      const std::string name = TextOf(*element, kName);
+      areas_.push_back({element, uses[guid] == 1 ? guid : std::string(),
+                        name + '\1' + std::to_string(numbers[name]++)});
     }
   }
 
   [[nodiscard]] ElementRef Root() const { return document_.DocumentElement(); }
-  [[nodiscard]] const std::vector<ElementRef>& Areas() const { return areas_; }
-  [[nodiscard]] const std::string& KeyOf(std::size_t area) const { return keys_[area]; }
-  [[nodiscard]] ElementRef Find(const std::string& key) const { return kvdm::Find(by_key_, key); }
-  [[nodiscard]] bool Has(const std::string& key) const { return by_key_.contains(key); }
+  [[nodiscard]] const std::vector<Area>& Areas() const { return areas_; }
   [[nodiscard]] const xml::Document& Document() const { return document_; }
 
  private:
   xml::Document document_;
-  std::vector<ElementRef> areas_;
-  std::vector<std::string> keys_;  // of the areas, one each
-  std::map<std::string, ElementRef> by_key_;
+  std::vector<Area> areas_;
 };
 
-std::string Described(const Element& area) {
-  return "The study area " + TextOf(area, kName) + " " + TextOf(area, kGuid);
+using AreaRefs = std::vector<const Area*>;
+
+AreaRefs RefsTo(const std::vector<Area>& areas) {
+  AreaRefs refs;
+  for (const Area& area : areas) refs.push_back(&area);
+  return refs;
 }
+
+// Which study areas of two texts are the same: those with one GUID; of the rest those that differ
+// in nothing else; those with one folder; and where a GUID is missing those with one name.
+class Pairs {
+ public:
+  Pairs(const AreaRefs& before, const AreaRefs& after) {
+    Match(before, after, [](const Area& area) { return area.guid; });
+    Match(before, after, [](const Area& area) { return Canonical(*area.element, kGuid); });
+    Match(before, after, FolderOf);
+    Match(
+        before, after, [](const Area& area) { return area.name; },
+        [](const Area& a, const Area& b) { return a.guid.empty() || b.guid.empty(); });
+  }
+
+  // Null for one that has no counterpart.
+  [[nodiscard]] const Area* After(const Area& before) const { return Of(after_, before); }
+  [[nodiscard]] const Area* Before(const Area& after) const { return Of(before_, after); }
+
+ private:
+  using Map = std::map<const Area*, const Area*>;
+
+  static const Area* Of(const Map& map, const Area& area) {
+    const auto found = map.find(&area);
+    return found == map.end() ? nullptr : found->second;
+  }
+
+  static bool Always(const Area&, const Area&) { return true; }
+
+  // Pairs those without a counterpart that have the same `mark`, in their order.
+  template <class Mark, class Condition = decltype(&Always)>
+  void Match(const AreaRefs& before, const AreaRefs& after, Mark mark,
+             Condition may_be_the_same = &Always) {
+    std::map<decltype(mark(*after[0])), std::deque<const Area*>> free;
+    for (const Area* area : after) {
+      if (!Before(*area)) free[mark(*area)].push_back(area);
+    }
+    for (const Area* area : before) {
+      const auto found = After(*area) ? free.end() : free.find(mark(*area));
+      if (found == free.end() || found->first.empty() || found->second.empty()) continue;
+      if (!may_be_the_same(*area, *found->second.front())) continue;
+      after_[area] = found->second.front();
+      before_[found->second.front()] = area;
+      found->second.pop_front();
+    }
+  }
+
+  Map after_;
+  Map before_;
+};
 
 class Merge {
  public:
   Merge(const Catalogue& base, const Catalogue& wanted, const Catalogue& stored)
-      : base_(base), wanted_(wanted), stored_(stored) {
-    for (const auto& area : stored.Areas()) {
-      const std::string folder = TextOf(*area, kFolder);
-      if (!folder.empty()) by_folder_.emplace(folder, area);
-    }
-    for (std::size_t i = 0; i < base.Areas().size(); ++i) {
-      if (!wanted.Has(base.KeyOf(i))) Gone(i);
-    }
-  }
+      : base_(RefsTo(base.Areas())),
+        wanted_(RefsTo(wanted.Areas())),
+        stored_(RefsTo(stored.Areas())),
+        root_(stored.Root()),
+        here_(base_, wanted_),
+        there_(base_, stored_),
+        added_(Added(wanted_, here_), Added(stored_, there_)) {}
 
   void Run() {
-    for (std::size_t i = 0; i < wanted_.Areas().size(); ++i) Put(i);
-    for (const auto& [area, key] : gone_) Delete(*area, key);
+    for (const Area* area : wanted_) Put(*area);
+    for (const Area* area : base_) {
+      if (!here_.After(*area)) Delete(*area);
+    }
   }
 
   std::vector<std::string> kept;  // stored study areas that gave way
   std::vector<std::string> notes;
 
  private:
-  // A study area of the base that the wanted text does not have under its key; it may have it under
-  // another one.
-  void Gone(std::size_t index) {
-    const auto& area = base_.Areas()[index];
-    gone_.emplace(area, base_.KeyOf(index));
-    renamed_.emplace(Canonical(*area, kGuid), area);
-    const std::string folder = TextOf(*area, kFolder);
-    if (!folder.empty()) renamed_.emplace('\6' + folder, area);
+  static AreaRefs Added(AreaRefs areas, const Pairs& pairs) {
+    std::erase_if(areas, [&](const Area* area) { return pairs.Before(*area) != nullptr; });
+    return areas;
   }
 
-  // The base and its key of a wanted study area; none for one that was added. What was found is no
-  // longer gone.
-  std::pair<ElementRef, std::string> BaseOf(const Element& wanted, const std::string& key) {
-    if (auto base = base_.Find(key)) return {base, key};
-    for (const auto& mark : {Canonical(wanted, kGuid), '\6' + TextOf(wanted, kFolder)}) {
-      const auto base = Find(renamed_, mark);
-      const auto node = base ? gone_.extract(base) : decltype(gone_)::node_type();
-      if (node) return {base, node.mapped()};
-    }
-    return {nullptr, key};
-  }
-
-  // Where the store has a study area: under the key, else the one with its folder.
-  ElementRef Stored(const Element& area, const std::string& key) const {
-    if (auto found = stored_.Find(key)) return found;
-    return Find(by_folder_, TextOf(area, kFolder));
-  }
-
-  void Put(std::size_t index) {
-    const ElementRef& wanted = wanted_.Areas()[index];
-    const auto [base, key] = BaseOf(*wanted, wanted_.KeyOf(index));
-    if (base && Canonical(*base) == Canonical(*wanted)) return;
-    const ElementRef there = Stored(base ? *base : *wanted, key);
-    if (!there) return Append(wanted, base != nullptr);
-    const std::string before = there->Xml();
-    if (!Change::Apply(base ? *base : *Element::Create(kArea), *wanted, *there)) return;
+  void Put(const Area& wanted) {
+    const Area* base = here_.Before(wanted);
+    if (base && Canonical(*base->element) == Canonical(*wanted.element)) return;
+    const Area* stored = base ? there_.After(*base) : added_.After(wanted);
+    if (!base || !stored || FolderOf(*base) != FolderOf(wanted)) Free(FolderOf(wanted), stored);
+    if (!stored) return Append(wanted.element, base != nullptr);
+    Element& target = *stored->element;
+    const std::string before = target.Xml();
+    const auto none = base ? nullptr : Element::Create(kArea);
+    if (!Change::Apply(base ? *base->element : *none, *wanted.element, target)) return;
     kept.push_back(before);
-    notes.push_back(Described(*there) +
-                    " was changed elsewhere too; what was stored is kept in the history.");
+    Note(target, "was changed elsewhere too; what was stored is kept in the history.");
+  }
+
+  // Study areas other than `owner` that got `folder` elsewhere give way: no two share one.
+  void Free(const std::u32string& folder, const Area* owner) {
+    if (folder.empty()) return;
+    for (const Area* stored : stored_) {
+      if (stored == owner || !stored->element->Parent() || FolderOf(*stored) != folder) continue;
+      const Area* base = there_.Before(*stored);
+      if (base && FolderOf(*base) == folder) continue;
+      kept.push_back(stored->element->Xml());
+      Note(*stored->element,
+           "has a folder that belongs to another one now; it is kept in the "
+           "history.");
+      root_->Remove(stored->element);
+    }
   }
 
   void Append(const ElementRef& wanted, bool was_there) {
-    if (was_there) {
-      notes.push_back(Described(*wanted) +
-                      " was deleted elsewhere while it was changed here; it stays.");
-    }
+    if (was_there) Note(*wanted, "was deleted elsewhere while it was changed here; it stays.");
     const std::string name = TextOf(*wanted, kName);
-    const bool has_twin = std::ranges::any_of(
-        stored_.Areas(), [&](const ElementRef& area) { return TextOf(*area, kName) == name; });
-    if (has_twin) {
-      notes.push_back(Described(*wanted) + " has the name of one that was added elsewhere.");
+    const bool has_twin = std::ranges::any_of(stored_, [&](const Area* area) {
+      return area->element->Parent() && TextOf(*area->element, kName) == name;
+    });
+    if (has_twin) Note(*wanted, "has the name of one that was added elsewhere.");
+    root_->Append(wanted);
+  }
+
+  void Delete(const Area& base) {
+    const Area* stored = there_.After(base);
+    if (!stored) return;
+    if (Canonical(*stored->element) == Canonical(*base.element)) {
+      return root_->Remove(stored->element);
     }
-    stored_.Root()->Append(wanted);
+    Note(*stored->element, "was changed elsewhere while it was deleted here; it stays.");
   }
 
-  void Delete(const Element& base, const std::string& key) {
-    const ElementRef there = Stored(base, key);
-    if (!there) return;
-    if (Canonical(*there) == Canonical(base)) return stored_.Root()->Remove(there);
-    notes.push_back(Described(*there) +
-                    " was changed elsewhere while it was deleted here; it stays.");
+  void Note(const Element& area, std::string_view what) {
+    notes.push_back("The study area " + NameOf(area) + " " + TextOf(area, kGuid) + " " +
+                    std::string(what));
   }
 
-  const Catalogue& base_;
-  const Catalogue& wanted_;
-  const Catalogue& stored_;
-  std::map<std::string, ElementRef> by_folder_;  // of the stored ones
-  std::map<ElementRef, std::string> gone_;       // with their keys
-  std::map<std::string, ElementRef> renamed_;    // of those that are gone, by what they can keep
+  AreaRefs base_;
+  AreaRefs wanted_;
+  AreaRefs stored_;
+  ElementRef root_;  // of the stored text
+  Pairs here_;       // from the base to what is wanted
+  Pairs there_;      // from the base to what is stored
+  Pairs added_;      // from what was added here to what was added elsewhere
 };
-
-// Takes everything and keeps nothing.
-class IgnoringHandler final : public XmlHandler {
- public:
-  bool StartElement(std::string_view, Attributes) override { return true; }
-  bool EndElement() override { return true; }
-  bool Characters(std::string_view) override { return true; }
-  bool Comment(std::string_view) override { return true; }
-  bool Instruction(std::string_view, std::string_view) override { return true; }
-};
-
-bool IsWellFormed(XmlParser& parser, const std::string& text) {
-  IgnoringHandler handler;
-  return parser.Parse(text, XmlEncoding::kUtf8, handler);
-}
 
 }  // namespace
 
@@ -292,17 +342,18 @@ std::string UpToNul(std::string text) {
 CatalogueUpdate::CatalogueUpdate(XmlParser& parser, std::string base, std::string wanted,
                                  std::function<bool(char32_t)> holds)
     : parser_(parser),
-      base_(std::move(base)),
+      base_(UpToNul(std::move(base))),
       wanted_(std::move(wanted)),
       holds_(std::move(holds)) {}
 
 std::vector<TextUpdate::Piece> CatalogueUpdate::PiecesOf(const std::string& text) const {
   const Catalogue catalogue(parser_, text);
   std::vector<Piece> pieces;
-  for (std::size_t i = 0; i < catalogue.Areas().size(); ++i) {
-    pieces.push_back({catalogue.KeyOf(i), i, catalogue.Areas()[i]->Xml()});
+  for (const Area& area : catalogue.Areas()) {
+    const std::string& key = area.guid.empty() ? area.name : area.guid;
+    pieces.push_back({key, pieces.size(), area.element->Xml()});
   }
-  for (const auto& area : catalogue.Areas()) catalogue.Root()->Remove(area);
+  for (const Area& area : catalogue.Areas()) catalogue.Root()->Remove(area.element);
   pieces.push_back({"", pieces.size(), catalogue.Document().Xml()});
   return pieces;
 }
@@ -321,14 +372,15 @@ TextUpdate::Outcome CatalogueUpdate::On(const std::optional<RegistryValue>& stor
   if (!stored) return {wanted_};
   if (stored->type != RegistryType::kText) return {wanted_, true};
   const std::string text = UpToNul(stored->data);
-  const bool is_base = text == base_ && !wanted_.empty();
-  return is_base || text.empty() ? Outcome{wanted_} : Merged(text);
+  if (text.empty()) return {wanted_};
+  const bool is_base = text == base_ && !wanted_.empty() && xml::IsWellFormed(parser_, text);
+  return is_base ? Outcome{wanted_} : Merged(text);
 }
 
 TextUpdate::Outcome CatalogueUpdate::Merged(const std::string& text) const {
   const Catalogue stored(parser_, text);
   if (!stored.Root()) {
-    if (IsWellFormed(parser_, text)) {
+    if (xml::IsWellFormed(parser_, text)) {
       throw RuntimeError(kOutOfMemory, "Registry",
                          "the stored catalogue is larger than a document may be");
     }

@@ -18,12 +18,13 @@ namespace kvdm {
 //
 // - Stored is the base, missing or empty: the wanted text as it is.
 // - Stored is no text or not well-formed: kept, then replaced by the wanted text.
-// - Otherwise study area by study area, told apart by GUID, and where that is missing or stands
-//   twice by name and number. One with another GUID that is otherwise the same, or has the same
-//   folder, is one that was changed.
-// - Changed here and there: merged by attribute, property and comment. The same one changed in both
-//   places: what is wanted here stands, and the element as it was stored is kept.
+// - Otherwise study area by study area, told apart by GUID. One whose GUID is not found is the one
+//   that is the same in all else, has the same folder or, when a GUID is missing or stands twice,
+//   has the same name and number.
+// - Changed or added here and there: merged by attribute, property and comment. The same one
+//   changed in both places: what is wanted here stands, and the element as it was stored is kept.
 // - Changed in one place and deleted in the other: changed stands.
+// - One that gets a folder here which another one got elsewhere: the other is kept and goes.
 // - The root, its comments and what else stands under it stay as stored. An empty wanted
 //   text changes nothing.
 class CatalogueUpdate final : public TextUpdate {
@@ -47,9 +48,8 @@ class CatalogueUpdate final : public TextUpdate {
 
  private:
   [[nodiscard]] std::vector<Piece> PiecesOf(const std::string& text) const;
-  [[nodiscard]]  // What becomes of a stored text that is neither missing nor the base.
-  [[nodiscard]] Outcome
-  Merged(const std::string& text) const;
+  // What becomes of a stored text that is neither missing nor the base.
+  [[nodiscard]] Outcome Merged(const std::string& text) const;
   // An element's text with nothing in it that the store does not have.
   [[nodiscard]] std::string Storable(const std::string& element) const;
 

@@ -31,6 +31,16 @@ bool StartsWithDeclaration(std::string_view bytes) {
   return rest.find_first_of(" \t\r\n") == 0;
 }
 
+// Takes everything and keeps nothing.
+class IgnoringHandler final : public XmlHandler {
+ public:
+  bool StartElement(std::string_view, Attributes) override { return true; }
+  bool EndElement() override { return true; }
+  bool Characters(std::string_view) override { return true; }
+  bool Comment(std::string_view) override { return true; }
+  bool Instruction(std::string_view, std::string_view) override { return true; }
+};
+
 }  // namespace
 
 // The top level: the declaration, and each node followed by a line end.
@@ -121,6 +131,11 @@ std::string Document::Xml(const std::function<bool(char32_t)>& holds) const { re
 
 std::string Document::Xml(const std::function<bool(char32_t)>* holds) const {
   return DocumentElement() ? level_->Xml(holds) : std::string();
+}
+
+bool IsWellFormed(XmlParser& parser, std::string_view text) {
+  IgnoringHandler handler;
+  return parser.Parse(text, XmlEncoding::kUtf8, handler);
 }
 
 }  // namespace kvdm::xml

@@ -55,4 +55,7 @@ class Document {
   std::shared_ptr<Level> level_;
 };
 
+// Whether `text`, UTF-8 whatever its declaration says, is well-formed, however large it is.
+[[nodiscard]] bool IsWellFormed(XmlParser& parser, std::string_view text);
+
 }  // namespace kvdm::xml
