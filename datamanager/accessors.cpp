@@ -133,13 +133,9 @@ void KVDataManager::CleanTemp() {
     // Without a working directory the folder would be one of the process's current folder, which is
     // nobody's to clean.
     if (working_directory_.empty()) return;
-    auto& files = *platform_.files;
-    const auto parent = files.OpenFolder(working_directory_);
-    const auto folder = Required(parent).Open(sDefaultDirNames::kKelvaroTemp);
-    if (!Required(folder).Files().empty()) folder->DeleteFiles();
-    for (const auto& entry : folder->Entries()) {
-      if (!DeleteFolderTree(files, TempFolder() + entry + "\\")) return;
-    }
+    const auto folder = platform_.files->OpenFolder(working_directory_);
+    Required(folder).Enter(sDefaultDirNames::kKelvaroTemp);
+    EmptyFolder(*folder);
   });
 }
 

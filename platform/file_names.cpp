@@ -99,6 +99,12 @@ bool MatchesFolded(std::u32string_view name, std::u32string_view pattern) {
   return true;
 }
 
+template <class Wanted>
+std::optional<std::string> First(const std::vector<std::string>& names, Wanted wanted) {
+  const auto found = std::ranges::find_if(names, wanted);
+  return found == names.end() ? std::nullopt : std::optional(*found);
+}
+
 }  // namespace
 
 PathParts SplitPath(std::string_view path) {
@@ -165,20 +171,22 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
   return MatchesFolded(folded_name, folded_pattern);
 }
 
+std::optional<std::string> FindSameName(const std::vector<std::string>& names,
+                                        std::string_view wanted) {
+  if (auto exact = First(names, [&](const std::string& name) { return name == wanted; })) {
+    return exact;
+  }
+  const std::u32string folded = Folded(wanted);
+  return First(names, [&](const std::string& name) { return Folded(name) == folded; });
+}
+
 std::optional<std::string> FindName(const std::vector<std::string>& names,
                                     std::string_view wanted) {
-  const auto first = [&](auto same) -> std::optional<std::string> {
-    const auto found = std::ranges::find_if(names, same);
-    return found == names.end() ? std::nullopt : std::optional(*found);
-  };
-  if (auto exact = first([&](const std::string& name) { return name == wanted; })) return exact;
-  const std::u32string folded = Folded(wanted);
-  if (auto same = first([&](const std::string& name) { return Folded(name) == folded; })) {
-    return same;
-  }
+  if (auto same = FindSameName(names, wanted)) return same;
   const std::u32string trimmed = Folded(TrimmedName(wanted));
   if (trimmed.empty()) return std::nullopt;  // Blanks and dots alone mean no other name.
-  return first([&](const std::string& name) { return Folded(TrimmedName(name)) == trimmed; });
+  return First(names,
+               [&](const std::string& name) { return Folded(TrimmedName(name)) == trimmed; });
 }
 
 std::string TemporaryFileName() {

@@ -67,14 +67,22 @@ struct SearchPattern {
 // for nothing.
 [[nodiscard]] bool MatchesPattern(std::string_view name, std::string_view pattern);
 
-// The one of `names` that `wanted` means: the very name, else the first in another letter case,
-// else the first that is equal without trailing blanks and dots. A byte that is not UTF-8 equals
-// itself only.
+// The one of `names` that is `wanted`: the very name, else the first in another letter case. A byte
+// that is not UTF-8 equals itself only.
+[[nodiscard]] std::optional<std::string> FindSameName(const std::vector<std::string>& names,
+                                                      std::string_view wanted);
+
+// The one of `names` that `wanted` means: the same name, else the first that is the same without
+// trailing blanks and dots.
 [[nodiscard]] std::optional<std::string> FindName(const std::vector<std::string>& names,
                                                   std::string_view wanted);
 
 // A hidden name for a file that is there for a moment only. Nobody can tell it beforehand.
 [[nodiscard]] std::string TemporaryFileName();
+
+// FindName or FindSameName.
+using NameFinder = std::optional<std::string> (*)(const std::vector<std::string>& names,
+                                                  std::string_view wanted);
 
 // Sorts names as a listing shows them: by letters without regard to case.
 void SortNames(std::vector<std::string>& names);

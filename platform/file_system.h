@@ -9,10 +9,12 @@
 
 namespace kvdm {
 
-// An open folder. What it does, it does in that very folder, wherever its path leads by then, and
-// it never follows a link: a link inside counts as an ordinary file.
+// An open folder, from which one can go into the folders inside and back. What it does, it does in
+// the very folder where it is, wherever that folder's path leads by then, and it never follows a
+// link: a link inside counts as an ordinary file.
 //
-// Hidden and system entries are not seen, nor are "." and "..".
+// Hidden and system entries are not seen, nor are "." and "..". Folders inside are found by their
+// names, also in another letter case.
 class Directory {
  public:
   virtual ~Directory() = default;
@@ -27,11 +29,16 @@ class Directory {
   // one can't be deleted; those before it are then gone.
   virtual void DeleteFiles() = 0;
 
-  // Opens a folder inside. Run-time error 76 when it is missing, 75 when it is no folder.
-  virtual std::unique_ptr<Directory> Open(std::string_view name) = 0;
+  // Goes into a folder inside. Run-time error 76 when it is missing, 75 when it is no folder,
+  // begins another file system, or has taken the place of what Entries listed under this name.
+  virtual void Enter(std::string_view name) = 0;
 
-  // Removes an empty folder inside. Run-time error 76 when it is missing, 75 when it is not empty
-  // or no folder.
+  // Goes back to the folder from which it went into this one. Run-time error 76 when this one has
+  // been moved out of it meanwhile and the way back is lost.
+  virtual void Leave() = 0;
+
+  // Removes an empty folder inside. Run-time error 76 when it is missing, 75 when it is not empty,
+  // no folder, or has taken the place of what was listed or entered under this name.
   virtual void RemoveFolder(std::string_view name) = 0;
 };
 
@@ -66,10 +73,13 @@ class FileSystem {
 
   // The names of the files that match `pattern`, a folder path followed by a name in which `*` and
   // `?` are wildcards; "name.*" matches "name" too. Read-only files count, hidden and system ones
-  // don't. Empty when the folder is missing.
+  // don't; where a leading dot hides a file, a pattern with a leading dot finds it all the same.
+  // Empty when the folder is missing.
   virtual std::vector<std::string> FindFiles(std::string_view pattern) = 0;
 
-  // Opens a folder. Run-time error 76 when it is missing, 75 when it is no folder.
+  // Opens a folder, in which things can be deleted: each name on the way counts as it is, or in
+  // another letter case, but with nothing cut off. Run-time error 76 when it is missing, 75 when it
+  // is no folder.
   virtual std::unique_ptr<Directory> OpenFolder(std::string_view path) = 0;
 
   // The bytes of a file; nothing when it is missing or can't be read.

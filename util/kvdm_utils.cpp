@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 #include "util/guard.h"
 
@@ -45,7 +46,7 @@ std::optional<int> RootComponents(std::string_view path) {
 }
 
 bool NamesNothing(std::string_view component) {
-  return component.find_first_not_of(". ") == std::string_view::npos;
+  return component.find_first_not_of('.') == std::string_view::npos;
 }
 
 // True when `path` has more than `roots` components and each of them is a name.
@@ -74,23 +75,32 @@ std::optional<FolderName> DeletableFolder(std::string_view path) {
   return FolderName{path.substr(0, name_start), path.substr(name_start), closed};
 }
 
-// Deletes the folder `name` in `parent`. Folders inside a path that is not closed are looked for in
-// the parent, under both names joined. What keeps coming back ends the attempt.
-bool DeleteTree(Directory& parent, const std::string& name, bool closed) {
-  constexpr int kMaxPasses = 100;
-  const auto opened = parent.Open(name);
-  Directory* const folder = &Required(opened);
-  if (!folder->Files().empty()) folder->DeleteFiles();
-  auto entries = folder->Entries();
-  for (int pass = 0; !entries.empty() && pass < kMaxPasses; ++pass) {
-    const bool all_gone = std::ranges::all_of(entries, [&](const std::string& entry) {
-      return closed ? DeleteTree(*folder, entry, true) : DeleteTree(parent, name + entry, true);
-    });
-    if (!all_gone) return false;
-    entries = folder->Entries();
-  }
-  parent.RemoveFolder(name);
+// A folder on the way down: its name, and what its last listing showed.
+struct Level {
+  std::string name;
+  std::vector<std::string> entries;
+  std::size_t next = 0;
+  int listings = 0;
+};
+
+// Lists the folder again, for what others put into it meanwhile. False when there is nothing.
+bool ListAgain(Directory& folder, Level& level) {
+  constexpr int kMaxListings = 100;
+  level.entries = folder.Entries();
+  level.next = 0;
+  if (level.entries.empty()) return false;
+  if (++level.listings > kMaxListings) throw RuntimeError(kPathFileAccess);
   return true;
+}
+
+void DeleteFilesIn(Directory& folder) {
+  if (!folder.Files().empty()) folder.DeleteFiles();
+}
+
+// False when there are folders inside; they stay.
+bool EmptyFlatFolder(Directory& folder) {
+  DeleteFilesIn(folder);
+  return folder.Entries().empty();
 }
 
 }  // namespace
@@ -127,8 +137,36 @@ bool DeleteFolderTree(FileSystem& files, std::string_view path) {
   const auto folder = DeletableFolder(path);
   if (!folder) return false;
   return guard::Quiet([&] {
-    return DeleteTree(Required(files.OpenFolder(folder->parent)), std::string(folder->name), folder->closed);
+    const auto place = files.OpenFolder(folder->parent);
+    Required(place).Enter(folder->name);
+    if (folder->closed) {
+      EmptyFolder(*place);
+    } else if (!EmptyFlatFolder(*place)) {
+      return false;
+    }
+    place->Leave();
+    place->RemoveFolder(folder->name);
+    return true;
   });
+}
+
+void EmptyFolder(Directory& folder) {
+  std::vector<Level> way(1);
+  DeleteFilesIn(folder);
+  while (true) {
+    if (way.back().next == way.back().entries.size() && !ListAgain(folder, way.back())) {
+      if (way.size() == 1) return;
+      folder.Leave();
+      folder.RemoveFolder(way.back().name);
+      way.pop_back();
+      continue;
+    }
+    Level& level = way.back();
+    const std::string inside = level.entries[level.next++];
+    folder.Enter(inside);
+    DeleteFilesIn(folder);
+    way.push_back({inside, {}});
+  }
 }
 
 void CreateFolderPath(FileSystem& files, std::string_view path) {

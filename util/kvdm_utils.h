@@ -59,13 +59,18 @@ template <std::predicate<const std::string&> Taken>
 
 // Deletes a folder with all its contents; `path` ends in one backslash. True when nothing is left
 // of it. Hidden, system and read-only entries stay, and so does what holds them; links are removed,
-// never followed.
+// never followed. Names count as they are or in another letter case, with nothing cut off. Links in
+// the path in front of the folder are followed, once, when that place is opened.
 //
 // Refuses, False and nothing touched, a path that is not rooted, names no folder below a drive's or
-// share's root, ends in two backslashes, or has a component of dots and blanks only. Without the
-// backslash at the end the files go, but folders inside are looked for beside the folder, under
-// both names joined: False when there are any.
+// share's root, ends in two backslashes, or has a component of dots only. Without the backslash at
+// the end only a folder without folders inside is deleted: the files go, and False comes at the
+// first folder.
 bool DeleteFolderTree(FileSystem& files, std::string_view path);
+
+// Deletes what is in an open folder, as DeleteFolderTree does, and keeps the folder. Errors reach
+// the caller, at the first thing that can't be deleted; then `folder` may be in a folder inside.
+void EmptyFolder(Directory& folder);
 
 // Creates every missing folder along `path`, from the one after its first backslash. Errors reach
 // the caller.

@@ -148,8 +148,8 @@ struct FolderContent {
 
 FolderContent ContentOf(Session& session, std::string folder) {
   FileSystem& files = *session.Component().GetServices().platform.files;
-  auto entries =
-      files.FolderExists(folder) ? files.OpenFolder(folder)->Entries() : std::vector<std::string>();
+  auto entries = files.FolderExists(folder) ? files.OpenFolder(files.FullPath(folder))->Entries()
+                                            : std::vector<std::string>();
   std::sort(entries.begin(), entries.end());
   return {std::move(folder), std::move(entries)};
 }

@@ -31,7 +31,8 @@ class TempClean : public ReadingCommand {
     const std::string folder =
         session.Manager().WorkingDirectory() + sDefaultDirNames::kKelvaroTemp;
     FileSystem& files = *session.Component().GetServices().platform.files;
-    const auto left = files.FolderExists(folder) ? files.OpenFolder(folder)->Entries().size() : 0;
+    const auto left =
+        files.FolderExists(folder) ? files.OpenFolder(files.FullPath(folder))->Entries().size() : 0;
     out.Done({{"folder", folder}, {"left", static_cast<std::int64_t>(left)}},
              left == 0
                  ? fmt::format("Emptied {}.", folder)

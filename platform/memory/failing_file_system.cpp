@@ -13,11 +13,8 @@ class FailingDirectory : public Directory {
   std::vector<std::string> Files() override { return Counted("folder.Files").Files(); }
   std::vector<std::string> Entries() override { return Counted("folder.Entries").Entries(); }
   void DeleteFiles() override { Counted("folder.DeleteFiles").DeleteFiles(); }
-  std::unique_ptr<Directory> Open(std::string_view name) override {
-    auto folder = Counted("folder.Open", name).Open(name);
-    if (counter_->GivesNothing()) return nullptr;
-    return std::make_unique<FailingDirectory>(std::move(folder), counter_);
-  }
+  void Enter(std::string_view name) override { Counted("folder.Enter", name).Enter(name); }
+  void Leave() override { Counted("folder.Leave").Leave(); }
   void RemoveFolder(std::string_view name) override {
     Counted("folder.RemoveFolder", name).RemoveFolder(name);
   }

@@ -1,6 +1,7 @@
 // An open folder of the file system in memory.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,16 +20,24 @@ class MemoryDirectory : public Directory {
   std::vector<std::string> Files() override;
   std::vector<std::string> Entries() override;
   void DeleteFiles() override;
-  std::unique_ptr<Directory> Open(std::string_view name) override;
+  void Enter(std::string_view name) override;
+  void Leave() override;
   void RemoveFolder(std::string_view name) override;
 
  private:
-  [[nodiscard]] std::string PathOf(std::string_view name) const;
-  // The real name of a folder inside; run-time error 76 or 75.
-  [[nodiscard]] std::string FolderName(std::string_view name) const;
+  using Nodes = std::map<std::string, std::shared_ptr<MemoryNode>, std::less<>>;
+  struct Level {
+    std::shared_ptr<MemoryNode> folder;
+    Nodes known;  // What was listed or entered, by name.
+    std::string path;
+  };
 
-  std::shared_ptr<MemoryNode> folder_;
-  std::string path_;
+  [[nodiscard]] MemoryNode& Here() const { return *way_.back().folder; }
+  [[nodiscard]] std::string PathOf(std::string_view name) const;
+  // A folder inside, by its real name; run-time error 76 or 75.
+  [[nodiscard]] Nodes::const_iterator FolderNamed(std::string_view name) const;
+
+  std::vector<Level> way_;  // The last one is where it is.
 };
 
 }  // namespace kvdm

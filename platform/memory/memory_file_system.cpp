@@ -44,7 +44,7 @@ void MemoryFileSystem::CreateFolder(std::string_view path) {
 
 std::string MemoryFileSystem::FullPath(std::string_view path) {
   auto resolved = Resolve(path);
-  const auto node = resolved ? Walk(*resolved) : nullptr;
+  const auto node = resolved ? Walk(*resolved, FindName) : nullptr;
   if (node == nullptr || !node->IsFolder()) throw PathError(kPathNotFound, path);
   return resolved->Text();
 }
@@ -58,16 +58,21 @@ std::string MemoryFileSystem::SystemDrive() { return "C:"; }
 std::vector<std::string> MemoryFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
   const std::string_view folder = search.folder.empty() ? "." : search.folder;
-  if (!FolderExists(folder)) return {};
-  std::vector<std::string> names = OpenFolder(folder)->Files();
-  std::erase_if(names, [&](const auto& name) { return !MatchesPattern(name, search.name); });
+  const auto node = Find(folder);
+  if (node == nullptr || !node->IsFolder()) return {};
+  std::vector<std::string> names = node->SeenNames(search.name.starts_with('.'));
+  std::erase_if(names, [&](const auto& name) {
+    return node->children.at(name)->IsFolder() || !MatchesPattern(name, search.name);
+  });
   return names;
 }
 
 std::unique_ptr<Directory> MemoryFileSystem::OpenFolder(std::string_view path) {
-  const auto node = Existing(path);
+  auto resolved = Resolve(path);
+  auto node = resolved ? Walk(*resolved, FindSameName) : nullptr;
+  if (node == nullptr) throw PathError(kPathNotFound, path);
   if (!node->IsFolder()) throw PathError(kPathFileAccess, path);
-  return std::make_unique<MemoryDirectory>(node, FullPath(path));
+  return std::make_unique<MemoryDirectory>(std::move(node), resolved->Text());
 }
 
 std::optional<std::string> MemoryFileSystem::ReadFile(std::string_view path) {
@@ -145,11 +150,11 @@ std::optional<DrivePath> MemoryFileSystem::Resolve(std::string_view path) const 
   return ResolvePath(SplitPath(path), current_);
 }
 
-std::shared_ptr<MemoryNode> MemoryFileSystem::Walk(DrivePath& path) const {
+std::shared_ptr<MemoryNode> MemoryFileSystem::Walk(DrivePath& path, NameFinder find) const {
   const auto drive = drives_.find(path.drive);
   auto node = drive == drives_.end() ? nullptr : drive->second;
   for (std::string& name : path.names) {
-    const auto real_name = node != nullptr ? node->Find(name) : std::nullopt;
+    const auto real_name = node != nullptr ? node->Find(name, find) : std::nullopt;
     if (!real_name) return nullptr;
     name = *real_name;
     node = node->children.at(name);
@@ -159,7 +164,7 @@ std::shared_ptr<MemoryNode> MemoryFileSystem::Walk(DrivePath& path) const {
 
 std::shared_ptr<MemoryNode> MemoryFileSystem::Find(std::string_view path) const {
   auto resolved = Resolve(path);
-  return resolved ? Walk(*resolved) : nullptr;
+  return resolved ? Walk(*resolved, FindName) : nullptr;
 }
 
 std::shared_ptr<MemoryNode> MemoryFileSystem::Existing(std::string_view path) const {
@@ -181,9 +186,9 @@ MemoryFileSystem::Place MemoryFileSystem::PlaceOf(std::string_view path,
   if (resolved->names.empty()) throw PathError(root_error, path);
   const std::string name = std::move(resolved->names.back());
   resolved->names.pop_back();
-  const auto parent = Walk(*resolved);
+  const auto parent = Walk(*resolved, FindName);
   if (parent == nullptr || !parent->IsFolder()) throw PathError(kPathNotFound, path);
-  return {parent, name, parent->Find(name)};
+  return {parent, name, parent->Find(name, FindName)};
 }
 
 void MemoryFileSystem::AddEntry(std::string_view path, MemoryNode::Kind kind,

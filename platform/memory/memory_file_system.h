@@ -15,7 +15,8 @@
 
 namespace kvdm {
 
-// Has the empty drives C:, D: and Z:. The current folder is "C:\" at first.
+// Has the empty drives C:, D: and Z:. The current folder is "C:\" at first. A leading dot hides an
+// entry, but from FindFiles with a pattern that has one too.
 //
 //   MemoryFileSystem files;
 //   files.AddFile(R"(D:\Work\North\shops.dbf)", "...");
@@ -65,7 +66,7 @@ class MemoryFileSystem : public FileSystem {
 
   [[nodiscard]] std::optional<DrivePath> Resolve(std::string_view path) const;
   // Replaces the names of `path` by the real ones on the way; empty when something is missing.
-  [[nodiscard]] std::shared_ptr<MemoryNode> Walk(DrivePath& path) const;
+  [[nodiscard]] std::shared_ptr<MemoryNode> Walk(DrivePath& path, NameFinder find) const;
   [[nodiscard]] std::shared_ptr<MemoryNode> Find(std::string_view path) const;
   [[nodiscard]] std::shared_ptr<MemoryNode> Existing(std::string_view path) const;
   [[nodiscard]] std::shared_ptr<MemoryNode> ExistingFolder(std::string_view path) const;

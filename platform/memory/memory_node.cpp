@@ -1,13 +1,8 @@
 #include "platform/memory/memory_node.h"
 
 #include "platform/file_attributes.h"
-#include "platform/file_names.h"
 
 namespace kvdm {
-
-bool MemoryNode::IsSeen() const {
-  return (attributes & (kHiddenAttribute | kSystemAttribute)) == 0;
-}
 
 std::vector<std::string> MemoryNode::Names() const {
   std::vector<std::string> names;
@@ -17,9 +12,19 @@ std::vector<std::string> MemoryNode::Names() const {
   return names;
 }
 
-std::optional<std::string> MemoryNode::Find(std::string_view name) const {
+std::vector<std::string> MemoryNode::SeenNames(bool with_dots) const {
+  std::vector<std::string> names = Names();
+  std::erase_if(names, [&](const std::string& name) {
+    const bool has_attribute =
+        (children.at(name)->attributes & (kHiddenAttribute | kSystemAttribute)) != 0;
+    return has_attribute || (name.starts_with('.') && !with_dots);
+  });
+  return names;
+}
+
+std::optional<std::string> MemoryNode::Find(std::string_view name, NameFinder find) const {
   if (children.contains(name)) return std::string(name);
-  return FindName(Names(), name);
+  return find(Names(), name);
 }
 
 }  // namespace kvdm

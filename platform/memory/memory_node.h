@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/file_names.h"
+
 namespace kvdm {
 
 // A folder, a file or a link. Open folders share their node, so they outlive renaming and removal.
@@ -22,14 +24,15 @@ struct MemoryNode {
 
   [[nodiscard]] bool IsFolder() const { return kind == Kind::kFolder; }
 
-  // Whether listings show it: neither hidden nor system.
-  [[nodiscard]] bool IsSeen() const;
-
   // The names inside, in the order of a listing.
   [[nodiscard]] std::vector<std::string> Names() const;
 
-  // The name of the entry that `name` means; nothing when there is none.
-  [[nodiscard]] std::optional<std::string> Find(std::string_view name) const;
+  // Those that are seen: neither hidden nor system, and without a leading dot unless `with_dots`.
+  [[nodiscard]] std::vector<std::string> SeenNames(bool with_dots = false) const;
+
+  // The name of the entry that `name` means, by `find` (FindName or FindSameName); nothing when
+  // there is none.
+  [[nodiscard]] std::optional<std::string> Find(std::string_view name, NameFinder find) const;
 };
 
 }  // namespace kvdm

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 
 #include "platform/file_attributes.h"
@@ -51,6 +52,22 @@ unsigned StoredAttributes(int folder, const std::string& name) {
   ThrowSystemError(errno);
 }
 
+// A place where a file system begins in the tree, and its device: one folder may be in the tree at
+// several places. Older systems tell the device alone.
+struct Mount {
+  std::uint64_t place = 0;
+  dev_t device = 0;
+
+  bool operator==(const Mount&) const = default;
+};
+
+Mount MountOf(int folder) {
+  struct statx facts {};
+  const bool told = ::statx(folder, "", AT_EMPTY_PATH, STATX_MNT_ID, &facts) == 0 &&
+                    (facts.stx_mask & STATX_MNT_ID) != 0;
+  return {told ? facts.stx_mnt_id : 0, IdentityOf(folder).device};
+}
+
 std::vector<std::string> NamesForSearch(int folder) {
   try {
     return EntryNames(folder);
@@ -85,11 +102,23 @@ std::vector<std::string> EntryNames(int folder) {
   return names;
 }
 
-std::optional<std::string> FindEntry(int folder, std::string_view name) {
+std::optional<std::string> FindEntry(int folder, std::string_view name, NameFinder find) {
   if (!IsEntryName(name)) return std::nullopt;
   std::string exact(name);
   if (StatusOf(folder, exact)) return exact;
-  return FindName(NamesForSearch(folder), name);
+  return find(NamesForSearch(folder), name);
+}
+
+FileIdentity IdentityOf(int file) {
+  struct stat status {};
+  if (::fstat(file, &status) != 0) ThrowSystemError(errno);
+  return {status.st_dev, status.st_ino};
+}
+
+FileDescriptor OpenFolderIn(int folder, const std::string& name) {
+  FileDescriptor inside = OpenAt(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+  if (MountOf(inside.get()) != MountOf(folder)) ThrowSystemError(EBUSY);
+  return inside;
 }
 
 std::optional<EntryFacts> ExamineEntry(int folder, const std::string& name) {
@@ -104,8 +133,10 @@ std::optional<EntryFacts> ExamineEntry(int folder, const std::string& name) {
   facts.group = status->st_gid;
   facts.is_read_only = (facts.permissions & 0222U) == 0;
   if (facts.is_folder || facts.is_regular_file) facts.attributes = StoredAttributes(folder, name);
-  facts.is_seen =
-      !name.starts_with('.') && (facts.attributes & (kHiddenAttribute | kSystemAttribute)) == 0;
+  const bool is_hidden = (facts.attributes & (kHiddenAttribute | kSystemAttribute)) != 0;
+  facts.has_dot = name.starts_with('.') && !is_hidden;
+  facts.is_seen = !name.starts_with('.') && !is_hidden;
+  facts.identity = {status->st_dev, status->st_ino};
   return facts;
 }
 

@@ -6,61 +6,112 @@
 #include <utility>
 
 #include "platform/file_names.h"
-#include "platform/posix/folder_entries.h"
+#include "platform/posix/leftovers.h"
 #include "platform/posix/posix_error.h"
 
 namespace kvdm {
 namespace {
 
-// The names of the entries that are still there and that `chosen` wants.
+constexpr std::size_t kMostOpen = 64;
+
+// What is in a folder and is seen and `chosen`, by name in the order of a listing.
+template <class Chosen>
+std::vector<std::pair<std::string, FileIdentity>> SeenEntries(int folder, Chosen chosen) {
+  std::vector<std::pair<std::string, FileIdentity>> entries;
+  for (std::string& name : EntryNames(folder)) {
+    const auto facts = ExamineEntry(folder, name);
+    if (facts && facts->is_seen && chosen(*facts)) {
+      entries.emplace_back(std::move(name), facts->identity);
+    }
+  }
+  return entries;
+}
+
 template <class Chosen>
 std::vector<std::string> NamesOf(int folder, Chosen chosen) {
-  std::vector<std::string> names = EntryNames(folder);
-  std::erase_if(names, [&](const std::string& name) {
-    const auto facts = ExamineEntry(folder, name);
-    return !facts || !facts->is_seen || !chosen(*facts);
-  });
+  std::vector<std::string> names;
+  for (auto& [name, identity] : SeenEntries(folder, chosen)) names.push_back(std::move(name));
   return names;
+}
+
+// Removes a folder, unless there is something in it.
+bool WasEmpty(int folder, const std::string& name) {
+  if (::unlinkat(folder, name.c_str(), AT_REMOVEDIR) == 0) return true;
+  if (errno != ENOTEMPTY && errno != EEXIST) ThrowSystemError(errno);
+  return false;
 }
 
 }  // namespace
 
-PosixDirectory::PosixDirectory(FileDescriptor folder, std::string path)
-    : folder_(std::move(folder)), path_(std::move(path)) {}
+PosixDirectory::PosixDirectory(FileDescriptor folder, std::string path) : path_(std::move(path)) {
+  const FileIdentity identity = IdentityOf(folder.get());
+  way_.push_back({std::move(folder), identity, path_.size(), {}});
+}
 
 std::vector<std::string> PosixDirectory::Files() {
   return TranslatingErrors(path_, [&] {
-    return NamesOf(folder_.get(), [](const EntryFacts& facts) { return !facts.is_folder; });
+    return NamesOf(Here(), [](const EntryFacts& facts) { return !facts.is_folder; });
   });
 }
 
 std::vector<std::string> PosixDirectory::Entries() {
-  return TranslatingErrors(
-      path_, [&] { return NamesOf(folder_.get(), [](const EntryFacts&) { return true; }); });
+  return TranslatingErrors(path_, [&] {
+    std::vector<std::string> names;
+    auto& known = way_.back().known;
+    known.clear();
+    for (auto& [name, identity] : SeenEntries(Here(), [](const EntryFacts&) { return true; })) {
+      known[name] = identity;
+      names.push_back(std::move(name));
+    }
+    return names;
+  });
 }
 
 void PosixDirectory::DeleteFiles() {
   const std::vector<std::string> names = DeletableFiles();
   if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
   for (const std::string& name : names) {
-    const bool gone = ::unlinkat(folder_.get(), name.c_str(), 0) == 0 || errno == ENOENT;
+    const bool gone = ::unlinkat(Here(), name.c_str(), 0) == 0 || errno == ENOENT;
     if (!gone) throw PosixError(errno, PathOf(name));
   }
 }
 
-std::unique_ptr<Directory> PosixDirectory::Open(std::string_view name) {
-  return TranslatingErrors(PathOf(name), [&] {
+void PosixDirectory::Enter(std::string_view name) {
+  Translating(name, [&] {
     const std::string real_name = RealName(name);
-    constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW;
-    return std::make_unique<PosixDirectory>(OpenAt(folder_.get(), real_name, kFlags),
-                                            PathOf(real_name));
+    FileDescriptor inside = OpenFolderIn(Here(), real_name);
+    const FileIdentity identity = IdentityOf(inside.get());
+    RequireKnown(real_name, identity);
+    way_.back().known[real_name] = identity;
+    if (way_.size() >= kMostOpen) way_.back().folder = FileDescriptor(-1);
+    path_.append(path_.ends_with('\\') ? "" : "\\").append(real_name);
+    way_.push_back({std::move(inside), identity, path_.size(), {}});
+  });
+}
+
+void PosixDirectory::Leave() {
+  TranslatingErrors(path_, [&] {
+    const Level inside = std::move(way_.back());
+    way_.pop_back();
+    path_.resize(way_.back().path_length);
+    if (Here() >= 0) return;
+    FileDescriptor around = OpenAt(inside.folder.get(), "..", O_RDONLY | O_DIRECTORY);
+    if (IdentityOf(around.get()) != way_.back().identity) ThrowSystemError(ENOENT);
+    way_.back().folder = std::move(around);
   });
 }
 
 void PosixDirectory::RemoveFolder(std::string_view name) {
-  TranslatingErrors(PathOf(name), [&] {
+  Translating(name, [&] {
     const std::string real_name = RealName(name);
-    if (::unlinkat(folder_.get(), real_name.c_str(), AT_REMOVEDIR) != 0) ThrowSystemError(errno);
+    const auto facts = ExamineEntry(Here(), real_name);
+    if (!facts) ThrowSystemError(ENOENT);
+    RequireKnown(real_name, facts->identity);
+    if (!WasEmpty(Here(), real_name)) {
+      ClearLeftovers(OpenFolderIn(Here(), real_name).get());
+      if (!WasEmpty(Here(), real_name)) ThrowSystemError(ENOTEMPTY);
+    }
+    way_.back().known.erase(real_name);
   });
 }
 
@@ -68,15 +119,30 @@ std::string PosixDirectory::PathOf(std::string_view name) const {
   return path_ + (path_.ends_with('\\') ? "" : "\\") + std::string(name);
 }
 
+template <class Body>
+void PosixDirectory::Translating(std::string_view name, Body body) const {
+  try {
+    body();
+  } catch (const std::system_error& error) {
+    throw PosixError(error.code().value(), PathOf(name));
+  }
+}
+
 std::string PosixDirectory::RealName(std::string_view name) const {
-  auto entry = FindEntry(folder_.get(), name);
+  auto entry = FindEntry(Here(), name, FindSameName);
   if (!entry) ThrowSystemError(ENOENT);
   return *std::move(entry);
 }
 
+void PosixDirectory::RequireKnown(const std::string& name, const FileIdentity& found) const {
+  const auto& known = way_.back().known;
+  const auto entry = known.find(name);
+  if (entry != known.end() && entry->second != found) ThrowSystemError(ENOTDIR);
+}
+
 std::vector<std::string> PosixDirectory::DeletableFiles() const {
   return TranslatingErrors(path_, [&] {
-    return NamesOf(folder_.get(),
+    return NamesOf(Here(),
                    [](const EntryFacts& facts) { return !facts.is_folder && !facts.is_read_only; });
   });
 }

@@ -78,6 +78,7 @@ std::string PosixFileSystem::SystemDrive() { return "C:"; }
 std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
   const std::string_view path = search.folder.empty() ? "." : search.folder;
+  const bool wants_dots = search.name.starts_with('.');
   if (!FolderExists(path)) return {};
   return TranslatingErrors(path, [&] {
     DrivePath resolved = PosixPaths::Resolve(path);
@@ -86,7 +87,7 @@ std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
     std::erase_if(names, [&](const std::string& name) {
       if (!MatchesPattern(name, search.name)) return true;
       const auto facts = ExamineEntry(folder.get(), name);
-      return !facts || facts->is_folder || !facts->is_seen;
+      return !facts || facts->is_folder || !(facts->is_seen || (wants_dots && facts->has_dot));
     });
     return names;
   });
@@ -95,7 +96,7 @@ std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
 std::unique_ptr<Directory> PosixFileSystem::OpenFolder(std::string_view path) {
   return TranslatingErrors(path, [&] {
     DrivePath resolved = PosixPaths::Resolve(path);
-    const FileDescriptor folder = paths_.Open(resolved, ENOTDIR);
+    const FileDescriptor folder = paths_.Open(resolved, ENOTDIR, FindSameName);
     return std::make_unique<PosixDirectory>(Readable(folder), resolved.Text());
   });
 }

@@ -17,8 +17,8 @@ namespace kvdm {
 // and what WriteFile replaces. Whatever is no folder counts as a file; only regular files are read.
 //
 // Hidden and system attributes are those of the extended attribute "user.DOSATTRIB", and a name
-// with a leading dot is hidden. A file without any write permission is read-only; WriteFile refuses
-// to replace it (70).
+// with a leading dot is hidden, but for FindFiles with a pattern that has one too. A file without
+// any write permission is read-only; WriteFile refuses to replace it (70).
 class PosixFileSystem : public FileSystem {
  public:
   explicit PosixFileSystem(const PosixFileOptions& options = {});

@@ -48,10 +48,10 @@ DrivePath PosixPaths::Resolve(std::string_view path) {
   return *std::move(resolved);
 }
 
-FileDescriptor PosixPaths::Open(DrivePath& path, int no_folder) const {
+FileDescriptor PosixPaths::Open(DrivePath& path, int no_folder, NameFinder find) const {
   FileDescriptor folder = OpenRoot(path.drive);
   for (std::string& name : path.names) {
-    auto entry = FindEntry(folder.get(), name);
+    auto entry = FindEntry(folder.get(), name, find);
     if (!entry) ThrowSystemError(ENOENT);
     name = *std::move(entry);
     const bool last = &name == &path.names.back();
@@ -70,7 +70,7 @@ PosixPlace PosixPaths::PlaceOf(std::string_view path, int root_error) const {
   const std::string name = std::move(resolved.names.back());
   resolved.names.pop_back();
   FileDescriptor folder = Open(resolved, ENOENT);
-  auto entry = FindEntry(folder.get(), name);
+  auto entry = FindEntry(folder.get(), name, FindName);
   return {std::move(folder), name, std::move(entry)};
 }
 

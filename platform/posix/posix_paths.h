@@ -34,9 +34,10 @@ class PosixPaths {
   // folder is.
   [[nodiscard]] static DrivePath Resolve(std::string_view path);
 
-  // Opens a folder, not for listing, and puts the real names on the way into `path`. Throws
-  // `no_folder` (an errno value) when the path leads to a file.
-  [[nodiscard]] FileDescriptor Open(DrivePath& path, int no_folder) const;
+  // Opens a folder, not for listing, and puts the real names on the way, found by `find`, into
+  // `path`. Throws `no_folder` (an errno value) when the path leads to a file.
+  [[nodiscard]] FileDescriptor Open(DrivePath& path, int no_folder,
+                                    NameFinder find = FindName) const;
 
   // Throws `root_error` (an errno value) for the root of a drive.
   [[nodiscard]] PosixPlace PlaceOf(std::string_view path, int root_error) const;

@@ -2,6 +2,7 @@
 
 #include <winternl.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <optional>
@@ -25,7 +26,7 @@ bool IsLink(DWORD attributes, DWORD tag) {
 // For a reparse point the system puts its tag where the size of extended attributes is otherwise.
 FolderEntry EntryOf(const FILE_ID_BOTH_DIR_INFO& info) {
   return {std::wstring(info.FileName, info.FileNameLength / sizeof(wchar_t)), info.FileAttributes,
-          IsLink(info.FileAttributes, info.EaSize)};
+          IsLink(info.FileAttributes, info.EaSize), info.FileId.QuadPart};
 }
 
 bool WasDeleted(const FileHandle& folder) {
@@ -66,18 +67,23 @@ std::optional<std::string> PathOnVolume(const FileHandle& file) {
   return ToUtf8(name);
 }
 
-// Some systems follow a link whatever they are asked, and some leave out blanks and dots at the end
-// of the path of an open file.
+// A path in the form in which some systems tell it: without blanks and dots at the ends of names.
+std::string WithoutEnds(std::string_view path) {
+  std::string short_path;
+  while (!path.empty()) {
+    const std::size_t end = std::min(path.find('\\'), path.size());
+    const std::string_view name = TrimmedName(path.substr(0, end));
+    if (!name.empty()) short_path.append("\\").append(name);
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return short_path;
+}
+
+// Some systems follow a link whatever they are asked.
 bool IsIn(const FileHandle& folder, const FileHandle& file, const std::wstring& name) {
-  const auto same = [](std::string_view a, std::string_view b) {
-    return SameName(TrimmedName(a), TrimmedName(b));
-  };
   const auto parent = PathOnVolume(folder);
   const auto path = PathOnVolume(file);
-  const std::size_t separator = path ? path->rfind('\\') : std::string::npos;
-  return parent && separator != std::string::npos &&
-         same(std::string_view(*path).substr(0, separator), *parent) &&
-         same(std::string_view(*path).substr(separator + 1), ToUtf8(name));
+  return parent && path && SameName(WithoutEnds(*path), WithoutEnds(*parent + "\\" + ToUtf8(name)));
 }
 
 bool IsStill(const FileHandle& file, const FolderEntry& entry) {
@@ -87,7 +93,7 @@ bool IsStill(const FileHandle& file, const FolderEntry& entry) {
     ThrowLastError();
   }
   const FolderEntry now{entry.name, info.FileAttributes,
-                        IsLink(info.FileAttributes, info.ReparseTag)};
+                        IsLink(info.FileAttributes, info.ReparseTag), entry.id};
   return now.is_link == entry.is_link && now.IsFolder() == entry.IsFolder();
 }
 

@@ -17,6 +17,7 @@ struct FolderEntry {
   std::wstring name;
   DWORD attributes = 0;
   bool is_link = false;
+  LONGLONG id = 0;  // Which file or folder of its volume it is.
 
   [[nodiscard]] bool IsFolder() const {
     return !is_link && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;

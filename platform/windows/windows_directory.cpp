@@ -11,13 +11,18 @@
 namespace kvdm {
 namespace {
 
-// The names of the entries that are seen and that `chosen` wants.
+// The entries that are seen and that `chosen` wants.
 template <class Chosen>
-std::vector<std::string> NamesOf(const FileHandle& folder, Chosen chosen) {
+std::vector<FolderEntry> SeenEntries(const FileHandle& folder, Chosen chosen) {
+  std::vector<FolderEntry> entries = EntriesOf(folder);
+  std::erase_if(entries,
+                [&](const FolderEntry& entry) { return !entry.IsSeen() || !chosen(entry); });
+  return entries;
+}
+
+std::vector<std::string> NamesOf(const std::vector<FolderEntry>& entries) {
   std::vector<std::string> names;
-  for (const FolderEntry& entry : EntriesOf(folder)) {
-    if (entry.IsSeen() && chosen(entry)) names.push_back(ToUtf8(entry.name));
-  }
+  for (const FolderEntry& entry : entries) names.push_back(ToUtf8(entry.name));
   SortNames(names);
   return names;
 }
@@ -32,38 +37,54 @@ void DeleteUnlessGone(const FileHandle& folder, const FolderEntry& entry) {
 
 }  // namespace
 
-WindowsDirectory::WindowsDirectory(FileHandle folder, std::string path)
-    : folder_(std::move(folder)), path_(std::move(path)) {}
+WindowsDirectory::WindowsDirectory(FileHandle folder, std::string path) : path_(std::move(path)) {
+  way_.push_back({std::move(folder), path_.size(), {}});
+}
 
 std::vector<std::string> WindowsDirectory::Files() {
   return TranslatingErrors(path_, [&] {
-    return NamesOf(folder_, [](const FolderEntry& entry) { return !entry.IsFolder(); });
+    return NamesOf(SeenEntries(Here(), [](const FolderEntry& entry) { return !entry.IsFolder(); }));
   });
 }
 
 std::vector<std::string> WindowsDirectory::Entries() {
-  return TranslatingErrors(
-      path_, [&] { return NamesOf(folder_, [](const FolderEntry&) { return true; }); });
+  return TranslatingErrors(path_, [&] {
+    const auto entries = SeenEntries(Here(), [](const FolderEntry&) { return true; });
+    way_.back().known.clear();
+    for (const FolderEntry& entry : entries) way_.back().known[entry.name] = entry.id;
+    return NamesOf(entries);
+  });
 }
 
 void WindowsDirectory::DeleteFiles() {
   const std::vector<FolderEntry> files = DeletableFiles();
   if (files.empty()) throw PathError(kFileNotFound, PathOf("*"));
   for (const FolderEntry& file : files) {
-    TranslatingErrors(PathOf(ToUtf8(file.name)), [&] { DeleteUnlessGone(folder_, file); });
+    TranslatingErrors(PathOf(ToUtf8(file.name)), [&] { DeleteUnlessGone(Here(), file); });
   }
 }
 
-std::unique_ptr<Directory> WindowsDirectory::Open(std::string_view name) {
-  return TranslatingErrors(PathOf(name), [&] {
+void WindowsDirectory::Enter(std::string_view name) {
+  TranslatingErrors(PathOf(name), [&] {
     const FolderEntry entry = FolderNamed(name);
-    return std::make_unique<WindowsDirectory>(OpenEntry(folder_, entry, kListAccess),
-                                              PathOf(ToUtf8(entry.name)));
+    FileHandle inside = OpenEntry(Here(), entry, kListAccess);
+    way_.back().known[entry.name] = entry.id;
+    path_ = PathOf(ToUtf8(entry.name));
+    way_.push_back({std::move(inside), path_.size(), {}});
   });
 }
 
+void WindowsDirectory::Leave() {
+  way_.pop_back();
+  path_.resize(way_.back().path_length);
+}
+
 void WindowsDirectory::RemoveFolder(std::string_view name) {
-  TranslatingErrors(PathOf(name), [&] { DeleteEntry(folder_, FolderNamed(name)); });
+  TranslatingErrors(PathOf(name), [&] {
+    const FolderEntry entry = FolderNamed(name);
+    DeleteEntry(Here(), entry);
+    way_.back().known.erase(entry.name);
+  });
 }
 
 std::string WindowsDirectory::PathOf(std::string_view name) const {
@@ -72,22 +93,21 @@ std::string WindowsDirectory::PathOf(std::string_view name) const {
 
 FolderEntry WindowsDirectory::FolderNamed(std::string_view name) const {
   std::vector<std::string> names;
-  std::vector<FolderEntry> entries = EntriesOf(folder_);
+  std::vector<FolderEntry> entries = EntriesOf(Here());
   for (const FolderEntry& entry : entries) names.push_back(ToUtf8(entry.name));
-  const auto found = FindName(names, name);
+  const auto found = FindSameName(names, name);
   if (!found) ThrowSystemError(ERROR_PATH_NOT_FOUND);
   FolderEntry& entry = entries.at(std::ranges::find(names, *found) - names.begin());
-  if (!entry.IsFolder()) ThrowSystemError(ERROR_DIRECTORY);
+  const auto known = way_.back().known.find(entry.name);
+  const bool replaced = known != way_.back().known.end() && known->second != entry.id;
+  if (!entry.IsFolder() || replaced) ThrowSystemError(ERROR_DIRECTORY);
   return std::move(entry);
 }
 
 std::vector<FolderEntry> WindowsDirectory::DeletableFiles() const {
   return TranslatingErrors(path_, [&] {
-    std::vector<FolderEntry> entries = EntriesOf(folder_);
-    std::erase_if(entries, [](const FolderEntry& entry) {
-      return entry.IsFolder() || !entry.IsSeen() || entry.IsReadOnly();
-    });
-    return entries;
+    return SeenEntries(
+        Here(), [](const FolderEntry& entry) { return !entry.IsFolder() && !entry.IsReadOnly(); });
   });
 }
 

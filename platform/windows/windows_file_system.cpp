@@ -17,6 +17,18 @@
 #include "platform/windows/windows_paths.h"
 
 namespace kvdm {
+namespace {
+
+std::unique_ptr<Directory> Opened(std::string_view path, NameFinder find) {
+  return TranslatingErrors(path, [&] {
+    DrivePath resolved = ResolveWindowsPath(path);
+    FileHandle folder = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess, find);
+    return std::make_unique<WindowsDirectory>(std::move(folder), resolved.Text());
+  });
+}
+
+}  // namespace
+
 bool WindowsFileSystem::FolderExists(std::string_view path) {
   try {
     DrivePath resolved = ResolveWindowsPath(path);
@@ -68,17 +80,13 @@ std::vector<std::string> WindowsFileSystem::FindFiles(std::string_view pattern) 
   const SearchPattern search = SplitPattern(pattern);
   const std::string_view folder = search.folder.empty() ? "." : search.folder;
   if (!FolderExists(folder)) return {};
-  std::vector<std::string> names = OpenFolder(folder)->Files();
+  std::vector<std::string> names = Opened(folder, FindName)->Files();
   std::erase_if(names, [&](const std::string& name) { return !MatchesPattern(name, search.name); });
   return names;
 }
 
 std::unique_ptr<Directory> WindowsFileSystem::OpenFolder(std::string_view path) {
-  return TranslatingErrors(path, [&] {
-    DrivePath resolved = ResolveWindowsPath(path);
-    FileHandle folder = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess);
-    return std::make_unique<WindowsDirectory>(std::move(folder), resolved.Text());
-  });
+  return Opened(path, FindSameName);
 }
 
 std::optional<std::string> WindowsFileSystem::ReadFile(std::string_view path) {

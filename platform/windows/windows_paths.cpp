@@ -76,17 +76,18 @@ std::optional<std::string> FindByShortName(const DrivePath& folder, const std::s
 }
 
 // The name of the entry that `name` means; nothing when there is none.
-std::optional<std::string> FindEntry(const DrivePath& folder, const std::string& name) {
+std::optional<std::string> FindEntry(const DrivePath& folder, const std::string& name,
+                                     NameFinder find) {
   if (!IsCreatableName(name)) return std::nullopt;  // No entry has such a name.
-  auto found = FindName(NamesLike(folder, name), name);
+  auto found = find(NamesLike(folder, name), name);
   return found ? found : FindByShortName(folder, name);
 }
 
 // Replaces the names of a path by the real ones.
-void FindNames(DrivePath& path) {
+void FindNames(DrivePath& path, NameFinder find) {
   DrivePath found{path.drive, {}};
   for (const std::string& name : path.names) {
-    auto entry = FindEntry(found, name);
+    auto entry = FindEntry(found, name, find);
     if (!entry) ThrowSystemError(ERROR_PATH_NOT_FOUND);
     found.names.push_back(*std::move(entry));
   }
@@ -104,8 +105,8 @@ DrivePath ResolveWindowsPath(std::string_view path) {
 
 std::wstring SystemPath(const DrivePath& path) { return LR"(\\?\)" + ToUtf16(path.Text()); }
 
-FileHandle OpenFolderAt(DrivePath& path, DWORD no_folder, DWORD access) {
-  FindNames(path);
+FileHandle OpenFolderAt(DrivePath& path, DWORD no_folder, DWORD access, NameFinder find) {
+  FindNames(path, find);
   const std::wstring system_path = SystemPath(path);
   const auto attributes = AttributesOf(system_path);
   if (!attributes) ThrowLastError();
@@ -127,7 +128,7 @@ WindowsPlace PlaceOf(std::string_view path, DWORD root_error) {
   if (!is_root) resolved.names.pop_back();
   std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
   if (is_root) ThrowSystemError(root_error);
-  const auto entry = FindEntry(resolved, name);
+  const auto entry = FindEntry(resolved, name, FindName);
   resolved.names.push_back(entry.value_or(name));
   return {resolved, entry ? AttributesOf(SystemPath(resolved)) : std::nullopt};
 }

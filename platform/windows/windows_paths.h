@@ -19,9 +19,10 @@ namespace kvdm {
 // The path as the system takes it: of any length, and with each name as it is.
 [[nodiscard]] std::wstring SystemPath(const DrivePath& path);
 
-// Opens a folder and puts the real names on the way into `path`. Throws `no_folder` (an error code)
-// when the path leads to a file.
-[[nodiscard]] FileHandle OpenFolderAt(DrivePath& path, DWORD no_folder, DWORD access);
+// Opens a folder and puts the real names on the way, found by `find` or by the short names that the
+// system gave them, into `path`. Throws `no_folder` (an error code) when the path leads to a file.
+[[nodiscard]] FileHandle OpenFolderAt(DrivePath& path, DWORD no_folder, DWORD access,
+                                      NameFinder find = FindName);
 
 // A place for a file or folder in a folder that is there.
 struct WindowsPlace {

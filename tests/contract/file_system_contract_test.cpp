@@ -1,12 +1,12 @@
 // What every file system does.
+#include "tests/contract/file_system_contract.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
-#include "platform/error.h"
-#include "tests/contract/file_worlds.h"
+#include "util/kvdm_utils.h"
 
 namespace kvdm {
 namespace {
@@ -15,35 +15,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Optional;
 using ::testing::StartsWith;
-
-// The number of the run-time error that `act` ends in; 0 for none.
-int ErrorOf(const std::function<void()>& act) {
-  try {
-    act();
-    return 0;
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-}
-
-// A world with the empty folder D:\Data.
-class FileSystemContract : public ::testing::TestWithParam<FileWorldMaker> {
- protected:
-  FileSystemContract() { files_.CreateFolder(R"(D:\Data)"); }
-
-  void Put(const std::string& path, const std::string& content = {}) {
-    files_.WriteFile(path, content);
-  }
-  int CreateError(const std::string& path) {
-    return ErrorOf([&] { files_.CreateFolder(path); });
-  }
-  int WriteError(const std::string& path) {
-    return ErrorOf([&] { files_.WriteFile(path, "new"); });
-  }
-
-  std::unique_ptr<FileWorld> world_ = GetParam().make();
-  FileSystem& files_ = world_->files();
-};
 
 INSTANTIATE_TEST_SUITE_P(On, FileSystemContract, ::testing::ValuesIn(FileWorldMakers()),
                          [](const auto& tested) { return std::string(tested.param.name); });
@@ -177,7 +148,7 @@ TEST_P(FileSystemContract, AHiddenFolderIsNotListedButFound) {
   files_.HideFolder(R"(d:\data\NORTH\)");
   EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), IsEmpty());
   EXPECT_TRUE(files_.FolderExists(R"(D:\Data\North)"));
-  EXPECT_NO_THROW(files_.OpenFolder(R"(D:\Data)")->Open("North"));
+  EXPECT_NO_THROW(files_.OpenFolder(R"(D:\Data)")->Enter("North"));
 }
 
 TEST_P(FileSystemContract, HideFolderKeepsOtherAttributes) {
@@ -237,145 +208,29 @@ TEST_P(FileSystemContract, FindFilesSeesReadOnlyFilesAndLinksOnly) {
   EXPECT_THAT(files_.FindFiles(R"(D:\Data\tmp.*)"), ElementsAre("tmp.link", "tmp.read"));
 }
 
+TEST_P(FileSystemContract, FindFilesFindsALeadingDotThatThePatternHasToo) {
+  Put(R"(D:\Data\.shops.lyr)");
+  Put(R"(D:\Data\.hidden.lyr)");
+  world_->SetAttributes(R"(D:\Data\.hidden.lyr)", kHiddenAttribute);
+  // Wine gives such files the attribute.
+  const bool is_found = !world_->IsWine();
+  for (const char* pattern : {R"(D:\Data\.shops.*)", R"(D:\Data\.*)"}) {
+    const auto found = files_.FindFiles(pattern);
+    EXPECT_EQ(found, is_found ? std::vector<std::string>{".shops.lyr"} : std::vector<std::string>())
+        << pattern;
+  }
+  EXPECT_THAT(files_.FindFiles(R"(D:\Data\shops.*)"), IsEmpty());
+  EXPECT_EQ(files_.FindFiles(R"(D:\Data\*)").empty(), world_->HidesDots());
+  EXPECT_EQ(files_.OpenFolder(R"(D:\Data)")->Entries().empty(), world_->HidesDots());
+  EXPECT_EQ(UniqueFileName(files_, R"(D:\Data)", ".SHOPS"), is_found ? ".SHOPS1" : ".SHOPS");
+}
+
 TEST_P(FileSystemContract, FindFilesIsEmptyWhenThereIsNoFolder) {
   Put(R"(D:\Data\tmp.shp)");
   for (const char* pattern :
        {R"(D:\Missing\tmp.*)", R"(Q:\tmp.*)", R"(D:\Data\tmp.shp\*)", R"(\\server\share\*)"}) {
     EXPECT_THAT(files_.FindFiles(pattern), IsEmpty()) << pattern;
   }
-}
-
-// --- OpenFolder and what it opens
-
-TEST_P(FileSystemContract, OpenFolderNeedsAFolder) {
-  Put(R"(D:\Data\shops.dbf)");
-  const auto error = [&](const char* path) {
-    return ErrorOf([&] { std::ignore = files_.OpenFolder(path); });
-  };
-  EXPECT_EQ(error(R"(D:\Data\shops.dbf)"), kPathFileAccess);
-  for (const char* path : {"", R"(D:\Missing)", R"(D:\Data\shops.dbf\x)", R"(Q:\)"}) {
-    EXPECT_EQ(error(path), kPathNotFound) << path;
-  }
-}
-
-TEST_P(FileSystemContract, ADirectoryListsWhatIsSeen) {
-  for (const char* name : {"b.dbf", "A.shp", "read", "hidden", "system"}) {
-    Put(std::string(R"(D:\Data\)") + name);
-  }
-  files_.CreateFolder(R"(D:\Data\North)");
-  files_.CreateFolder(R"(D:\Data\Secret)");
-  files_.HideFolder(R"(D:\Data\Secret)");
-  world_->SetAttributes(R"(D:\Data\read)", kReadOnlyAttribute);
-  world_->SetAttributes(R"(D:\Data\hidden)", kHiddenAttribute);
-  world_->SetAttributes(R"(D:\Data\system)", kSystemAttribute);
-  const auto folder = files_.OpenFolder(R"(D:\Data)");
-  EXPECT_THAT(folder->Files(), ElementsAre("A.shp", "b.dbf", "read"));
-  EXPECT_THAT(folder->Entries(), ElementsAre("A.shp", "b.dbf", "North", "read"));
-}
-
-TEST_P(FileSystemContract, DeleteFilesPassesOverFoldersAndProtectedFiles) {
-  for (const char* name : {"a", "b", "read", "hidden", "system"}) {
-    Put(std::string(R"(D:\Data\)") + name, name);
-  }
-  files_.CreateFolder(R"(D:\Data\North)");
-  world_->SetAttributes(R"(D:\Data\read)", kReadOnlyAttribute);
-  world_->SetAttributes(R"(D:\Data\hidden)", kHiddenAttribute);
-  world_->SetAttributes(R"(D:\Data\system)", kSystemAttribute);
-  files_.OpenFolder(R"(D:\Data)")->DeleteFiles();
-  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Entries(), ElementsAre("North", "read"));
-  EXPECT_TRUE(files_.ReadFile(R"(D:\Data\hidden)"));
-  EXPECT_TRUE(files_.ReadFile(R"(D:\Data\system)"));
-  EXPECT_FALSE(files_.ReadFile(R"(D:\Data\a)"));
-}
-
-TEST_P(FileSystemContract, DeleteFilesWithoutAMatchIsError53) {
-  files_.CreateFolder(R"(D:\Data\North)");
-  Put(R"(D:\Data\read)");
-  world_->SetAttributes(R"(D:\Data\read)", kReadOnlyAttribute);
-  const auto folder = files_.OpenFolder(R"(D:\Data)");
-  EXPECT_EQ(ErrorOf([&] { folder->DeleteFiles(); }), kFileNotFound);
-  EXPECT_TRUE(files_.ReadFile(R"(D:\Data\read)"));
-}
-
-TEST_P(FileSystemContract, ALinkIsAFile) {
-  world_->AddLink(R"(D:\Data\link)");
-  const auto folder = files_.OpenFolder(R"(D:\Data)");
-  EXPECT_THAT(folder->Files(), ElementsAre("link"));
-  EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open("link"); }), kPathFileAccess);
-  EXPECT_EQ(ErrorOf([&] { folder->RemoveFolder("link"); }), kPathFileAccess);
-  EXPECT_THAT(folder->Files(), ElementsAre("link"));
-}
-
-TEST_P(FileSystemContract, ALinkIsDeletedItself) {
-  world_->AddLink(R"(D:\Data\link)");
-  const auto folder = files_.OpenFolder(R"(D:\Data)");
-  const int error = ErrorOf([&] { folder->DeleteFiles(); });
-  // Wine would delete what the link leads to.
-  EXPECT_EQ(error, world_->IsWine() ? kPathFileAccess : 0);
-  EXPECT_EQ(folder->Entries().empty(), !world_->IsWine());
-}
-
-TEST_P(FileSystemContract, OpenFindsAFolderAsPathsDo) {
-  files_.CreateFolder(R"(D:\Data\North )");
-  Put(R"(D:\Data\North \shops.dbf)");
-  const auto folder = files_.OpenFolder(R"(D:\Data)");
-  for (const char* name : {"North ", "North", "NORTH"}) {
-    EXPECT_THAT(folder->Open(name)->Files(), ElementsAre("shops.dbf")) << name;
-  }
-}
-
-TEST_P(FileSystemContract, OpenTakesTheNameOfAFolderInside) {
-  Put(R"(D:\Data\shops.dbf)");
-  files_.CreateFolder(R"(D:\Data\North)");
-  files_.CreateFolder(R"(D:\Data\North\Inner)");
-  const auto folder = files_.OpenFolder(R"(D:\Data)");
-  EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open("shops.dbf"); }), kPathFileAccess);
-  for (const char* name : {"Missing", "", ".", "..", "North/Inner", "/", "N*"}) {
-    EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open(name); }), kPathNotFound) << name;
-  }
-}
-
-TEST_P(FileSystemContract, RemoveFolderRemovesAnEmptyFolder) {
-  files_.CreateFolder(R"(D:\Data\North )");
-  files_.OpenFolder(R"(D:\Data)")->RemoveFolder("North ");
-  EXPECT_FALSE(files_.FolderExists(R"(D:\Data\North)"));
-}
-
-TEST_P(FileSystemContract, RemoveFolderLeavesEverythingElse) {
-  Put(R"(D:\Data\shops.dbf)");
-  files_.CreateFolder(R"(D:\Data\Full)");
-  Put(R"(D:\Data\Full\hidden)");
-  world_->SetAttributes(R"(D:\Data\Full\hidden)", kHiddenAttribute);
-  const auto folder = files_.OpenFolder(R"(D:\Data)");
-  const auto error = [&](const char* name) { return ErrorOf([&] { folder->RemoveFolder(name); }); };
-  EXPECT_EQ(error("Full"), kPathFileAccess);
-  EXPECT_EQ(error("shops.dbf"), kPathFileAccess);
-  for (const char* name : {"Missing", "", ".", ".."}) EXPECT_EQ(error(name), kPathNotFound) << name;
-  EXPECT_THAT(folder->Entries(), ElementsAre("Full", "shops.dbf"));
-}
-
-TEST_P(FileSystemContract, ADirectoryStaysTheSameFolderWhenItIsMoved) {
-  files_.CreateFolder(R"(D:\Data\North)");
-  const auto folder = files_.OpenFolder(R"(D:\Data\North)");
-  world_->MoveFolder(R"(D:\Data\North)", R"(D:\Data\South)");
-  files_.CreateFolder(R"(D:\Data\North)");
-  Put(R"(D:\Data\North\keep)");
-  Put(R"(D:\Data\North\same)");
-  Put(R"(D:\Data\South\same)");
-  EXPECT_THAT(folder->Files(), ElementsAre("same"));
-  folder->DeleteFiles();
-  EXPECT_THAT(files_.FindFiles(R"(D:\Data\North\*)"), ElementsAre("keep", "same"));
-  // Wine looks for the file in the old place, and leaves the other one that is there alone.
-  EXPECT_EQ(files_.ReadFile(R"(D:\Data\South\same)").has_value(), world_->IsWine());
-}
-
-TEST_P(FileSystemContract, ADirectoryThatIsGoneIsEmpty) {
-  files_.CreateFolder(R"(D:\Data\North)");
-  const auto folder = files_.OpenFolder(R"(D:\Data\North)");
-  world_->RemoveTree(R"(D:\Data\North)");
-  EXPECT_THAT(folder->Entries(), IsEmpty());
-  EXPECT_EQ(ErrorOf([&] { folder->DeleteFiles(); }), kFileNotFound);
-  EXPECT_EQ(ErrorOf([&] { std::ignore = folder->Open("Inner"); }), kPathNotFound);
 }
 
 // --- ReadFile and WriteFile

@@ -21,6 +21,8 @@ class FileWorld {
   // Whether the system is Wine, which follows links when it deletes, and deletes by the path that
   // an open folder had.
   [[nodiscard]] virtual bool IsWine() const { return false; }
+  // Whether a leading dot hides an entry.
+  [[nodiscard]] virtual bool HidesDots() const { return true; }
   virtual void SetAttributes(const std::string& path, unsigned attributes) = 0;
   // Makes a link that leads nowhere; under Wine, which does not show such a link, one to an empty
   // folder outside.

@@ -154,5 +154,30 @@ TEST_F(TempFilesTest, WithoutAWorkingDirectoryNothingIsCleaned) {
   EXPECT_THAT(files().Tree("Z:\\"), ElementsAre(R"(KelvaroTemp\)", R"(KelvaroTemp\kept.shp)"));
 }
 
+// A file system that notes which folders are opened by their paths.
+class NotingFileSystem : public FailingFileSystem {
+ public:
+  explicit NotingFileSystem(std::shared_ptr<FileSystem> files)
+      : FailingFileSystem(std::move(files), std::make_shared<FailureCounter>()) {}
+  std::unique_ptr<Directory> OpenFolder(std::string_view path) override {
+    opened.emplace_back(path);
+    return FailingFileSystem::OpenFolder(path);
+  }
+  std::vector<std::string> opened;
+};
+
+TEST_F(TempFilesTest, CleaningOpensTheWorkingDirectoryAndNoOtherPath) {
+  auto services = world.platform.Bundle();
+  const auto noting = std::make_shared<NotingFileSystem>(world.platform.files);
+  services.files = noting;
+  KVDataManager manager(services);
+  manager.SetWorkingDirectory(R"(D:\Data)");
+  Add(R"(a\b\tmp.shp)");
+  noting->opened.clear();
+  manager.CleanTemp();
+  EXPECT_THAT(files().Tree(kTemp), IsEmpty());
+  EXPECT_THAT(noting->opened, ElementsAre(R"(D:\Data\)"));
+}
+
 }  // namespace
 }  // namespace kvdm

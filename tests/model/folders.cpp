@@ -12,10 +12,14 @@ constexpr int kBadName = 52;
 constexpr int kExists = 58;
 constexpr int kMissing = 76;
 
-std::string Comparable(std::string name) {
-  while (!name.empty() && (name.back() == ' ' || name.back() == '.')) name.pop_back();
+std::string Upper(std::string name) {
   for (char& c : name) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
   return name;
+}
+
+std::string Comparable(std::string name) {
+  while (!name.empty() && (name.back() == ' ' || name.back() == '.')) name.pop_back();
+  return Upper(name);
 }
 
 bool IsCreatable(const std::string& name) {
@@ -40,9 +44,10 @@ std::optional<Folders::Place> Folders::PlaceOf(std::string_view path) {
   if (path.find_first_not_of(' ') == std::string_view::npos || path.starts_with("\\\\")) {
     return std::nullopt;
   }
-  Place place{{"C:"}, ""};
+  Place place{{"C:"}, "", "C:"};
   if (HasDrive(path)) {
-    place.key = {Comparable(std::string(path.substr(0, 2)))};
+    place.spelled = path.substr(0, 2);
+    place.key = {Comparable(place.spelled)};
     path.remove_prefix(2);
   }
   for (const auto part : std::views::split(path, '\\')) {
@@ -50,6 +55,7 @@ std::optional<Folders::Place> Folders::PlaceOf(std::string_view path) {
     if (name.empty()) continue;
     place.key.push_back(Comparable(name));
     place.name = name;
+    place.spelled += "\\" + name;
   }
   return place;
 }
@@ -118,37 +124,36 @@ void Folders::DeleteFiles(const Key& folder) {
   }
 }
 
-std::optional<std::string> Folders::FirstSeen(const Key& folder) const {
+std::optional<Folders::Key> Folders::FirstSeen(const Key& folder) const {
   for (const auto& key : Inside(folder)) {
-    const Entry& entry = entries_.at(key);
-    if (!entry.is_hidden) return entry.path.substr(entry.path.rfind('\\') + 1);
+    if (!entries_.at(key).is_hidden) return key;
   }
   return std::nullopt;
 }
 
 bool Folders::DeleteTree(const std::string& path) {
-  return MayBeDeleted(path) && FolderExists(path) && DeleteSteps(path);
+  if (!MayBeDeleted(path) || !FolderExists(path)) return false;
+  const Place place = *PlaceOf(path);
+  if (Upper(entries_.at(place.key).path) != Upper(place.spelled)) return false;
+  return DeleteFolder(place.key, path.ends_with("\\"));
 }
 
-bool Folders::DeleteSteps(const std::string& path) {
-  if (!FolderExists(path)) return false;
-  const Key key = PlaceOf(path)->key;
-  DeleteFiles(key);
-  while (const auto name = FirstSeen(key)) {
-    if (!DeleteSteps(path + *name + "\\")) return false;
+bool Folders::DeleteFolder(const Key& folder, bool with_folders) {
+  if (!Empty(folder, with_folders) || !Inside(folder).empty()) return false;
+  entries_.erase(folder);
+  return true;
+}
+
+bool Folders::Empty(const Key& folder, bool with_folders) {
+  DeleteFiles(folder);
+  while (const auto inside = FirstSeen(folder)) {
+    if (!with_folders || !DeleteFolder(*inside, true)) return false;
   }
-  if (!Inside(key).empty()) return false;
-  entries_.erase(key);
   return true;
 }
 
 void Folders::Clean(const std::string& path) {
-  if (!FolderExists(path)) return;
-  const Key key = PlaceOf(path)->key;
-  DeleteFiles(key);
-  while (const auto name = FirstSeen(key)) {
-    if (!DeleteTree(path + *name + "\\")) return;
-  }
+  if (FolderExists(path)) Empty(PlaceOf(path)->key, true);
 }
 
 bool Folders::HasFileNamed(std::string_view path) const {
@@ -157,9 +162,10 @@ bool Folders::HasFileNamed(std::string_view path) const {
   if (!folder) return false;
   const auto upper = [](std::string name) { return Comparable(name + "|"); };
   const std::string wanted = upper(std::string(path.substr(slash + 1)));
+  const bool finds_hidden = wanted.starts_with(".") || wanted == "|";  // The pattern is ".*".
   return std::ranges::any_of(Inside(folder->key), [&](const Key& key) {
     const Entry& entry = entries_.at(key);
-    if (entry.is_folder || entry.is_hidden) return false;
+    if (entry.is_folder || (entry.is_hidden && !finds_hidden)) return false;
     const std::string name = upper(entry.path.substr(entry.path.rfind('\\') + 1));
     return name == wanted || name.starts_with(wanted.substr(0, wanted.size() - 1) + ".");
   });

@@ -10,7 +10,8 @@
 namespace kvdm::model {
 
 // Two names mean the same entry when they are equal without regard to the case of ASCII letters and
-// to trailing blanks and dots. Relative paths, and those that start with a separator, are on C:.
+// to trailing blanks and dots; for a deletion those count. Relative paths, and those that start
+// with a separator, are on C:.
 class Folders {
  public:
   [[nodiscard]] bool FolderExists(std::string_view path) const;
@@ -20,7 +21,8 @@ class Folders {
   void CreateFolderPath(const std::string& path);
   // False when its folder is missing or a folder has the name. A leading dot hides it.
   bool WriteFile(std::string_view path);
-  // Removes a folder; on its way it may stop at what it can't remove.
+  // Removes a folder; on its way it may stop at what it can't remove. A path that does not end in a
+  // backslash removes only a folder without folders.
   bool DeleteTree(const std::string& path);
   // Empties a folder as far as DeleteTree can.
   void Clean(const std::string& path);
@@ -45,6 +47,7 @@ class Folders {
   struct Place {
     Key key;
     std::string name;
+    std::string spelled;  // The path as given, with single separators.
   };
 
   [[nodiscard]] static std::optional<Place> PlaceOf(std::string_view path);
@@ -53,8 +56,10 @@ class Folders {
   [[nodiscard]] std::vector<Key> Inside(const Key& folder) const;
   [[nodiscard]] bool HasFileNamed(std::string_view path) const;
   void DeleteFiles(const Key& folder);
-  [[nodiscard]] std::optional<std::string> FirstSeen(const Key& folder) const;
-  bool DeleteSteps(const std::string& path);
+  [[nodiscard]] std::optional<Key> FirstSeen(const Key& folder) const;
+  bool DeleteFolder(const Key& folder, bool with_folders);
+  // False when something that is seen stays.
+  bool Empty(const Key& folder, bool with_folders);
 
   std::map<Key, Entry> entries_;
 };

@@ -19,8 +19,6 @@ class PosixSystem : public System {
   std::vector<std::string> Tree() override;
 
  private:
-  void HideFile(const std::string&) override {}
-
   TempFolder folder_;
   std::filesystem::path old_current_folder_;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "datamanager/component.h"
-#include "platform/file_attributes.h"
 #include "platform/portable/variant_list.h"
 
 namespace kvdm::model {
@@ -48,10 +47,9 @@ void System::PutCatalogue(const std::string& text) {
 }
 
 bool System::WriteFile(const std::string& path) {
-  const std::size_t name = path.rfind('\\') + 1;
-  if (!Disk().FolderExists(path.substr(0, name)) || Disk().FolderExists(path)) return false;
+  const auto folder = path.substr(0, path.rfind('\\') + 1);
+  if (!Disk().FolderExists(folder) || Disk().FolderExists(path)) return false;
   Disk().WriteFile(path, "");
-  if (path[name] == '.') HideFile(path);
   return true;
 }
 
@@ -88,10 +86,6 @@ std::vector<std::string> MemorySystem::Tree() {
   }
   std::ranges::sort(tree);
   return tree;
-}
-
-void MemorySystem::HideFile(const std::string& path) {
-  Memory().files->SetAttributes(path, kHiddenAttribute);
 }
 
 }  // namespace kvdm::model

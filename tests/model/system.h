@@ -52,8 +52,6 @@ class System {
   [[nodiscard]] const MemoryPlatform& Memory() const { return memory_; }
 
  private:
-  virtual void HideFile(const std::string& path) = 0;
-
   MemoryPlatform memory_;
   Platform platform_ = memory_.Bundle();
   std::shared_ptr<PropertiesHost> host_ = std::make_shared<PropertiesHost>();
@@ -64,9 +62,6 @@ class System {
 class MemorySystem : public System {
  public:
   std::vector<std::string> Tree() override;
-
- private:
-  void HideFile(const std::string& path) override;
 };
 
 }  // namespace kvdm::model

@@ -26,8 +26,11 @@ TEST_F(FailingFileSystemTest, ForwardsAndCountsEveryCall) {
   EXPECT_TRUE(files_.FolderExists(R"(D:\Data)"));
   EXPECT_THAT(files_.ReadFile(R"(D:\Data\North\a.xml)"), Optional(std::string("x")));
   files_.WriteFile(R"(D:\Data\b.xml)", "y");
-  EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Open("North")->Files(), ElementsAre("a.xml"));
-  EXPECT_EQ(counter_->calls, 6);
+  const auto folder = files_.OpenFolder(R"(D:\Data)");
+  folder->Enter("North");
+  EXPECT_THAT(folder->Files(), ElementsAre("a.xml"));
+  folder->Leave();
+  EXPECT_EQ(counter_->calls, 7);
 }
 
 TEST_F(FailingFileSystemTest, TheChosenCallFailsAndChangesNothing) {
@@ -40,7 +43,8 @@ TEST_F(FailingFileSystemTest, TheChosenCallFailsAndChangesNothing) {
 
 TEST_F(FailingFileSystemTest, CallsOfOpenedFoldersFailToo) {
   counter_->fail_at = 3;
-  const auto north = files_.OpenFolder(R"(D:\Data)")->Open("North");
+  const auto north = files_.OpenFolder(R"(D:\Data)");
+  north->Enter("North");
   EXPECT_THROW(north->DeleteFiles(), RuntimeError);
   EXPECT_THAT(north->Files(), ElementsAre("a.xml"));
 }

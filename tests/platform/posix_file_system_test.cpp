@@ -16,6 +16,7 @@
 #include <string>
 
 #include "tests/platform/temporary_drive.h"
+#include "util/kvdm_utils.h"
 
 namespace kvdm {
 namespace {
@@ -110,11 +111,11 @@ TEST_F(PosixFileSystemTest, ALinkInThePlaceOfAnOpenFolderIsNotFollowed) {
   drive_.Put("Target/keep");
   drive_.Put("Data/North/go");
   const auto data = files_.OpenFolder(R"(D:\Data)");
-  const auto north = data->Open("North");
+  const auto north = files_.OpenFolder(R"(D:\Data\North)");
   fs::rename(drive_.At("Data/North"), drive_.At("Data/Moved"));
   fs::create_directory_symlink(drive_.At("Target"), drive_.At("Data/North"));
   north->DeleteFiles();
-  EXPECT_EQ(ErrorOf([&] { std::ignore = data->Open("North"); }), kPathFileAccess);
+  EXPECT_EQ(ErrorOf([&] { data->Enter("North"); }), kPathFileAccess);
   EXPECT_EQ(ErrorOf([&] { data->RemoveFolder("North"); }), kPathFileAccess);
   EXPECT_TRUE(drive_.Has("Target/keep"));
   EXPECT_FALSE(drive_.Has("Data/Moved/go"));
@@ -153,7 +154,9 @@ TEST_F(PosixFileSystemTest, NamesThatAreNotUtf8AreListedAndDeleted) {
   const auto root = files_.OpenFolder(R"(D:\)");
   EXPECT_THAT(root->Entries(), ElementsAre(folder, file));
   EXPECT_THAT(files_.FindFiles(R"(D:\*.DBF)"), ElementsAre(file));
-  EXPECT_THAT(root->Open(folder)->Entries(), IsEmpty());
+  root->Enter(folder);
+  EXPECT_THAT(root->Entries(), IsEmpty());
+  root->Leave();
   EXPECT_FALSE(files_.FolderExists("D:\\f\xc4"));
   root->DeleteFiles();
   root->RemoveFolder(folder);
@@ -179,20 +182,14 @@ TEST_F(PosixFileSystemTest, TheVeryNameComesBeforeAnotherLetterCase) {
 
 TEST_F(PosixFileSystemTest, AFolderDeeperThanAnyPathCanBeEmptied) {
   const std::string name(200, 'x');
-  std::vector<std::unique_ptr<Directory>> open;
   std::string path = R"(D:\)";
   for (int i = 0; i < 30; ++i) {
     path += name + "\\";
     files_.CreateFolder(path);
   }
   EXPECT_TRUE(files_.FolderExists(path));
-  open.push_back(files_.OpenFolder(R"(D:\)"));
-  for (int i = 0; i < 30; ++i) open.push_back(open.back()->Open(name));
-  while (open.size() > 1) {
-    open.pop_back();
-    open.back()->RemoveFolder(name);
-  }
-  EXPECT_THAT(open.front()->Entries(), IsEmpty());
+  EXPECT_TRUE(DeleteFolderTree(files_, R"(D:\)" + name + "\\"));
+  EXPECT_THAT(files_.OpenFolder(R"(D:\)")->Entries(), IsEmpty());
 }
 
 // --- Attributes
@@ -296,7 +293,11 @@ TEST_F(PosixFileSystemTest, OpenFoldersDoNotKeepDescriptorsAfterwards) {
   const auto count = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
   fs::create_directory(drive_.At("North"));
   const auto before = count();
-  std::ignore = files_.OpenFolder(R"(D:\)")->Open("North")->Entries();
+  {
+    const auto root = files_.OpenFolder(R"(D:\)");
+    root->Enter("North");
+    std::ignore = root->Entries();
+  }
   files_.WriteFile(R"(D:\North\a)", "x");
   std::ignore = files_.ReadFile(R"(D:\North\a)");
   std::ignore = files_.FindFiles(R"(D:\North\*)");

@@ -17,6 +17,7 @@ class WindowsFileWorld : public FileWorld {
 
   FileSystem& files() override { return files_; }
   [[nodiscard]] bool IsWine() const override { return kvdm::IsWine(); }
+  [[nodiscard]] bool HidesDots() const override { return kvdm::IsWine(); }
   void SetAttributes(const std::string& path, unsigned attributes) override {
     drive_.SetAttributes(path, attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL);
   }

@@ -96,7 +96,9 @@ TEST_F(WindowsFileSystemTest, NamesBeyondAsciiAreKept) {
   files_.CreateFolder(R"(D:\)" + name);
   files_.WriteFile(R"(D:\)" + name + R"(\)" + name, "x");
   EXPECT_EQ(files_.FullPath(R"(D:\)" + name), R"(D:\)" + name);
-  EXPECT_THAT(files_.OpenFolder(R"(D:\)")->Open(name)->Files(), ElementsAre(name));
+  const auto root = files_.OpenFolder(R"(D:\)");
+  root->Enter(name);
+  EXPECT_THAT(root->Files(), ElementsAre(name));
   EXPECT_THAT(files_.FindFiles(R"(D:\)" + name + R"(\?rger*)"), ElementsAre(name));
   EXPECT_TRUE(drive_.Has(R"(D:\)" + name + R"(\)" + name));
 }
@@ -108,7 +110,9 @@ TEST_F(WindowsFileSystemTest, NamesMayEndInBlanksAndDots) {
     files_.WriteFile(folder + R"(\a )", "x");
     EXPECT_TRUE(drive_.Has(folder + R"(\a )")) << name;
     const auto root = files_.OpenFolder(R"(D:\)");
-    root->Open(name)->DeleteFiles();
+    root->Enter(name);
+    root->DeleteFiles();
+    root->Leave();
     root->RemoveFolder(name);
     EXPECT_FALSE(drive_.Has(folder)) << name;
   }
@@ -203,7 +207,7 @@ TEST_F(WindowsFileSystemTest, AnOpenFileIsNotReadOrReplaced) {
 TEST_F(WindowsFileSystemTest, AFolderIsRemovedWhileItIsOpenHere) {
   drive_.AddFolder(R"(D:\North)");
   const auto root = files_.OpenFolder(R"(D:\)");
-  auto north = root->Open("North");
+  auto north = files_.OpenFolder(R"(D:\North)");
   root->RemoveFolder("North");
   EXPECT_THAT(north->Entries(), IsEmpty());
   north.reset();
@@ -278,11 +282,11 @@ TEST_F(WindowsLinkTest, ALinkInThePlaceOfAnOpenFolderIsNotFollowed) {
   drive_.Put(R"(D:\Data\North\same)");
   drive_.Put(R"(D:\Target\same)");
   const auto data = files_.OpenFolder(R"(D:\Data)");
-  const auto north = data->Open("North");
+  const auto north = files_.OpenFolder(R"(D:\Data\North)");
   drive_.MoveFolder(R"(D:\Data\North)", R"(D:\Data\Moved)");
   drive_.AddLink(R"(D:\Data\North)", R"(D:\Target)");
   DeleteFiles(*north);
-  EXPECT_RUNTIME_ERROR(std::ignore = data->Open("North"), kPathFileAccess);
+  EXPECT_RUNTIME_ERROR(data->Enter("North"), kPathFileAccess);
   EXPECT_RUNTIME_ERROR(data->RemoveFolder("North"), kPathFileAccess);
   EXPECT_TRUE(drive_.Has(R"(D:\Target\same)"));
   EXPECT_EQ(drive_.Has(R"(D:\Data\Moved\same)"), IsWine());
