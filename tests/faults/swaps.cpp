@@ -88,7 +88,9 @@ class Swapper {
     std::mt19937 chance(seed);
     const std::string aside = (area.root / "aside/folder").string();
     do {
-      const std::size_t at = chance() % (kFolders.size() + 1);
+      const bool top = chance() % 2 == 0;  // One of the two that are deleted.
+      const std::size_t at =
+          top ? chance() % 2 * kFolders.size() / 2 : chance() % (kFolders.size() + 1);
       const bool all = at == kFolders.size();
       const std::string place = (all ? area.work : area.work / kFolders.at(at)).string();
       const std::string link = (all ? area.bare : area.outside / kFolders.at(at)).string();
