@@ -260,7 +260,7 @@ int Run(const Options& options) {
   TempFolder outside;
   WriteOutside(outside);
   const Paths outside_paths = PathsOn(outside.Path());
-  for (std::size_t number = 0; number < options.CasesOf(300, 50'000); ++number, ++counts.tried) {
+  for (int number = 0; number < options.CasesOf(300, 50'000); ++number, ++counts.tried) {
     const TemporaryDrive drive;
     PosixFileSystem files(drive.Options());
     Node tree = RandomTree(chance, 3);

@@ -15,8 +15,8 @@ struct Options {
   // Whether the case with this number, counted from 0, belongs to this share.
   [[nodiscard]] bool IsMine(std::size_t number) const { return number % parts == part - 1; }
   // Of random cases: how many this share has, and their seed.
-  [[nodiscard]] std::size_t CasesOf(std::size_t sample, std::size_t whole) const {
-    return all ? whole / parts : sample;
+  [[nodiscard]] int CasesOf(int sample, int whole) const {
+    return all ? whole / static_cast<int>(parts) : sample;
   }
   [[nodiscard]] unsigned Seed() const { return all ? 1000 + static_cast<unsigned>(part) : 1; }
 };
