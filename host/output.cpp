@@ -36,7 +36,7 @@ Json ToJson(const std::vector<Record>& records) {
 
 // Bytes that are not UTF-8 are shown as U+FFFD.
 void PrintJson(const Json& object) {
-  std::cout << object.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  std::cout << PrintableJson(object.dump(2, ' ', false, Json::error_handler_t::replace)) << '\n';
 }
 
 std::string ToText(const Field& field) {

@@ -10,15 +10,21 @@
 namespace kvdm {
 namespace {
 
-bool IsControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character <= 0x9F);
-}
+struct Range {
+  char32_t first;
+  char32_t last;
+};
 
-// Line and paragraph separators, and the marks that change the direction of what follows.
-bool Rearranges(char32_t character) {
-  return (character >= 0x2028 && character <= 0x202E) ||
-         (character >= 0x2066 && character <= 0x2069) || character == 0x200E || character == 0x200F;
-}
+// Control characters; line and paragraph separators; and the format characters, of Unicode's
+// general category Cf, which change the direction of what follows, hide in it or join it.
+constexpr Range kUnsafe[] = {
+    {0x00, 0x1F},       {0x7F, 0x9F},       {0xAD, 0xAD},       {0x600, 0x605},
+    {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},     {0x890, 0x891},
+    {0x8E2, 0x8E2},     {0x180E, 0x180E},   {0x200B, 0x200F},   {0x2028, 0x202E},
+    {0x2060, 0x2064},   {0x2066, 0x206F},   {0xFEFF, 0xFEFF},   {0xFFF9, 0xFFFB},
+    {0x110BD, 0x110BD}, {0x110CD, 0x110CD}, {0x13430, 0x1343F}, {0x1BCA0, 0x1BCA3},
+    {0x1D173, 0x1D17A}, {0xE0001, 0xE0001}, {0xE0020, 0xE007F},
+};
 
 std::string Escaped(char32_t character) {
   switch (character) {
@@ -41,8 +47,7 @@ std::string EscapedBut(std::string_view kept, std::string_view text) {
     const CodePoint point = TakeCodePoint(text);
     if (!point.valid) {
       result += fmt::format("\\x{:02X}", byte);
-    } else if ((IsControl(point.value) && kept.find(static_cast<char>(byte)) == kept.npos) ||
-               Rearranges(point.value)) {
+    } else if (!IsSafe(point.value) && !(point.value < 0x80 && kept.find(byte) != kept.npos)) {
       result += Escaped(point.value);
     } else {
       AppendUtf8(point.value, result);
@@ -51,7 +56,34 @@ std::string EscapedBut(std::string_view kept, std::string_view text) {
   return result;
 }
 
+// The form that JSON has for a character: of its UTF-16 units.
+std::string JsonEscaped(char32_t character) {
+  const auto unit = [](std::uint32_t value) { return fmt::format("\\u{:04x}", value); };
+  if (character <= 0xFFFF) return unit(character);
+  const std::uint32_t offset = character - 0x10000;
+  return unit(0xD800 + (offset >> 10U)) + unit(0xDC00 + (offset & 0x3FFU));
+}
+
 }  // namespace
+
+bool IsSafe(char32_t character) {
+  return std::ranges::none_of(kUnsafe, [character](const Range& range) {
+    return range.first <= character && character <= range.last;
+  });
+}
+
+std::string PrintableJson(std::string_view json) {
+  std::string result;
+  while (!json.empty()) {
+    const char32_t character = TakeCodePoint(json).value;
+    if (character == '\n' || IsSafe(character)) {
+      AppendUtf8(character, result);
+    } else {
+      result += JsonEscaped(character);
+    }
+  }
+  return result;
+}
 
 std::string Printable(std::string_view text) { return EscapedBut("", text); }
 

@@ -20,6 +20,8 @@ TEST(TextTest, EscapesWhatCouldSteerATerminal) {
       {"\u009b", R"(\u{9B})"},
       {"\u202etxt", R"(\u{202E}txt)"},
       {"\u2066", R"(\u{2066})"},
+      {"\u061c", R"(\u{61C})"},
+      {"\U000E0041", R"(\u{E0041})"},
       {"bad\xff", R"(bad\xFF)"},
   };
   for (const auto& [text, printable] : escapes) EXPECT_EQ(Printable(text), printable);
@@ -27,6 +29,11 @@ TEST(TextTest, EscapesWhatCouldSteerATerminal) {
 
 TEST(TextTest, KeepsLinesAndTabsOfLongerTexts) {
   EXPECT_EQ(PrintableLines("a\r\nb\rc\nd\te\x1b"), "a\nb\nc\nd\te\\u{1B}");
+}
+
+TEST(TextTest, EscapesTheSameCharactersInJson) {
+  EXPECT_EQ(PrintableJson("{\n  \"a\u009bb\u202e\U000E0041\x7f\": \"Nörd \\n\"\n}"),
+            "{\n  \"a\\u009bb\\u202e\\udb40\\udc41\\u007f\": \"Nörd \\n\"\n}");
 }
 
 TEST(TextTest, MeasuresTerminalColumns) {
