@@ -17,6 +17,14 @@ std::string ExamplesText(std::string_view examples) {
   return text + "\n\nEvery command takes -p FILE (the project), --json and --debug.";
 }
 
+void Checked(CLI::Option* option, const std::string& name, Check check) {
+  if (check == nullptr) return;
+  option->check([name, check](const std::string& text) {
+    check(name, text);
+    return std::string();
+  });
+}
+
 }  // namespace
 
 std::string PathOf(const CLI::App& app) {
@@ -24,13 +32,15 @@ std::string PathOf(const CLI::App& app) {
   return parent == nullptr ? app.get_name() : PathOf(*parent) + " " + app.get_name();
 }
 
-void Arguments::Required(const std::string& name, std::string& value, const std::string& help) {
-  app_->add_option(name, value, help)->required()->option_text(" ");
+void Arguments::Required(const std::string& name, std::string& value, const std::string& help,
+                         Check check) {
+  Checked(app_->add_option(name, value, help)->required()->option_text(" "), name, check);
 }
 
 void Arguments::Optional(const std::string& name, std::optional<std::string>& value,
-                         const std::string& help) {
-  app_->add_option(name, value, help)->option_text(name.starts_with('-') ? "TEXT" : " ");
+                         const std::string& help, Check check) {
+  Checked(app_->add_option(name, value, help)->option_text(name.starts_with('-') ? "TEXT" : " "),
+          name, check);
 }
 
 void Arguments::Flag(const std::string& name, bool& value, const std::string& help) {

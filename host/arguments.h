@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/checks.h"
 #include "host/command.h"
 
 namespace CLI {
@@ -18,14 +19,16 @@ namespace kvdm {
 [[nodiscard]] std::string PathOf(const CLI::App& app);
 
 // The arguments of one command. A name such as "NAME" is a place in the command line, one such as
-// "--area" an option. The members bound must outlive the parsing.
+// "--area" an option. The members bound must outlive the parsing. What is to be stored has a check,
+// which ends the command before it runs.
 class Arguments {
  public:
   explicit Arguments(CLI::App& app) : app_(&app) {}
 
-  void Required(const std::string& name, std::string& value, const std::string& help);
-  void Optional(const std::string& name, std::optional<std::string>& value,
-                const std::string& help);
+  void Required(const std::string& name, std::string& value, const std::string& help,
+                Check check = nullptr);
+  void Optional(const std::string& name, std::optional<std::string>& value, const std::string& help,
+                Check check = nullptr);
   void Flag(const std::string& name, bool& value, const std::string& help);
 
   // The whole command line, for commands that describe it.

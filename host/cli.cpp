@@ -111,6 +111,8 @@ int ParseAndRun(std::vector<std::string> arguments) {
     app.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
     return PrintParseResult(app, error, usage);
+  } catch (const Failure& failure) {
+    return usage.PrintFailure(PathOf(Innermost(app)), failure);
   }
   options.output.bold = IsBold();
   Output out(options.output);

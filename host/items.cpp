@@ -3,30 +3,14 @@
 #include <algorithm>
 #include <cctype>
 #include <iostream>
-#include <iterator>
 
+#include "host/checks.h"
 #include "host/os.h"
 #include "host/output.h"
 #include "platform/utf8.h"
+#include "platform/xml/limits.h"
 
 namespace kvdm {
-
-void RequireFolderName(std::string_view name) {
-  constexpr std::string_view kSeparatorsAndWildcards = R"(\/:*?"<>|)";
-  for (const char character : name) {
-    const bool control = static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
-    if (!control && kSeparatorsAndWildcards.find(character) == kSeparatorsAndWildcards.npos) {
-      continue;
-    }
-    throw Failure(ExitCode::kUsage,
-                  fmt::format("The name {} can't be a folder's: it holds a character that folder "
-                              "names can't have ({} and control characters).",
-                              name, kSeparatorsAndWildcards));
-  }
-  if (name.find_first_not_of(". ") == name.npos) {
-    throw Failure(ExitCode::kUsage, "A name must hold more than dots and blanks.");
-  }
-}
 
 std::string SelectorHelp(std::string_view kind) {
   return fmt::format("The {}, by name or {{GUID}}", kind);
@@ -72,10 +56,18 @@ void RequireConsent(bool yes, std::string_view consequence) {
 
 std::string TextArgument(const std::string& argument) {
   if (argument != "-") return WithPlainLineEnds(argument);
-  std::string text(std::istreambuf_iterator<char>(std::cin), {});
+  std::string text(xml::kMaxValueBytes + 1, '\0');
+  std::cin.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(std::cin.gcount()));
+  if (text.size() > xml::kMaxValueBytes) {
+    throw Failure(ExitCode::kUnreadable,
+                  fmt::format("Standard input has more than the {} bytes that a text can have.",
+                              xml::kMaxValueBytes));
+  }
   if (!IsValidUtf8(text)) {
     throw Failure(ExitCode::kUnreadable, "Standard input is not UTF-8 text.");
   }
+  RequireStorable("Standard input", text);
   if (text.ends_with('\n')) text.pop_back();
   return WithPlainLineEnds(text);
 }

@@ -115,9 +115,6 @@ void RequireRenamed(Item& item, std::string_view name) {
   throw Failure(ExitCode::kRefused, fmt::format("The component kept the name {}.", item.Name()));
 }
 
-// Failure kUsage for a name that can't be a folder's, or would lead to a folder elsewhere.
-void RequireFolderName(std::string_view name);
-
 // What the help says of an argument that names an item: "The store layer, by name or {GUID}".
 [[nodiscard]] std::string SelectorHelp(std::string_view kind);
 
@@ -136,7 +133,7 @@ void RequireDeleted(bool deleted);
 void RequireConsent(bool yes, std::string_view consequence);
 
 // The text that an argument gives: itself, or standard input for "-". Line ends become LF. Failure
-// kUnreadable for input that is not UTF-8.
+// kUnreadable for input that is too long or not UTF-8, kUsage for input that can't be stored.
 [[nodiscard]] std::string TextArgument(const std::string& argument);
 
 // `text` with LF at line ends, whatever they are, however often its CR was doubled.

@@ -23,7 +23,8 @@ class AliasSet : public ChangingCommand {
  public:
   explicit AliasSet(Arguments arguments) {
     arguments.Required("KIND", kind_, "customer or store");
-    arguments.Required("WORD", word_, "The new word; an empty one brings back the usual word");
+    arguments.Required("WORD", word_, "The new word; an empty one brings back the usual word",
+                       RequireStorable);
   }
 
  private:
@@ -38,6 +39,10 @@ class AliasSet : public ChangingCommand {
       throw Failure(ExitCode::kUsage, "KIND is customer or store.");
     }
     const std::string word = kind_ == "store" ? registry.StoreAlias() : registry.CustomerAlias();
+    if (!word_.empty() && word != word_) {
+      throw Failure(ExitCode::kRefused,
+                    fmt::format("The registry took over {} in place of {}.", word, word_));
+    }
     out.Done({{"kind", kind_}, {"word", word}},
              fmt::format("A {} layer is called {} now.", kind_, word));
   }

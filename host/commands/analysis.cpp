@@ -40,12 +40,12 @@ class AnalysisList : public ReadingCommand {
 class AnalysisCreate : public ChangingCommand {
  public:
   explicit AnalysisCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name, which names its folder too; need not be unique");
+    arguments.Required("NAME", name_, "Its name, which names its folder too; need not be unique",
+                       RequireNewName);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    RequireFolderName(name_);
     if (!AnalysisCollection(session)->CreateAnalysis(name_)) {
       throw Failure(ExitCode::kRefused,
                     fmt::format("The folder of the analysis {} could not be made, so there is no "
@@ -82,7 +82,7 @@ class AnalysisRename : public ChangingCommand {
  public:
   explicit AnalysisRename(Arguments arguments) {
     arguments.Required("NAME", name_, kNameHelp);
-    arguments.Required("NEW", new_name_, "Its new name; its folder keeps the old one");
+    arguments.Required("NEW", new_name_, "Its new name; its folder keeps the old one", RequireKey);
   }
 
  private:
@@ -143,7 +143,8 @@ class AnalysisLayer : public ProjectCommand {
  public:
   explicit AnalysisLayer(Arguments arguments) {
     arguments.Required("NAME", name_, kNameHelp);
-    arguments.Optional("PATH", path_, "The new layer file; without it the path is shown");
+    arguments.Optional("PATH", path_, "The new layer file; without it the path is shown",
+                       RequireStorable);
     arguments.Flag("--edit", edit_, "Set it as a layer editor does");
   }
 

@@ -59,12 +59,11 @@ class AreaList : public ReadingCommand {
 class AreaCreate : public ChangingCommand {
  public:
   explicit AreaCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name, which names its folder too");
+    arguments.Required("NAME", name_, "Its name, which names its folder too", RequireNewAreaName);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    RequireFolderName(name_);
     RequireFreeName(StudyAreas(session), name_);
     const bool complete = StudyAreaCollection(session)->CreateStudyArea(name_);
     const auto area = FindItem(StudyAreas(session), name_);
@@ -99,7 +98,8 @@ class AreaRename : public ChangingCommand {
  public:
   explicit AreaRename(Arguments arguments) {
     arguments.Required("NAME", name_, "A study area, by name or {GUID}");
-    arguments.Required("NEW", new_name_, "Its new name; its folder keeps the old one");
+    arguments.Required("NEW", new_name_, "Its new name; its folder keeps the old one",
+                       RequireAreaKey);
   }
 
  private:
@@ -182,7 +182,8 @@ class AreaDataset : public ProjectCommand {
  public:
   explicit AreaDataset(Arguments arguments) {
     arguments.Required("NAME", name_, "A study area, by name or {GUID}");
-    arguments.Optional("VALUE", value_, "The dataset's new name; without it the name is shown");
+    arguments.Optional("VALUE", value_, "The dataset's new name; without it the name is shown",
+                       RequireStorable);
   }
 
  private:
@@ -204,7 +205,7 @@ class AreaPropGet : public ReadingCommand {
  public:
   explicit AreaPropGet(Arguments arguments) {
     arguments.Required("NAME", name_, "A study area, by name or {GUID}");
-    arguments.Required("KEY", key_, "The property");
+    arguments.Required("KEY", key_, "The property", RequireKey);
   }
 
  private:
@@ -223,8 +224,8 @@ class AreaPropSet : public ChangingCommand {
  public:
   explicit AreaPropSet(Arguments arguments) {
     arguments.Required("NAME", name_, "A study area, by name or {GUID}");
-    arguments.Required("KEY", key_, "The property");
-    arguments.Required("VALUE", value_, "Its value");
+    arguments.Required("KEY", key_, "The property", RequireKey);
+    arguments.Required("VALUE", value_, "Its value", RequireStorable);
   }
 
  private:

@@ -7,12 +7,6 @@
 namespace kvdm {
 namespace {
 
-// A name that holds a double quote could not be looked for.
-void RequireNoQuote(std::string_view name) {
-  if (name.find('"') == name.npos) return;
-  throw Failure(ExitCode::kUsage, "The name of a data item can't hold a double quote.");
-}
-
 // What the commands that all kinds of items have need of data items.
 struct DataItems {
   using Item = IKVDataItem;
@@ -51,12 +45,11 @@ class DataList : public ReadingCommand {
 class DataCreate : public ChangingCommand {
  public:
   explicit DataCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name, which names its file too");
+    arguments.Required("NAME", name_, "Its name, which names its file too", RequireNewName);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    RequireFolderName(name_);
     const auto collection = DataCollection(session);
     if (!collection->CreateDataItem(name_)) {
       throw Failure(ExitCode::kConflict,
@@ -95,12 +88,11 @@ class DataRename : public ChangingCommand {
  public:
   explicit DataRename(Arguments arguments) {
     arguments.Required("NAME", name_, SelectorHelp(DataItems::kWord));
-    arguments.Required("NEW", new_name_, "Its new name; its file keeps the old one");
+    arguments.Required("NEW", new_name_, "Its new name; its file keeps the old one", RequireKey);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    RequireNoQuote(new_name_);
     DataEntry entry = FindDataEntry(session, name_);
     RequireFree(session, entry);
     const std::string old_name = entry.name;

@@ -4,8 +4,8 @@
 #include <cctype>
 #include <system_error>
 
+#include "host/checks.h"
 #include "host/commands/groups.h"
-#include "host/items.h"
 #include "host/os.h"
 #include "host/project_file.h"
 #include "platform/utf8.h"
@@ -64,7 +64,7 @@ class Init : public Command {
   void Execute(const Invocation& invocation) override {
     const fs::path folder = Absolute(os::ToPath(folder_.value_or(".")));
     const std::string name = name_.value_or(os::ToText(folder.filename()));
-    RequireFolderName(name);
+    RequireNewName("The name of the project", name);
     const fs::path file = folder / os::ToPath(name + ".kvdm");
     const std::string workdir =
         WorkingDirectory(workdir_ ? os::ToPath(*workdir_) : folder / kDefaultWorkingFolder);

@@ -16,7 +16,8 @@ class ItemComment : public ProjectCommand {
  public:
   explicit ItemComment(Arguments arguments) {
     arguments.Required("NAME", name_, "The item, by name or {GUID}");
-    arguments.Optional("TEXT", text_, "New comments, or - to read them from standard input");
+    arguments.Optional("TEXT", text_, "New comments, or - to read them from standard input",
+                       RequireStorable);
     arguments.Flag("--clear", clear_, "Remove the comments");
   }
 
@@ -28,8 +29,14 @@ class ItemComment : public ProjectCommand {
     const auto source = Source(session);
     const auto item = FindItem(source, name_);
     if (clear_) item->SetComments("");
-    if (text_) item->SetComments(TextArgument(*text_));
+    const std::string wanted = text_ ? TextArgument(*text_) : "";
+    if (text_) item->SetComments(wanted);
     const std::string comments = WithPlainLineEnds(item->Comments());
+    if (text_ && comments != wanted) {
+      throw Failure(ExitCode::kRefused,
+                    "The component did not take over the comments: they are too "
+                    "long. Nothing was changed.");
+    }
     out.Text({{"name", item->Name()}, {"guid", source.guid_of(*item)}, {"comments", comments}},
              comments);
   }

@@ -72,8 +72,8 @@ class ParamSet : public ChangingCommand {
  public:
   explicit ParamSet(Arguments arguments) {
     arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-    arguments.Required("KEY", key_, "The parameter");
-    arguments.Required("VALUE", value_, "Its value");
+    arguments.Required("KEY", key_, "The parameter", RequireKey);
+    arguments.Required("VALUE", value_, "Its value", RequireStorable);
   }
 
  private:

@@ -48,7 +48,7 @@ class ItemSet : public ChangingCommand {
   explicit ItemSet(Arguments arguments) : fields_(Kind::SettableFields()), values_(fields_.size()) {
     arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-      arguments.Optional(fields_[i].option, values_[i], fields_[i].help);
+      arguments.Optional(fields_[i].option, values_[i], fields_[i].help, RequireStorable);
     }
   }
 

@@ -66,12 +66,11 @@ template <class Kind>
 class LayerCreate : public ChangingCommand {
  public:
   explicit LayerCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name, which names its layer file too");
+    arguments.Required("NAME", name_, "Its name, which names its layer file too", RequireNewName);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    RequireFolderName(name_);
     RequireFreeName(Layers<Kind>(session), name_);
     if (!std::invoke(Kind::kCreate, *LayerCollection<Kind>(session), name_)) {
       throw Failure(ExitCode::kRefused,
@@ -117,7 +116,8 @@ class LayerRename : public ChangingCommand {
  public:
   explicit LayerRename(Arguments arguments) {
     arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-    arguments.Required("NEW", new_name_, "Its new name; its layer file keeps the old one");
+    arguments.Required("NEW", new_name_, "Its new name; its layer file keeps the old one",
+                       RequireKey);
   }
 
  private:

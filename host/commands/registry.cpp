@@ -67,7 +67,9 @@ class RegistryList : public ReadingCommand {
 template <class Kind>
 class RegistryCreate : public ChangingCommand {
  public:
-  explicit RegistryCreate(Arguments arguments) { arguments.Required("NAME", name_, "Its name"); }
+  explicit RegistryCreate(Arguments arguments) {
+    arguments.Required("NAME", name_, "Its name", RequireKey);
+  }
 
  private:
   void Run(Session& session, Output& out) override {

@@ -33,14 +33,14 @@ bool IsIn(std::span<const Range> ranges, char32_t character) {
   });
 }
 
+bool IsPrintableAscii(char character) { return character >= 0x20; }
+
+}  // namespace
+
 bool IsXmlCharacter(char32_t character) {
   if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
   return character != 0xFFFE && character != 0xFFFF;
 }
-
-bool IsPrintableAscii(char character) { return character >= 0x20; }
-
-}  // namespace
 
 std::string Sanitized(std::string_view text) {
   std::string clean;

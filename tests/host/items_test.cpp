@@ -5,18 +5,6 @@
 namespace kvdm {
 namespace {
 
-TEST(ItemsTest, RefusesNamesThatAreNoFolders) {
-  for (const char* name : {"", ".", "..", " . ", "a/b", "a\\b", "a:b", "a\"b", "a*", "a\nb"}) {
-    EXPECT_THROW(RequireFolderName(name), Failure) << name;
-  }
-}
-
-TEST(ItemsTest, TakesFolderNamesOfAnyLanguage) {
-  for (const char* name : {"North", "Nörd 北", "a.b", "{x}", "-1", "d'été"}) {
-    EXPECT_NO_THROW(RequireFolderName(name)) << name;
-  }
-}
-
 TEST(ItemsTest, RefusesTextsThatAreNoIdentifiers) {
   for (const char* text :
        {"", "North", "{}", "{0000000-00000-0000-0000-000000000000}",

@@ -1,0 +1,100 @@
+#include "host/checks.h"
+
+#include <fmt/format.h>
+
+#include "host/failure.h"
+#include "platform/utf8.h"
+#include "platform/xml/xml_text.h"
+#include "studyarea/kv_study_area.h"
+
+namespace kvdm {
+namespace {
+
+[[noreturn]] void Refuse(const std::string& sentence) { throw Failure(ExitCode::kUsage, sentence); }
+
+// The character as people look it up: "U+FFFE".
+std::string NameOf(char32_t character) {
+  return fmt::format("U+{:04X}", static_cast<std::uint32_t>(character));
+}
+
+bool IsControl(char32_t character) { return character < 0x20 || character == 0x7F; }
+
+// A control character by its name, any other as it is.
+std::string Shown(char32_t character) {
+  if (IsControl(character)) return NameOf(character);
+  std::string text;
+  AppendUtf8(character, text);
+  return text;
+}
+
+void RequireOtherThanUnlisted(std::string_view what, std::string_view name) {
+  if (name != kUnlistedStudyArea) return;
+  Refuse(
+      fmt::format("{} can't be {}: the component keeps that name to itself and lists no study area "
+                  "that has it. Choose another name.",
+                  what, name));
+}
+
+}  // namespace
+
+void RequireStorable(std::string_view what, std::string_view text) {
+  while (!text.empty()) {
+    const CodePoint point = TakeCodePoint(text);
+    if (!point.valid) Refuse(fmt::format("{} is not UTF-8 text.", what));
+    if (xml::IsXmlCharacter(point.value)) continue;
+    Refuse(
+        fmt::format("{} holds the character {}, which can't be stored. Give it without that "
+                    "character.",
+                    what, NameOf(point.value)));
+  }
+}
+
+void RequireKey(std::string_view what, std::string_view text) {
+  if (text.empty()) Refuse(fmt::format("{} is empty. Give it at least one character.", what));
+  RequireStorable(what, text);
+  if (text.find('"') == text.npos) return;
+  Refuse(
+      fmt::format("{} holds a double quote, and what has one can't be found by it again. Give it "
+                  "without.",
+                  what));
+}
+
+void RequireFolderName(std::string_view name) {
+  RequireStorable("The name", name);
+  constexpr std::string_view kSeparatorsAndWildcards = R"(\/:*?"<>|)";
+  for (std::string_view rest = name; !rest.empty();) {
+    const char32_t character = TakeCodePoint(rest).value;
+    const bool is_special =
+        character < 0x80 &&
+        kSeparatorsAndWildcards.find(static_cast<char>(character)) != std::string_view::npos;
+    if (!is_special && !IsControl(character)) continue;
+    Refuse(
+        fmt::format("The name {} can't be a folder's: it holds {}, and folder names can't have "
+                    "{} and control characters.",
+                    name, Shown(character), kSeparatorsAndWildcards));
+  }
+  if (name.find_first_not_of(". ") == name.npos) {
+    Refuse("A name must hold more than dots and blanks.");
+  }
+}
+
+void RequireNewName(std::string_view what, std::string_view name) {
+  RequireFolderName(name);
+  if (name.size() <= kLongestFolderName) return;
+  Refuse(
+      fmt::format("{} has {} bytes, and file systems have no room for more than {} in a name "
+                  "that gets a number and an extension. Choose a shorter one.",
+                  what, name.size(), kLongestFolderName));
+}
+
+void RequireNewAreaName(std::string_view what, std::string_view name) {
+  RequireNewName(what, name);
+  RequireOtherThanUnlisted(what, name);
+}
+
+void RequireAreaKey(std::string_view what, std::string_view name) {
+  RequireKey(what, name);
+  RequireOtherThanUnlisted(what, name);
+}
+
+}  // namespace kvdm
