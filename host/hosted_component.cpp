@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "datamanager/component.h"
+#include "host/metadata_text.h"
 #include "platform/portable/variant_list.h"
-#include "platform/xml/document.h"
 
 namespace kvdm {
 HostedComponent::HostedComponent(const Project& project, Output& out)
@@ -21,9 +23,11 @@ HostedComponent::HostedComponent(const Project& project, Output& out)
 }
 
 void HostedComponent::Load(const Project& project) {
-  if (!xml::IsWellFormed(*services_.platform.xml_parser, ToText(project.values.front()))) {
-    throw Failure(ExitCode::kUnreadable, "Its metadata document is not well-formed XML.");
-  }
+  const Value& document = project.values.front();
+  const std::string problem =
+      document.IsText() ? DocumentProblem(*services_.platform.xml_parser, ToText(document))
+                        : "Its first value is no metadata document.";
+  if (!problem.empty()) throw Failure(ExitCode::kUnreadable, problem);
   Required(Query<IPersistVariant>(manager_)).Load(std::make_shared<VariantList>(project.values));
 }
 
@@ -60,7 +64,10 @@ void HostedComponent::SaveTo(Project& project) {
     throw Failure(ExitCode::kRefused,
                   fmt::format("The study areas can't be saved. {}", RegistrySentence(*refused)));
   }
-  project.values = stream->Values();
+  // Values after those that the component writes are another program's, and stay.
+  const auto written = stream->Values();
+  project.values.resize(std::max(project.values.size(), written.size()));
+  std::ranges::copy(written, project.values.begin());
   project.settings = settings_->All();
   project.state = state_->All();
 }

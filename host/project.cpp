@@ -4,16 +4,14 @@
 #include <zlib.h>
 
 #include <charconv>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "datamanager/component.h"
 #include "host/failure.h"
+#include "host/json.h"
 
 namespace kvdm {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr char kFormat[] = "kvdm project";
 
@@ -123,15 +121,16 @@ std::map<char, std::string> ParseDrives(const Json& object) {
   return drives;
 }
 
-Json ObjectsJson(const std::vector<Value>& values) {
+// The first object is the data manager. Further ones stay in `objects` as they are.
+void WriteValues(const std::vector<Value>& values, Json& objects) {
   Json written = Json::array();
   for (const Value& value : values) written.push_back(std::visit(ValueWriter(), value.storage()));
-  return Json::array({{{"id", kDataManagerClass}, {"values", std::move(written)}}});
+  if (objects.empty()) objects = Json::array({{{"id", kDataManagerClass}}});
+  objects.front()["values"] = std::move(written);
 }
 
 std::vector<Value> ParseObjects(const Json& objects) {
-  std::vector<Value> values;
-  for (const Json& object : objects) {
+  for (const Json& object : objects.get_ref<const Json::array_t&>()) {
     const std::string id = object.at("id");
     if (id != kDataManagerClass) {
       Unreadable(
@@ -139,8 +138,11 @@ std::vector<Value> ParseObjects(const Json& objects) {
                       "with the program that wrote it.",
                       id));
     }
-    for (const Json& value : object.at("values")) values.push_back(ParseValue(value));
   }
+  std::vector<Value> values;
+  if (objects.empty()) return values;
+  const auto& written = objects.front().at("values").get_ref<const Json::array_t&>();
+  for (const Json& value : written) values.push_back(ParseValue(value));
   return values;
 }
 
@@ -164,20 +166,20 @@ void CheckChecksum(const Json& document) {
 }  // namespace
 
 std::string ProjectText(const Project& project) {
-  Json document = project.source.empty() ? Json::object() : Json::parse(project.source);
+  Json document = project.source.empty() ? Json::object() : ParseJson(project.source);
   document["format"] = kFormat;
   document["version"] = kProjectVersion;
   document["settings"] = PropertiesJson(project.settings);
   document["state"] = PropertiesJson(project.state);
   document["drives"] = DrivesJson(project.drives);
-  document["objects"] = ObjectsJson(project.values);
+  WriteValues(project.values, document["objects"]);
   document["checksum"] = Checksum(document);
   return document.dump(2) + "\n";
 }
 
 Project ParseProject(std::string_view text) {
   try {
-    const Json document = Json::parse(text);
+    const Json document = ParseJson(text);
     CheckVersion(document);
     CheckChecksum(document);
     return {ParseProperties(document.at("settings")),
@@ -186,8 +188,6 @@ Project ParseProject(std::string_view text) {
             ParseObjects(document.at("objects")),
             std::string(text),
             document.at("checksum")};
-  } catch (const Json::parse_error& error) {
-    Unreadable(fmt::format("It is not well-formed JSON (byte {}).", error.byte));
   } catch (const Json::exception&) {
     Unreadable("It is not a kvdm project: parts of it are missing or of the wrong kind.");
   }

@@ -1,17 +1,15 @@
 // kvdm analysis properties: an analysis's name, comments and parameters as a JSON file.
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
-
+#include "host/checks.h"
 #include "host/commands/groups.h"
+#include "host/json.h"
 #include "host/os.h"
 #include "host/sources.h"
 #include "platform/portable/value_set.h"
 
 namespace kvdm {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // A set of the analysis's values.
 std::shared_ptr<NamedValueSet> Exported(IKVAnalysis& analysis) {
@@ -30,29 +28,36 @@ Json ToJson(NamedValueSet& set) {
   return object;
 }
 
-[[noreturn]] void Unreadable(const std::string& file, std::string_view why) {
-  throw Failure(ExitCode::kUnreadable, fmt::format("{} can't be read: {}.", file, why));
+[[noreturn]] void Unreadable(const std::string& file, std::string_view sentence) {
+  throw Failure(ExitCode::kUnreadable, fmt::format("{} can't be taken over. {}", file, sentence));
 }
 
 Json ReadJson(const std::string& file) {
   try {
-    Json object = Json::parse(os::ReadBytes(os::ToPath(file)));
-    if (!object.is_object()) Unreadable(file, "it is not a JSON object of names and texts");
-    return object;
-  } catch (const Json::parse_error& error) {
-    Unreadable(file, fmt::format("it is not well-formed JSON (byte {})", error.byte));
+    return ParseJson(os::ReadBytes(os::ToPath(file)));
+  } catch (const Failure& failure) {
+    Unreadable(file, failure.what());
   } catch (const std::system_error& error) {
     const bool missing = error.code() == std::errc::no_such_file_or_directory;
-    if (!missing) Unreadable(file, error.code().message());
+    if (!missing) Unreadable(file, fmt::format("The system says: {}.", error.code().message()));
     throw Failure(ExitCode::kNotFound, fmt::format("There is no file {}.", file));
   }
 }
 
 std::shared_ptr<ValueSet> ToSet(const Json& object, const std::string& file) {
+  if (!object.is_object()) Unreadable(file, "It is not a JSON object of names and texts.");
   auto set = std::make_shared<ValueSet>();
   for (const auto& [name, value] : object.items()) {
-    if (!value.is_string()) Unreadable(file, fmt::format("the value of \"{}\" is no text", name));
-    set->PutValue(name, value.get<std::string>());
+    const std::string what = fmt::format("The value of \"{}\"", name);
+    if (!value.is_string()) Unreadable(file, what + " is no text.");
+    const auto text = value.get<std::string>();
+    try {
+      (name == "Name" ? RequireKey : RequireStorable)(what, text);
+      RequireKey(fmt::format("The name \"{}\"", name), name);
+    } catch (const Failure& failure) {
+      Unreadable(file, failure.what());
+    }
+    set->PutValue(name, text);
   }
   return set;
 }

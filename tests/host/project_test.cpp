@@ -48,6 +48,46 @@ TEST(ProjectTest, ComesBackAsItWasWritten) {
   EXPECT_EQ(read.values, project.values);
 }
 
+// A change of the text with the checksum that belongs to it.
+std::string WithChecksum(std::string text, std::string_view from, std::string_view to) {
+  Project changed;
+  text = WithReplaced(std::move(text), from, to);
+  const std::string problem = ProblemOf(text);
+  EXPECT_THAT(problem, HasSubstr("checksum"));
+  changed.source = text;
+  changed.values = {"<other/>"};
+  return ProjectText(changed);
+}
+
+TEST(ProjectTest, KeepsFurtherObjectsAsTheyAre) {
+  const std::string further = R"({"id": "KVDM.KVDataManager", "values": [{"type": "?"}], "x": 1})";
+  const std::string text =
+      WithChecksum(ProjectText(SomeProject()), "]\n    }\n  ]", "]\n    }, " + further + "]");
+
+  Project project = ParseProject(text);
+  EXPECT_THAT(project.values, ElementsAre(Value("<other/>")));
+  project.values = {"<new/>", "second"};
+  const std::string saved = ProjectText(project);
+
+  EXPECT_THAT(saved, HasSubstr(R"("type": "?")"));
+  EXPECT_THAT(saved, HasSubstr(R"("x": 1)"));
+  EXPECT_THAT(ParseProject(saved).values, ElementsAre(Value("<new/>"), Value("second")));
+}
+
+TEST(ProjectTest, RefusesWhatIsNestedTooDeeply) {
+  const auto nested = [](std::size_t depth) {
+    return R"({"x": )" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
+  };
+  EXPECT_THAT(ProblemOf(nested(63)), HasSubstr("not a kvdm project"));
+  EXPECT_THAT(ProblemOf(nested(64)), HasSubstr("not a kvdm project"));
+  EXPECT_THAT(ProblemOf(nested(65)), HasSubstr("more than 64 arrays and objects"));
+  EXPECT_THAT(ProblemOf(nested(200'000)), HasSubstr("more than 64 arrays and objects"));
+}
+
+TEST(ProjectTest, RefusesNumbersThatNoProgramHolds) {
+  EXPECT_THAT(ProblemOf("{\"x\": " + std::string(5000, '9') + "}"), HasSubstr("too large"));
+}
+
 TEST(ProjectTest, KeepsEveryValueExactly) {
   const Value values[] = {
       Value(),
