@@ -4,6 +4,9 @@
 
 #include <optional>
 
+#include "host/arguments.h"
+#include "host/items.h"
+#include "host/os.h"
 #include "host/project_file.h"
 
 namespace kvdm {
@@ -19,18 +22,47 @@ void RefusedByMessage(const Output& out, Body&& body) {
                 fmt::format("The component reported: {}", out.Messages().back()));
 }
 
+void RequireWritable(const std::filesystem::path& file) {
+  if (!os::IsReadOnly(file)) return;
+  throw Failure(
+      ExitCode::kRefused,
+      fmt::format("The project {} is marked read-only. Make it writable before you change "
+                  "anything.",
+                  os::ToText(file)));
+}
+
 }  // namespace
+
+std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file, Output& out) {
+  if (!Asks()) return std::nullopt;
+  Session session(file, out);
+  session.Component().RequireWorkingDirectory();
+  Question question = ToAsk(session);
+  RequireConsent(question.consequence);
+  return question;
+}
 
 void ProjectCommand::Execute(const Invocation& invocation) {
   const auto file = FindProjectFile(invocation.project);
+  if (Changes()) RequireWritable(file);
+  const auto agreed = Agreed(file, invocation.out);
   std::optional<ChangeLock> lock;
   if (Changes()) lock.emplace(file);
   Session session(file, invocation.out);
   if (Changes()) session.Component().RequireWorkingDirectory();
+  if (agreed && ToAsk(session) != *agreed) {
+    throw Failure(ExitCode::kConflict,
+                  "What was asked about has changed meanwhile. Nothing was done; run the command "
+                  "again to be asked about what is there now.");
+  }
   RefusedByMessage(invocation.out, [&] {
     Run(session, invocation.out);
     if (Changes()) session.Save();
   });
+}
+
+DeletingCommand::DeletingCommand(Arguments arguments) {
+  arguments.Flag("--yes", yes_, "Do not ask");
 }
 
 }  // namespace kvdm

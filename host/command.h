@@ -1,12 +1,17 @@
 // The commands of `kvdm`.
 #pragma once
 
+#include <filesystem>
+#include <optional>
 #include <string>
 
 #include "host/output.h"
+#include "host/record.h"
 #include "host/session.h"
 
 namespace kvdm {
+
+class Arguments;
 
 // What a command is called with, apart from its own arguments.
 struct Invocation {
@@ -26,6 +31,14 @@ class Command {
   virtual void Execute(const Invocation& invocation) = 0;
 };
 
+// What a person is asked before something is done, and the items that it is about.
+struct Question {
+  std::string consequence;
+  Record about;
+
+  bool operator==(const Question&) const = default;
+};
+
 // A command on a project with the component started. It fails with kRefused, too, when the
 // component showed a message while it ran.
 class ProjectCommand : public Command {
@@ -36,7 +49,14 @@ class ProjectCommand : public Command {
   // Whether the command, as it was called, changes anything. If so, other processes are held off,
   // and the project is saved when it succeeds.
   [[nodiscard]] virtual bool Changes() const = 0;
+  // Whether a person is asked first. Nobody is held off meanwhile. The work is done only if the
+  // question still is the same once they are.
+  [[nodiscard]] virtual bool Asks() const { return false; }
+  [[nodiscard]] virtual Question ToAsk(Session&) { return {}; }
   virtual void Run(Session& session, Output& out) = 0;
+
+  // What the person who was asked agreed to; nothing when nobody is asked.
+  [[nodiscard]] std::optional<Question> Agreed(const std::filesystem::path& file, Output& out);
 };
 
 class ReadingCommand : public ProjectCommand {
@@ -45,6 +65,19 @@ class ReadingCommand : public ProjectCommand {
 
 class ChangingCommand : public ProjectCommand {
   [[nodiscard]] bool Changes() const final { return true; }
+};
+
+// A change that can't be taken back: it asks first, unless --yes is given.
+class DeletingCommand : public ChangingCommand {
+ protected:
+  explicit DeletingCommand(Arguments arguments);
+
+  [[nodiscard]] bool Asks() const final { return !yes_; }
+
+ private:
+  [[nodiscard]] Question ToAsk(Session& session) override = 0;
+
+  bool yes_ = false;
 };
 
 }  // namespace kvdm

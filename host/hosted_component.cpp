@@ -6,15 +6,31 @@
 
 #include "datamanager/component.h"
 #include "host/metadata_text.h"
+#include "host/os.h"
 #include "platform/portable/variant_list.h"
 
 namespace kvdm {
+namespace {
+
+Platform OnFiles(Platform platform, std::shared_ptr<FileSystem> files) {
+  platform.files = std::move(files);
+  return platform;
+}
+
+}  // namespace
+
 HostedComponent::HostedComponent(const Project& project, Output& out)
     : services_(MakeServices(project.drives, out)),
+      files_(std::make_shared<SettingAsideFiles>(
+          services_.platform.files,
+          [drives = project.drives](std::string_view from, std::string_view to) {
+            os::MoveFolder(drives, from, to);
+          })),
       state_(std::make_shared<PropertySetMap>(project.state)),
       settings_(std::make_shared<PropertySetMap>(project.settings)),
       host_(std::make_shared<PropertiesHost>(state_, settings_)),
-      manager_(Query<IKVDataManager>(CreateObject(kDataManagerClass, services_.platform))) {
+      manager_(Query<IKVDataManager>(
+          CreateObject(kDataManagerClass, OnFiles(services_.platform, files_)))) {
   const std::string folder = ToText(settings_->GetProperty(kWorkingDirectorySetting));
   working_directory_was_there_ = services_.platform.files->FolderExists(folder);
   Required(Query<IKVDMInitialize>(manager_)).DMInitialize(host_);

@@ -9,6 +9,7 @@
 #include "host/output.h"
 #include "host/project.h"
 #include "host/services.h"
+#include "host/set_aside.h"
 #include "platform/portable/properties_host.h"
 
 namespace kvdm {
@@ -25,6 +26,8 @@ class HostedComponent {
 
   [[nodiscard]] IKVDataManager& Manager() { return *manager_; }
   [[nodiscard]] const Services& GetServices() const { return services_; }
+  // The component's file system.
+  [[nodiscard]] SettingAsideFiles& Files() { return *files_; }
 
   // Whether the working directory of the settings was there before the start, which makes it.
   [[nodiscard]] bool WorkingDirectoryWasThere() const { return working_directory_was_there_; }
@@ -44,6 +47,7 @@ class HostedComponent {
   void Load(const Project& project);
 
   Services services_;
+  std::shared_ptr<SettingAsideFiles> files_;
   std::shared_ptr<PropertySetMap> state_;
   std::shared_ptr<PropertySetMap> settings_;
   std::shared_ptr<Host> host_;

@@ -34,14 +34,7 @@ void RequireDeleted(bool deleted) {
   if (!deleted) throw Failure(ExitCode::kRefused, "The component did not delete it.");
 }
 
-std::string DeletedWithFolder(FileSystem& files, std::string_view item, std::string_view folder) {
-  if (!files.FolderExists(folder))
-    return fmt::format("Deleted the {} and its folder {}.", item, folder);
-  return fmt::format("Deleted the {}. Its folder {} is still there.", item, folder);
-}
-
-void RequireConsent(bool yes, std::string_view consequence) {
-  if (yes) return;
+void RequireConsent(std::string_view consequence) {
   if (!os::InputIsTerminal()) {
     throw Failure(ExitCode::kUsage,
                   fmt::format("{} Nobody can be asked here: add --yes to do it.", consequence));

@@ -12,7 +12,6 @@
 #include "datamanager/interfaces.h"
 #include "host/failure.h"
 #include "host/record.h"
-#include "platform/file_system.h"
 
 namespace kvdm {
 
@@ -124,13 +123,9 @@ void RequireGuid(std::string_view text);
 // Failure kRefused when the component answered that it did not delete an item.
 void RequireDeleted(bool deleted);
 
-// What became of an item, such as "study area North", that was deleted with its folder.
-[[nodiscard]] std::string DeletedWithFolder(FileSystem& files, std::string_view item,
-                                            std::string_view folder);
-
-// Asks on the terminal whether to go on, unless `yes`. Failure kUsage where nobody can be asked,
-// kRefused when the answer is not yes.
-void RequireConsent(bool yes, std::string_view consequence);
+// Asks on the terminal whether to go on. Failure kUsage where nobody can be asked, kRefused when
+// the answer is not yes.
+void RequireConsent(std::string_view consequence);
 
 // The text that an argument gives: itself, or standard input for "-". Line ends become LF. Failure
 // kUnreadable for input that is too long or not UTF-8, kUsage for input that can't be stored.

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -38,6 +39,10 @@ void Replace(const std::filesystem::path& file, std::string_view bytes,
 
 // Whether a file is marked as one that nobody may write.
 [[nodiscard]] bool IsReadOnly(const std::filesystem::path& file);
+
+// Renames a folder that is no link, by paths of the component; `drives` as MakeServices takes them.
+void MoveFolder(const std::map<char, std::string>& drives, std::string_view from,
+                std::string_view to);
 
 // Locks a regular file, which is made when it is missing, against other processes for as long as
 // the result lives. Nothing when another process holds it.

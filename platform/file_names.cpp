@@ -189,13 +189,15 @@ std::optional<std::string> FindName(const std::vector<std::string>& names,
                [&](const std::string& name) { return Folded(TrimmedName(name)) == trimmed; });
 }
 
-std::string TemporaryFileName() {
+std::string RandomDigits() {
   std::random_device chance;
   constexpr char kHexDigits[] = "0123456789abcdef";
-  std::string name = ".kvdm-";
-  for (int i = 0; i < 16; ++i) name += kHexDigits[chance() % 16];
-  return name + ".tmp";
+  std::string digits;
+  for (int i = 0; i < 16; ++i) digits += kHexDigits[chance() % 16];
+  return digits;
 }
+
+std::string TemporaryFileName() { return ".kvdm-" + RandomDigits() + ".tmp"; }
 
 void SortNames(std::vector<std::string>& names) {
   std::vector<std::pair<std::u32string, std::string>> keyed;

@@ -77,7 +77,10 @@ struct SearchPattern {
 [[nodiscard]] std::optional<std::string> FindName(const std::vector<std::string>& names,
                                                   std::string_view wanted);
 
-// A hidden name for a file that is there for a moment only. Nobody can tell it beforehand.
+// 16 hexadecimal digits that nobody can tell beforehand.
+[[nodiscard]] std::string RandomDigits();
+
+// A hidden name for a file that is there for a moment only.
 [[nodiscard]] std::string TemporaryFileName();
 
 // FindName or FindSameName.

@@ -3,6 +3,7 @@
 #include "host/commands/item_comment.h"
 #include "host/commands/item_params.h"
 #include "host/commands/item_set.h"
+#include "host/deletion.h"
 #include "host/sources.h"
 
 namespace kvdm {
@@ -101,42 +102,41 @@ class AnalysisRename : public ChangingCommand {
   std::string new_name_;
 };
 
-class AnalysisDelete : public ChangingCommand {
+class AnalysisDelete : public DeletingCommand {
  public:
-  explicit AnalysisDelete(Arguments arguments) {
+  explicit AnalysisDelete(Arguments arguments) : DeletingCommand(arguments) {
     arguments.Required("NAME", name_, kNameHelp);
-    arguments.Flag("--yes", yes_, "Do not ask");
   }
 
  private:
+  Question ToAsk(Session& session) override {
+    const auto analysis = FindItem(Analyses(session), name_);
+    return {fmt::format("This deletes the analysis {} and the folder {} with all that is in it.",
+                        analysis->Name(), analysis->AnalysisDir()),
+            Analyses(session).describe(*analysis)};
+  }
+
   void Run(Session& session, Output& out) override {
     const auto source = Analyses(session);
     const auto analysis = FindItem(source, name_);
     const Record record = source.describe(*analysis);
-    const std::string folder = analysis->AnalysisDir();
-    const std::string name = analysis->Name();
-    RequireConsent(yes_, fmt::format("This deletes the analysis {} and the folder {} with all that "
-                                     "is in it.",
-                                     name, folder));
-    Delete(*AnalysisCollection(session), *analysis);
-    out.Done(record, DeletedWithFolder(*session.Component().GetServices().platform.files,
-                                       fmt::format("analysis {}", name), folder));
+    out.Done(record,
+             DeleteWithFolder(
+                 session, {fmt::format("analysis {}", analysis->Name()), analysis->AnalysisDir(),
+                           [&] { return Delete(*AnalysisCollection(session), *analysis); }}));
   }
 
   // By what leads to this very analysis: others may share its identifier, or its name.
-  static void Delete(IKVAnalysisCollection& analyses, IKVAnalysis& analysis) {
+  static bool Delete(IKVAnalysisCollection& analyses, IKVAnalysis& analysis) {
     const std::string guid = analysis.AnalysisGUID();
     const std::string name = analysis.Name();
     const std::string folder = analysis.AnalysisDir();
     const auto found = analyses.GetAnalysisByGUID(guid);
-    const bool deleted = found && found->AnalysisDir() == folder
-                             ? analyses.DeleteAnalysisByGUID(guid)
-                             : analyses.DeleteAnalysis(name);
-    RequireDeleted(deleted);
+    return found && found->AnalysisDir() == folder ? analyses.DeleteAnalysisByGUID(guid)
+                                                   : analyses.DeleteAnalysis(name);
   }
 
   std::string name_;
-  bool yes_ = false;
 };
 
 class AnalysisLayer : public ProjectCommand {

@@ -2,7 +2,9 @@
 #include "host/commands/groups.h"
 #include "host/commands/item_comment.h"
 #include "host/commands/item_set.h"
+#include "host/deletion.h"
 #include "host/sources.h"
+#include "util/default_dir_names.h"
 
 namespace kvdm {
 namespace {
@@ -121,39 +123,53 @@ class AreaRename : public ChangingCommand {
   std::string new_name_;
 };
 
-class AreaDelete : public ChangingCommand {
+class AreaDelete : public DeletingCommand {
  public:
-  explicit AreaDelete(Arguments arguments) {
+  explicit AreaDelete(Arguments arguments) : DeletingCommand(arguments) {
     arguments.Required("NAME", name_, "A study area, by name or {GUID}");
-    arguments.Flag("--yes", yes_, "Do not ask");
   }
 
  private:
+  Question ToAsk(Session& session) override {
+    const auto area = FindItem(StudyAreas(session), name_);
+    return {fmt::format("This deletes the study area {} and the folder {} with all that is in it.",
+                        area->Name(), area->StudyAreaDir()),
+            StudyAreas(session).describe(*area)};
+  }
+
   void Run(Session& session, Output& out) override {
     const auto area = FindItem(StudyAreas(session), name_);
     const Record record = StudyAreas(session).describe(*area);
-    const std::string folder = area->StudyAreaDir();
-    const std::string name = area->Name();
-    RequireConsent(yes_, fmt::format("This deletes the study area {} and the folder {} with all "
-                                     "that is in it.",
-                                     name, folder));
-    Delete(*StudyAreaCollection(session), *area);
-    out.Done(record, DeletedWithFolder(*session.Component().GetServices().platform.files,
-                                       fmt::format("study area {}", name), folder));
+    out.Done(record, Delete(session, *area));
   }
 
-  // By name, which closes the study area and removes its folder; by GUID only where the name means
-  // another one.
-  static void Delete(IKVStudyAreaCollection& areas, IKVStudyArea& area) {
+  // By name, which closes the study area and removes its folder; by GUID, which looks for a folder
+  // of that name among those of all study areas, only where the name means another one.
+  static std::string Delete(Session& session, IKVStudyArea& area) {
+    const auto areas = StudyAreaCollection(session);
+    const std::string name = area.Name();
     const std::string guid = area.GUID();
-    const auto namesake = areas.GetStudyArea(area.Name());
-    const bool deleted = namesake && namesake->GUID() == guid ? areas.DeleteStudyArea(area.Name())
-                                                              : areas.DeleteStudyAreaByGUID(guid);
-    RequireDeleted(deleted);
+    const auto namesake = areas->GetStudyArea(name);
+    const bool by_name = namesake && namesake->GUID() == guid;
+    const std::string above =
+        by_name ? "" : session.Manager().WorkingDirectory() + sDefaultDirNames::kStudyAreas + "\\";
+    bool deleted = false;
+    try {
+      return DeleteWithFolder(
+          session, {fmt::format("study area {}", name), above + area.StudyAreaDir(), [&] {
+                      deleted = by_name ? areas->DeleteStudyArea(name)
+                                        : areas->DeleteStudyAreaByGUID(guid);
+                      return deleted;
+                    }});
+    } catch (const Failure& failure) {
+      if (!deleted || session.Component().GetServices().registry->Refused()) throw;
+      throw Failure(failure.code(), fmt::format("{} The study area {} is no longer listed, though; "
+                                                "its folder stays.",
+                                                failure.what(), name));
+    }
   }
 
   std::string name_;
-  bool yes_ = false;
 };
 
 class AreaUse : public ChangingCommand {

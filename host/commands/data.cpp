@@ -117,22 +117,30 @@ class DataRename : public ChangingCommand {
   std::string new_name_;
 };
 
-class DataDelete : public ChangingCommand {
+class DataDelete : public DeletingCommand {
  public:
-  explicit DataDelete(Arguments arguments) {
+  explicit DataDelete(Arguments arguments) : DeletingCommand(arguments) {
     arguments.Required("NAME", name_, SelectorHelp(DataItems::kWord));
-    arguments.Flag("--yes", yes_, "Do not ask");
   }
 
  private:
+  Question ToAsk(Session& session) override {
+    const DataEntry entry = FindInGroup(session);
+    return {fmt::format("This deletes the data item {} with its parameters. {}", entry.name,
+                        Stays(entry)),
+            Description(entry)};
+  }
+
   void Run(Session& session, Output& out) override {
     const DataEntry entry = FindInGroup(session);
     const Record record = Description(entry);
-    const std::string stays = fmt::format("Its file, {}, is left alone.", entry.item->LayerFile());
-    RequireConsent(yes_, fmt::format("This deletes the data item {} with its parameters. {}",
-                                     entry.name, stays));
+    const std::string stays = Stays(entry);
     RequireDeleted(Delete(session, entry));
     out.Done(record, fmt::format("Deleted the data item {}. {}", entry.name, stays));
+  }
+
+  static std::string Stays(const DataEntry& entry) {
+    return fmt::format("Its file, {}, is left alone.", entry.item->LayerFile());
   }
 
   [[nodiscard]] DataEntry FindInGroup(Session& session) const {
@@ -156,7 +164,6 @@ class DataDelete : public ChangingCommand {
   }
 
   std::string name_;
-  bool yes_ = false;
 };
 
 class DataFolder : public ReadingCommand {

@@ -5,6 +5,10 @@
 #include "host/commands/item_comment.h"
 #include "host/commands/item_params.h"
 #include "host/commands/item_set.h"
+#include "host/deletion.h"
+#include "platform/xml/document.h"
+#include "util/kvdm_utils.h"
+#include "util/tags.h"
 
 namespace kvdm {
 namespace {
@@ -154,12 +158,26 @@ FolderContent ContentOf(Session& session, std::string folder) {
   return {std::move(folder), std::move(entries)};
 }
 
+// The folder that the component deletes when it deletes a layer by identifier: what the stored
+// element names, else that of all layers.
 template <class Kind>
-class LayerDelete : public ChangingCommand {
+std::string FolderTakenWith(Session& session, const std::string& guid) {
+  xml::Document metadata;
+  metadata.LoadXml(*session.Component().GetServices().platform.xml_parser,
+                   ToText(session.GetProject().values.front()));
+  const auto root = metadata.DocumentElement();
+  const auto layer = Required(root).SelectSingleNode(QueryFor(
+      fmt::format("./{}/{}[@GUID=", tags::kStoreLayerCollection, tags::kStoreLayer), guid));
+  const Value name = layer ? layer->GetAttribute(attributes::kDirName) : Value();
+  return std::invoke(Kind::kFolder, *LayerCollection<Kind>(session)) + "\\" +
+         (name.IsNull() ? "" : ToText(name));
+}
+
+template <class Kind>
+class LayerDelete : public DeletingCommand {
  public:
-  explicit LayerDelete(Arguments arguments) {
+  explicit LayerDelete(Arguments arguments) : DeletingCommand(arguments) {
     arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-    arguments.Flag("--yes", yes_, "Do not ask");
     if constexpr (Kind::kGuidTakesFolder) {
       arguments.Flag("--exact-by-guid", exact_by_guid_,
                      "Delete by identifier, which deletes the folder of all layers' files too");
@@ -167,21 +185,48 @@ class LayerDelete : public ChangingCommand {
   }
 
  private:
+  Question ToAsk(Session& session) override {
+    const auto layer = FindItem(Layers<Kind>(session), name_);
+    const Record record = Layers<Kind>(session).describe(*layer);
+    if (exact_by_guid_) return {FolderGoes(session, *layer), record};
+    return {fmt::format("This deletes the {} {} with its parameters and comments. {}", Kind::kWord,
+                        layer->Name(), Stays(*layer)),
+            record};
+  }
+
   void Run(Session& session, Output& out) override {
     const auto layer = FindItem(Layers<Kind>(session), name_);
     if (exact_by_guid_) {
-      DeleteWithFolder(session, *layer, out);
+      DeleteWithItsFolder(session, *layer, out);
     } else {
       DeleteAlone(session, *layer, out);
     }
   }
 
+  static std::string Stays(typename Kind::Item& layer) {
+    return fmt::format("Its layer file, {}, is left alone.", layer.LayerFile());
+  }
+
+  static std::string FolderGoes(Session& session, typename Kind::Item& layer) {
+    const std::string folder = FolderTakenWith<Kind>(session, layer.GUID());
+    const bool of_all = folder.ends_with('\\');
+    const FolderContent content = ContentOf(session, of_all ? Unclosed(folder) : folder);
+    return fmt::format(
+        "This deletes the {} {} and the folder {} with {}. {}{}", Kind::kWord, layer.Name(),
+        content.folder,
+        of_all ? "all that is in it" : "the files in it; folders in it stay, and it with them",
+        content.Sentence(), of_all ? " The files of the other layers go too." : "");
+  }
+
+  static std::string Unclosed(std::string folder) {
+    folder.pop_back();
+    return folder;
+  }
+
   void DeleteAlone(Session& session, typename Kind::Item& layer, Output& out) const {
     const Record record = Layers<Kind>(session).describe(layer);
     const std::string name = layer.Name();
-    const std::string stays = fmt::format("Its layer file, {}, is left alone.", layer.LayerFile());
-    RequireConsent(yes_, fmt::format("This deletes the {} {} with its parameters and comments. {}",
-                                     Kind::kWord, name, stays));
+    const std::string stays = Stays(layer);
     RequireDeleted(DeleteThis(*LayerCollection<Kind>(session), layer));
     out.Done(record, fmt::format("Deleted the {} {}. {}", Kind::kWord, name, stays));
   }
@@ -201,21 +246,21 @@ class LayerDelete : public ChangingCommand {
                               Kind::kWord, layer.Name()));
   }
 
-  void DeleteWithFolder(Session& session, typename Kind::Item& layer, Output& out) const {
+  void DeleteWithItsFolder(Session& session, typename Kind::Item& layer, Output& out) const {
     const auto layers = LayerCollection<Kind>(session);
     const Record record = Layers<Kind>(session).describe(layer);
-    const std::string name = layer.Name();
-    const FolderContent before = ContentOf(session, std::invoke(Kind::kFolder, *layers));
-    Output::Tell(fmt::format("This deletes the {} {} and the folder {} with all that is in it. {}",
-                             Kind::kWord, name, before.folder, before.Sentence()));
-    RequireConsent(yes_, "The files of the other layers go too.");
-    RequireDeleted(std::invoke(Kind::kDeleteByGuid, *layers, layer.GUID()));
+    const std::string what = fmt::format("{} {}", Kind::kWord, layer.Name());
+    const std::string guid = layer.GUID();
+    const std::string folder = FolderTakenWith<Kind>(session, guid);
+    if (!Asks()) Output::Tell(FolderGoes(session, layer));
+    const FolderContent before =
+        ContentOf(session, folder.ends_with('\\') ? Unclosed(folder) : folder);
+    const std::string sentence = DeleteWithFolder(
+        session, {what, folder, [&] { return std::invoke(Kind::kDeleteByGuid, *layers, guid); }});
     const FolderContent after = ContentOf(session, before.folder);
-    out.Done(record,
-             fmt::format("Deleted the {} {}. {}", Kind::kWord, name,
-                         after.entries.empty() ? fmt::format("Nothing is left in {}.", after.folder)
-                                               : fmt::format("Left in {}: {}.", after.folder,
-                                                             fmt::join(after.entries, ", "))));
+    out.Done(record, after.entries.empty() ? sentence
+                                           : fmt::format("{} Left in it: {}.", sentence,
+                                                         fmt::join(after.entries, ", ")));
     out.Section("deleted", Missing(before, after));
   }
 
@@ -229,7 +274,6 @@ class LayerDelete : public ChangingCommand {
   }
 
   std::string name_;
-  bool yes_ = false;
   bool exact_by_guid_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "host/commands/groups.h"
+#include "host/deletion.h"
 #include "host/items.h"
 #include "host/registered_items.h"
 
@@ -105,31 +106,39 @@ class RegistryShow : public ReadingCommand {
 };
 
 template <class Kind>
-class RegistryDelete : public ChangingCommand {
+class RegistryDelete : public DeletingCommand {
  public:
-  explicit RegistryDelete(Arguments arguments) {
+  explicit RegistryDelete(Arguments arguments) : DeletingCommand(arguments) {
     arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-    arguments.Flag("--yes", yes_, "Do not ask");
   }
 
  private:
+  Question ToAsk(Session& session) override {
+    const auto item = FindRegistered<Kind>(session, name_);
+    return {fmt::format("This deletes the {} {}. {} {}.", Kind::kWord, Required(item).Name(),
+                        Kind::kHasFolder ? "The component deletes what it can of"
+                                         : "It leaves the files in",
+                        FolderOf(session, *item)),
+            Described(*item)};
+  }
+
   void Run(Session& session, Output& out) override {
     AreaRegistry& registry = RegistryOf(session);
     const auto item = FindRegistered<Kind>(session, name_);
     const Record record = Described(Required(item));
     const std::string what = fmt::format("{} {}", Kind::kWord, item->Name());
     const std::string folder = FolderOf(session, *item);
-    RequireConsent(yes_, fmt::format("This deletes the {}. {} {}.", what,
-                                     Kind::kHasFolder ? "The component deletes what it can of"
-                                                      : "It leaves the files in",
-                                     folder));
     const bool by_guid = IsGuid(name_) && item->GUID() == name_;
-    RequireDeleted(by_guid ? std::invoke(Kind::kDeleteByGuid, registry, name_)
-                           : std::invoke(Kind::kDelete, registry, name_));
-    FileSystem& files = *session.Component().GetServices().platform.files;
-    out.Done(record, Kind::kHasFolder
-                         ? DeletedWithFolder(files, what, folder)
-                         : fmt::format("Deleted the {}. Its files in {} stay.", what, folder));
+    const auto perform = [&] {
+      return by_guid ? std::invoke(Kind::kDeleteByGuid, registry, name_)
+                     : std::invoke(Kind::kDelete, registry, name_);
+    };
+    if constexpr (Kind::kHasFolder) {
+      out.Done(record, DeleteWithFolder(session, {what, folder, perform}));
+    } else {
+      RequireDeleted(perform());
+      out.Done(record, fmt::format("Deleted the {}. Its files in {} stay.", what, folder));
+    }
   }
 
   // The study area's own folder, or that of all layers of the kind.
@@ -142,7 +151,6 @@ class RegistryDelete : public ChangingCommand {
   }
 
   std::string name_;
-  bool yes_ = false;
 };
 
 template <class Kind>

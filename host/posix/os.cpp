@@ -15,6 +15,7 @@
 #include "platform/posix/file_descriptor.h"
 #include "platform/posix/folder_entries.h"
 #include "platform/posix/posix_error.h"
+#include "platform/posix/posix_paths.h"
 #include "platform/posix/replace_file.h"
 
 namespace kvdm::os {
@@ -118,6 +119,20 @@ void Replace(const std::filesystem::path& file, std::string_view bytes,
 bool IsReadOnly(const std::filesystem::path& file) {
   const auto facts = Naming(file, [&] { return ExamineEntry(AT_FDCWD, file); });
   return facts && facts->is_read_only;
+}
+
+void MoveFolder(const std::map<char, std::string>& drives, std::string_view from,
+                std::string_view to) {
+  const PosixPaths paths({drives});
+  const PosixPlace source = paths.PlaceOf(from, EBUSY);
+  const PosixPlace target = paths.PlaceOf(to, EBUSY);
+  const std::string name = source.entry.value_or(source.name);
+  const auto facts = ExamineEntry(source.folder.get(), name);
+  if (!facts || !facts->is_folder) ThrowSystemError(ENOTDIR);
+  if (::renameat(source.folder.get(), name.c_str(), target.folder.get(), target.name.c_str()) !=
+      0) {
+    ThrowSystemError(errno);
+  }
 }
 
 std::shared_ptr<void> TryLock(const std::filesystem::path& file) {

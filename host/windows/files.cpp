@@ -7,6 +7,8 @@
 #include "platform/windows/file_handle.h"
 #include "platform/windows/folder_entries.h"
 #include "platform/windows/save_file.h"
+#include "platform/windows/win32_error.h"
+#include "platform/windows/windows_paths.h"
 
 namespace kvdm::os {
 namespace {
@@ -143,6 +145,16 @@ void Replace(const fs::path& file, std::string_view bytes, const fs::path& previ
 bool IsReadOnly(const fs::path& file) {
   const DWORD attributes = GetFileAttributesW(LongName(file).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+void MoveFolder(const std::map<char, std::string>&, std::string_view from, std::string_view to) {
+  const WindowsPlace source = PlaceOf(from, ERROR_ACCESS_DENIED);
+  const WindowsPlace target = PlaceOf(to, ERROR_ACCESS_DENIED);
+  const bool is_link = (source.attributes.value_or(0) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  if (!source.IsFolder() || is_link) ThrowSystemError(ERROR_DIRECTORY);
+  if (MoveFileExW(SystemPath(source.path).c_str(), SystemPath(target.path).c_str(), 0) == FALSE) {
+    ThrowLastError();
+  }
 }
 
 std::shared_ptr<void> TryLock(const fs::path& file) {
