@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <optional>
+#include <tuple>
 
 #include "host/arguments.h"
 #include "host/items.h"
@@ -22,7 +23,9 @@ void RefusedByMessage(const Output& out, Body&& body) {
                 fmt::format("The component reported: {}", out.Messages().back()));
 }
 
-void RequireWritable(const std::filesystem::path& file) {
+// The files that a change makes are made beside nothing but a project that can be changed.
+void RequireChangeable(const std::filesystem::path& file) {
+  std::ignore = ReadProjectFile(file);
   if (!os::IsReadOnly(file)) return;
   throw Failure(
       ExitCode::kRefused,
@@ -44,7 +47,7 @@ std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file
 
 void ProjectCommand::Execute(const Invocation& invocation) {
   const auto file = FindProjectFile(invocation.project);
-  if (Changes()) RequireWritable(file);
+  if (Changes()) RequireChangeable(file);
   const auto agreed = Agreed(file, invocation.out);
   std::optional<ChangeLock> lock;
   if (Changes()) lock.emplace(file);

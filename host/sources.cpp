@@ -23,6 +23,21 @@ std::shared_ptr<IKVAnalysisCollection> AnalysisCollection(Session& session) {
   return Reached(session.Manager().AnalysisCollection(), "analysis");
 }
 
+std::string MissingCurrentArea(Session& session) {
+  const std::string name = session.Component().CurrentStudyArea();
+  if (name.empty() || StudyAreaCollection(session)->GetStudyArea(name)) return {};
+  return fmt::format(
+      "The project works in the study area {}, which is not in the list of study "
+      "areas: it was deleted or renamed. Open another one with 'kvdm area use NAME', "
+      "or none with 'kvdm area use --none'.",
+      name);
+}
+
+void RequireCurrentArea(Session& session) {
+  const std::string missing = MissingCurrentArea(session);
+  if (!missing.empty()) throw Failure(ExitCode::kNotFound, missing);
+}
+
 ItemSource<IKVStudyArea> StudyAreas(Session& session) {
   const auto collection = StudyAreaCollection(session);
   return {

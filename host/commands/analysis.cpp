@@ -47,6 +47,7 @@ class AnalysisCreate : public ChangingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
+    RequireCurrentArea(session);
     if (!AnalysisCollection(session)->CreateAnalysis(name_)) {
       throw Failure(ExitCode::kRefused,
                     fmt::format("The folder of the analysis {} could not be made, so there is no "

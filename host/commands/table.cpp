@@ -2,12 +2,14 @@
 #include <fmt/format.h>
 
 #include "host/commands/groups.h"
+#include "host/sources.h"
 
 namespace kvdm {
 namespace {
 
 std::shared_ptr<IKVTablesManager> TablesManager(Session& session) {
   session.Component().RequireWorkingDirectory();
+  RequireCurrentArea(session);
   if (auto tables = session.Manager().TablesManager()) return tables;
   throw Failure(ExitCode::kRefused, "The tables can't be reached. 'kvdm status' tells more.");
 }
