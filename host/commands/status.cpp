@@ -60,9 +60,8 @@ class Status : public ReadingCommand {
                 {"catalogue_damaged", unread ? Field() : Field(damaged)}});
     if (unread) return Output::Tell("kvdm: " + RegistrySentence(*unread));
     out.Section("damaged_catalogues", KeptCatalogues(services.platform));
-    if (const auto missing = MissingCurrentArea(session); !damaged && !missing.empty()) {
-      Output::Tell("kvdm: " + missing);
-    }
+    const std::string missing = damaged ? "" : MissingCurrentArea(session);
+    if (!missing.empty()) Output::Tell("kvdm: " + missing);
     if (damaged) {
       Output::Tell(
           "kvdm: the catalogue of study areas in the registry is damaged and counts as empty. The "
