@@ -57,7 +57,7 @@ def cases_of(world, reference, index, is_long):
 def run(world, reference, way, n, counts, prints=False):
     world.restore()
     outcome = world.disturbed(reference.words, *options(way, n))
-    faults = Judge(world, reference, world.state(), outcome).all(cleans_up="on" not in way)
+    faults = Judge(world, reference, world.state(), outcome).all(cleans_up=way not in ON)
     counts.add(f"{reference.name}:{way}:{n}", [(kind, f"{outcome.name}: {text}") for kind, text in faults])
     if prints:
         print(f"status {outcome.status}, disturbed {outcome.disturbed} {outcome.name}")
