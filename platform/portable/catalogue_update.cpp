@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "platform/error.h"
@@ -35,8 +36,9 @@ std::vector<ElementRef> ElementsIn(const Element& parent) {
   return elements;
 }
 
-// What an element says, whatever the order of its attributes and the way in which it was written;
-// without the attribute `ignored`. The marks between the parts can't be in an XML text.
+// What an element says, whatever the order of its attributes and elements and the way in which it
+// was written; without the attribute `ignored`. The marks between the parts can't be in an XML
+// text.
 std::string Canonical(const Element& element, const char* ignored = "") {
   std::map<std::string, std::string> attributes;
   for (const auto& [name, value] : element.Attributes()) {
@@ -44,9 +46,10 @@ std::string Canonical(const Element& element, const char* ignored = "") {
   }
   std::string text = '\1' + element.Tag();
   for (const auto& [name, value] : attributes) text += '\2' + name + '\3' + value;
-  const auto children = ElementsIn(element);
+  std::multiset<std::string> children;
+  for (const auto& child : ElementsIn(element)) children.insert(Canonical(*child));
   if (children.empty()) text += '\4' + element.Text();
-  for (const auto& child : children) text += Canonical(*child);
+  for (const std::string& child : children) text += child;
   return text + '\5';
 }
 
@@ -339,6 +342,14 @@ std::string UpToNul(std::string text) {
   return text;
 }
 
+bool ChangesNothing(const TextUpdate& update) {
+  const auto areas = [](std::vector<TextUpdate::Piece> pieces) {
+    std::erase_if(pieces, [](const TextUpdate::Piece& piece) { return piece.key.empty(); });
+    return pieces;
+  };
+  return areas(update.Base()) == areas(update.Wanted());
+}
+
 CatalogueUpdate::CatalogueUpdate(XmlParser& parser, std::string base, std::string wanted,
                                  std::function<bool(char32_t)> holds)
     : parser_(parser),
@@ -356,15 +367,6 @@ std::vector<TextUpdate::Piece> CatalogueUpdate::PiecesOf(const std::string& text
   for (const Area& area : catalogue.Areas()) catalogue.Root()->Remove(area.element);
   pieces.push_back({"", pieces.size(), catalogue.Document().Xml()});
   return pieces;
-}
-
-bool CatalogueUpdate::ChangesNothing() const {
-  const auto areas = [this](const std::string& text) {
-    std::vector<Piece> pieces = PiecesOf(text);
-    pieces.pop_back();
-    return pieces;
-  };
-  return areas(base_) == areas(wanted_);
 }
 
 TextUpdate::Outcome CatalogueUpdate::On(const std::optional<RegistryValue>& stored) const {

@@ -14,6 +14,9 @@ namespace kvdm {
 // The text up to its first NUL, which is all that a reader takes.
 [[nodiscard]] std::string UpToNul(std::string text);
 
+// Whether an update leads to the study areas that it starts from.
+[[nodiscard]] bool ChangesNothing(const TextUpdate& update);
+
 // The rules:
 //
 // - Stored is the base, missing or empty: the wanted text as it is.
@@ -39,9 +42,6 @@ class CatalogueUpdate final : public TextUpdate {
 
   // Run-time error 7 for a stored text that is well-formed but larger than a document may be.
   [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override;
-
-  // Whether the two texts have the same study areas.
-  [[nodiscard]] bool ChangesNothing() const;
 
   // What people should know of the last outcome, a sentence each.
   [[nodiscard]] const std::vector<std::string>& Notes() const { return notes_; }

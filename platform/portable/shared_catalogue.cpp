@@ -34,7 +34,7 @@ bool SharedCatalogue::WriteCatalogue(std::string text) {
   const CatalogueUpdate update(*parser_, base_, text,
                                [this](char32_t character) { return registry_->Holds(character); });
   // Whoever never saw the catalogue and changed nothing does not need the registry.
-  if (!is_known_ && update.ChangesNothing()) return true;
+  if (!is_known_ && ChangesNothing(update)) return true;
   if (!registry_->Update(address_.root, address_.key, address_.name, update)) return false;
   for (const std::string& note : update.Notes()) log_->Note(note);
   base_ = std::move(text);

@@ -314,6 +314,8 @@ const Merge kContents[] = {
      R"(<STUDYAREA GUID='{A}'   NAME='_A_'> <E B="2" A="1"></E></STUDYAREA>)",
      R"(<STUDYAREA NAME="_A_" GUID="{A}"><E A='&#49;' B="2"/></STUDYAREA>)", In("<E A=\"3\"/>"),
      In("<E A=\"3\"/>")},
+    {"deleted, and there its properties in another order", Properties(P("a", "1") + P("b", "1")),
+     "", Properties(P("b", "1") + P("a", "1")) + kB, kB},
     {"deleted, and there the same in other words",
      R"(<STUDYAREA GUID='{A}' NAME='_A_'> <E B="2" A="1"></E></STUDYAREA>)", "",
      R"(<STUDYAREA NAME="_A_" GUID="{A}"><E A='&#49;' B="2"/></STUDYAREA>)" + kB, kB},
@@ -407,10 +409,10 @@ TEST_F(CatalogueUpdateTest, ATextWithoutARootHasOnePieceWithoutText) {
 }
 
 TEST_F(CatalogueUpdateTest, ChangesNothingWhenTheStudyAreasAreTheSame) {
-  EXPECT_TRUE(Update("", List("")).ChangesNothing());
-  EXPECT_TRUE(Update(List(kA), "<L X=\"1\">" + kA + "</L>").ChangesNothing());
-  EXPECT_FALSE(Update(List(kA), List("")).ChangesNothing());
-  EXPECT_FALSE(Update(List(kA), List(kARenamed)).ChangesNothing());
+  EXPECT_TRUE(ChangesNothing(Update("", List(""))));
+  EXPECT_TRUE(ChangesNothing(Update(List(kA), "<L X=\"1\">" + kA + "</L>")));
+  EXPECT_FALSE(ChangesNothing(Update(List(kA), List(""))));
+  EXPECT_FALSE(ChangesNothing(Update(List(kA), List(kARenamed))));
 }
 
 }  // namespace
