@@ -7,6 +7,7 @@
 #include "host/checks.h"
 #include "host/os.h"
 #include "host/output.h"
+#include "platform/file_names.h"
 #include "platform/utf8.h"
 #include "platform/xml/limits.h"
 
@@ -32,6 +33,12 @@ void RequireGuid(std::string_view text) {
 
 void RequireDeleted(bool deleted) {
   if (!deleted) throw Failure(ExitCode::kRefused, "The component did not delete it.");
+}
+
+void RemoveEmptyFolder(FileSystem& files, std::string_view folder) {
+  folder.remove_suffix(1);
+  const SearchPattern place = SplitPattern(folder);
+  files.OpenFolder(place.folder)->RemoveFolder(place.name);
 }
 
 void RequireConsent(std::string_view consequence) {

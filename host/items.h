@@ -107,6 +107,15 @@ void RequireFreeName(const ItemSource<Item>& source, std::string_view name,
   }
 }
 
+// The item that was just made under a name. Failure kRefused when the component does not have it.
+template <class Item>
+[[nodiscard]] std::shared_ptr<Item> NewItem(const ItemSource<Item>& source, std::string_view name) {
+  const auto items = ItemsNamed(source, name);
+  if (!items.empty()) return items.back();
+  throw Failure(ExitCode::kRefused,
+                fmt::format("The component did not keep the new {} {}.", source.kind, name));
+}
+
 // Failure kRefused when the component kept an item's old name.
 template <class Item>
 void RequireRenamed(Item& item, std::string_view name) {
@@ -122,6 +131,9 @@ void RequireGuid(std::string_view text);
 
 // Failure kRefused when the component answered that it did not delete an item.
 void RequireDeleted(bool deleted);
+
+// Removes a folder that is empty, given by its path with a separator at the end.
+void RemoveEmptyFolder(FileSystem& files, std::string_view folder);
 
 // Asks on the terminal whether to go on. Failure kUsage where nobody can be asked, kRefused when
 // the answer is not yes.

@@ -27,8 +27,10 @@ namespace kvdm::os {
 // Makes a folder, and those above it, where they are missing.
 void CreateFolders(const std::filesystem::path& folder);
 
-// The bytes of a regular file.
-[[nodiscard]] std::string ReadBytes(const std::filesystem::path& file);
+// The bytes of a regular file. errc::file_too_large when it has more than `most`; no more are read.
+inline constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
+[[nodiscard]] std::string ReadBytes(const std::filesystem::path& file,
+                                    std::size_t most = kMostBytes);
 
 // Puts a file with these bytes in the place of `file` in one step, with the permissions of what is
 // there and, as far as the process may, its owner; on return it is on the disk. What is there stays

@@ -1,6 +1,7 @@
 // A user's project, and the text that it is kept as.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
@@ -12,6 +13,9 @@
 namespace kvdm {
 
 inline constexpr int kProjectVersion = 1;
+
+// The largest project file that is read, or written.
+inline constexpr std::size_t kMaxProjectBytes = std::size_t{256} << 20U;
 
 struct Project {
   PropertySetMap::Properties settings;

@@ -115,6 +115,11 @@ std::string WayOut(const fs::path& file) {
       os::ToText(previous), os::ToText(file));
 }
 
+Failure TooLarge() {
+  return {ExitCode::kUnreadable,
+          fmt::format("It has more than the {} bytes that a project can have.", kMaxProjectBytes)};
+}
+
 }  // namespace
 
 fs::path Beside(const fs::path& file, std::string_view suffix) {
@@ -140,8 +145,9 @@ fs::path FindProjectFile(std::string_view given) {
 
 Project ReadProjectFile(const fs::path& file) {
   try {
-    return ParseProject(os::ReadBytes(file));
+    return ParseProject(os::ReadBytes(file, kMaxProjectBytes));
   } catch (const std::system_error& error) {
+    if (error.code() == std::errc::file_too_large) FailToOpen(file, TooLarge());
     throw Failure(ExitCode::kUnreadable, fmt::format("The project {} can't be read: {}.",
                                                      os::ToText(file), error.code().message()));
   } catch (const Failure& failure) {
@@ -156,8 +162,14 @@ void FailToOpen(const fs::path& file, const Failure& failure) {
 
 bool WriteProjectFile(const fs::path& file, const Project& project) {
   const std::string text = ProjectText(project);
+  if (text.size() > kMaxProjectBytes) {
+    throw Failure(ExitCode::kRefused, fmt::format("The project {} would have more than the {} "
+                                                  "bytes that a project can have. It is what it "
+                                                  "was before.",
+                                                  os::ToText(file), kMaxProjectBytes));
+  }
   try {
-    if (os::Exists(file) && os::ReadBytes(file) == text) return false;
+    if (os::Exists(file) && os::ReadBytes(file, kMaxProjectBytes) == text) return false;
     os::Replace(file, text, Beside(file, ".bak"));
     return true;
   } catch (const std::system_error& error) {

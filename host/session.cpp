@@ -4,6 +4,7 @@
 
 #include "host/os.h"
 #include "host/project_file.h"
+#include "util/guard.h"
 
 namespace kvdm {
 namespace {
@@ -27,9 +28,15 @@ ChangeLock::ChangeLock(const std::filesystem::path& project_file)
 Session::Session(const std::filesystem::path& file, Output& out)
     : file_(file), project_(ReadProjectFile(file_)), component_(Start(file_, project_, out)) {}
 
+Session::~Session() {
+  for (const auto& undo : undos_) guard::Skipping(undo);
+}
+
 bool Session::Save() {
   component_.SaveTo(project_);
-  return WriteProjectFile(file_, project_);
+  const bool written = WriteProjectFile(file_, project_);
+  undos_.clear();
+  return written;
 }
 
 }  // namespace kvdm

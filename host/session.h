@@ -2,7 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "host/hosted_component.h"
 #include "host/output.h"
@@ -25,6 +28,10 @@ class Session {
  public:
   // Opens a project file and starts the component.
   Session(const std::filesystem::path& file, Output& out);
+  // Takes back what is to be taken back. What fails in that stays.
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
 
   [[nodiscard]] const std::filesystem::path& File() const { return file_; }
   [[nodiscard]] const Project& GetProject() const { return project_; }
@@ -33,11 +40,14 @@ class Session {
 
   // Saves what was changed; True when the project file was written.
   bool Save();
+  // Has `undo` called when the session ends unsaved: for what a command makes outside the project.
+  void UnlessSaved(std::function<void()> undo) { undos_.push_back(std::move(undo)); }
 
  private:
   std::filesystem::path file_;
   Project project_;
   HostedComponent component_;
+  std::vector<std::function<void()>> undos_;
 };
 
 }  // namespace kvdm

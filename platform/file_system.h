@@ -82,7 +82,8 @@ class FileSystem {
   // is no folder.
   virtual std::unique_ptr<Directory> OpenFolder(std::string_view path) = 0;
 
-  // The bytes of a file; nothing when it is missing or can't be read.
+  // The bytes of a file; nothing when it is missing or can't be read. Of a file that is longer than
+  // documents may be (platform/xml/limits.h) as many bytes as they may have, and one more.
   virtual std::optional<std::string> ReadFile(std::string_view path) = 0;
 
   // Replaces the file as a whole: after a failure the old content stands. Run-time error 76 when

@@ -55,7 +55,9 @@ class AnalysisCreate : public ChangingCommand {
                                 name_));
     }
     const auto source = Analyses(session);
-    const auto analysis = ItemsNamed(source, name_).back();
+    const auto analysis = NewItem(source, name_);
+    session.UnlessSaved([&files = *session.Component().GetServices().platform.files,
+                         folder = analysis->AnalysisDir()] { RemoveEmptyFolder(files, folder); });
     out.Done(source.describe(*analysis),
              fmt::format("Created the analysis {} in {}.", name_, analysis->AnalysisDir()));
   }

@@ -7,6 +7,7 @@
 #include "host/os.h"
 #include "host/sources.h"
 #include "platform/portable/value_set.h"
+#include "platform/xml/limits.h"
 
 namespace kvdm {
 namespace {
@@ -34,7 +35,7 @@ Json ToJson(NamedValueSet& set) {
 
 Json ReadJson(const std::string& file) {
   try {
-    return ParseJson(os::ReadBytes(os::ToPath(file)));
+    return ParseJson(os::ReadBytes(os::ToPath(file), xml::kMaxDocumentBytes));
   } catch (const Failure& failure) {
     Unreadable(file, failure.what());
   } catch (const std::system_error& error) {

@@ -68,12 +68,16 @@ class AreaCreate : public ChangingCommand {
   void Run(Session& session, Output& out) override {
     RequireFreeName(StudyAreas(session), name_);
     const bool complete = StudyAreaCollection(session)->CreateStudyArea(name_);
-    const auto area = FindItem(StudyAreas(session), name_);
+    const auto area = NewItem(StudyAreas(session), name_);
+    session.UnlessSaved([&session, guid = area->GUID(), folder = area->StudyAreaDir()] {
+      StudyAreaCollection(session)->DeleteStudyAreaByGUID(guid);
+      RemoveEmptyFolder(*session.Component().GetServices().platform.files, folder);
+    });
     if (!complete) {
       throw Failure(ExitCode::kRefused,
-                    fmt::format("The study area {} was recorded, but its folder {} could not be "
-                                "made. Delete it with 'kvdm area delete' before trying again.",
-                                name_, area->StudyAreaDir()));
+                    fmt::format("The folder {} of the study area {} could not be made, so there is "
+                                "no new study area.",
+                                area->StudyAreaDir(), name_));
     }
     out.Done(StudyAreas(session).describe(*area),
              fmt::format("Created the study area {} in {}.", name_, area->StudyAreaDir()));

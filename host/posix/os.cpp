@@ -94,9 +94,11 @@ void CreateFolders(const std::filesystem::path& folder) {
   if (failed) Fail(folder, failed.value());
 }
 
-std::string ReadBytes(const std::filesystem::path& file) {
+std::string ReadBytes(const std::filesystem::path& file, std::size_t most) {
   const FileDescriptor source = OpenRegular(file, O_RDONLY);
-  return Naming(file, [&] { return ReadAll(source.get()); });
+  std::string bytes = Naming(file, [&] { return ReadAll(source.get(), most + 1); });
+  if (bytes.size() > most) Fail(file, EFBIG);
+  return bytes;
 }
 
 void Replace(const std::filesystem::path& file, std::string_view bytes,

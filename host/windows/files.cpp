@@ -128,9 +128,11 @@ void CreateFolders(const fs::path& folder) {
   if (!IsFolder(folder)) Fail(folder, why);
 }
 
-std::string ReadBytes(const fs::path& file) {
+std::string ReadBytes(const fs::path& file, std::size_t most) {
   const FileHandle source = OpenRegular(file, GENERIC_READ, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
-  return Naming(file, [&] { return ReadAll(source); });
+  std::string bytes = Naming(file, [&] { return ReadAll(source, most + 1); });
+  if (bytes.size() > most) Fail(file, make_error_condition(std::errc::file_too_large));
+  return bytes;
 }
 
 void Replace(const fs::path& file, std::string_view bytes, const fs::path& previous) {

@@ -5,6 +5,7 @@
 #include "platform/error.h"
 #include "platform/portable/value_element.h"
 #include "platform/portable/value_set.h"
+#include "platform/xml/limits.h"
 
 namespace kvdm {
 namespace {
@@ -62,6 +63,10 @@ void SidecarMetadata::KeepForeignFile() const {
   const auto bytes = files_->ReadFile(path_);
   if (!bytes && !Exists(path_)) return;
   if (!bytes) throw RuntimeError(kPermissionDenied, {}, "Permission denied: " + path_);
+  // Only its beginning was read, which is no copy.
+  if (bytes->size() > xml::kMaxInputBytes) {
+    throw RuntimeError(kOutOfMemory, {}, path_ + " is too long to be kept");
+  }
   try {
     static_cast<void>(Parsed(*bytes));
   } catch (const RuntimeError&) {

@@ -13,6 +13,7 @@
 #include "platform/posix/posix_directory.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/replace_file.h"
+#include "platform/xml/limits.h"
 
 namespace kvdm {
 namespace {
@@ -21,12 +22,13 @@ FileDescriptor Readable(const FileDescriptor& folder) {
   return OpenAt(folder.get(), ".", O_RDONLY | O_DIRECTORY);
 }
 
-// A pipe without a writer must not block, hence O_NONBLOCK.
+// A pipe without a writer must not block, hence O_NONBLOCK. Of a file that is longer than documents
+// may be enough is read for whoever parses it to see that.
 std::optional<std::string> ReadRegularFile(int folder, const std::string& name) {
   const FileDescriptor file = OpenAt(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
   struct stat status {};
   if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-  return ReadAll(file.get());
+  return ReadAll(file.get(), xml::kMaxInputBytes + 1);
 }
 
 void RequireReplaceable(const EntryFacts& old, std::string_view path) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <tuple>
@@ -45,7 +46,7 @@ class TemporaryFile {
     }
     if (::fsync(file_.get()) != 0) ThrowSystemError(errno);
     if (::lseek(file_.get(), 0, SEEK_SET) != 0) ThrowSystemError(errno);
-    if (ReadAll(file_.get()) != bytes) ThrowSystemError(EIO);
+    if (ReadAll(file_.get(), bytes.size() + 1) != bytes) ThrowSystemError(EIO);
   }
 
   void MoveTo(const std::string& name) {
@@ -95,15 +96,17 @@ void SyncFolder(int folder) {
 
 }  // namespace
 
-std::string ReadAll(int file) {
+std::string ReadAll(int file, std::size_t most) {
   std::string content;
   std::array<char, 65536> buffer;
-  while (true) {
-    const ssize_t size = ::read(file, buffer.data(), buffer.size());
-    if (size == 0) return content;
+  while (content.size() < most) {
+    const std::size_t wanted = std::min(buffer.size(), most - content.size());
+    const ssize_t size = ::read(file, buffer.data(), wanted);
+    if (size == 0) break;
     if (size < 0 && errno != EINTR) ThrowSystemError(errno);
     if (size > 0) content.append(buffer.data(), static_cast<std::size_t>(size));
   }
+  return content;
 }
 
 void ReplaceFile(int folder, const std::string& name, std::string_view bytes,

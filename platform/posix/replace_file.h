@@ -15,7 +15,7 @@ namespace kvdm {
 void ReplaceFile(int folder, const std::string& name, std::string_view bytes,
                  const std::optional<EntryFacts>& old, const std::string& previous = {});
 
-// What is left to read of an open file.
-[[nodiscard]] std::string ReadAll(int file);
+// What is left to read of an open file, but no more than `most` bytes.
+[[nodiscard]] std::string ReadAll(int file, std::size_t most = std::string::npos);
 
 }  // namespace kvdm

@@ -80,7 +80,7 @@ class TemporaryFile {
     }
     if (::FlushFileBuffers(file_.get()) == FALSE) ThrowLastError();
     if (::SetFilePointerEx(file_.get(), {}, nullptr, FILE_BEGIN) == FALSE) ThrowLastError();
-    if (ReadAll(file_) != bytes) ThrowSystemError(ERROR_CRC);
+    if (ReadAll(file_, bytes.size() + 1) != bytes) ThrowSystemError(ERROR_CRC);
   }
 
   void MoveTo(const std::wstring& path) {
@@ -114,17 +114,17 @@ void KeepAs(const std::wstring& path, const std::wstring& second) {
 
 }  // namespace
 
-std::string ReadAll(const FileHandle& file) {
+std::string ReadAll(const FileHandle& file, std::size_t most) {
   std::string content;
   std::array<char, 65536> buffer;
-  while (true) {
+  while (content.size() < most) {
+    const auto wanted = static_cast<DWORD>(std::min(buffer.size(), most - content.size()));
     DWORD size = 0;
-    if (::ReadFile(file.get(), buffer.data(), buffer.size(), &size, nullptr) == FALSE) {
-      ThrowLastError();
-    }
-    if (size == 0) return content;
+    if (::ReadFile(file.get(), buffer.data(), wanted, &size, nullptr) == FALSE) ThrowLastError();
+    if (size == 0) break;
     content.append(buffer.data(), size);
   }
+  return content;
 }
 
 void SaveFile(const std::wstring& path, std::string_view bytes, const std::wstring& previous) {

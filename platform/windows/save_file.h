@@ -13,7 +13,7 @@ namespace kvdm {
 // That stays as `previous`, unless that is "". After a failure the file is as before.
 void SaveFile(const std::wstring& path, std::string_view bytes, const std::wstring& previous = {});
 
-// What is left to read of an open file.
-[[nodiscard]] std::string ReadAll(const FileHandle& file);
+// What is left to read of an open file, but no more than `most` bytes.
+[[nodiscard]] std::string ReadAll(const FileHandle& file, std::size_t most = std::string::npos);
 
 }  // namespace kvdm

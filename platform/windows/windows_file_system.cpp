@@ -15,6 +15,7 @@
 #include "platform/windows/win32_error.h"
 #include "platform/windows/windows_directory.h"
 #include "platform/windows/windows_paths.h"
+#include "platform/xml/limits.h"
 
 namespace kvdm {
 namespace {
@@ -97,7 +98,7 @@ std::optional<std::string> WindowsFileSystem::ReadFile(std::string_view path) {
                                         nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
                                         nullptr));
     if (!file.is_open()) return std::nullopt;
-    return ReadAll(file);
+    return ReadAll(file, xml::kMaxInputBytes + 1);
   } catch (const std::system_error&) {
     return std::nullopt;  // Missing or unreadable, which is one answer here.
   }
