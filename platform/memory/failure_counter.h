@@ -16,7 +16,7 @@ struct FailureCounter {
   int calls = 0;
   int fail_at = 0;  // The number of the call that fails, counted from 1; 0: none.
   // What the chosen call does instead of failing, before it goes on: throw, or call back.
-  std::function<void()> instead;
+  std::function<void()> instead = {};
   // The chosen call fails no other way than by giving Nothing for an object, none of several
   // values, and lists of uneven length.
   bool gives_nothing = false;
