@@ -1,15 +1,10 @@
 // Whatever is loaded can be saved, loaded and saved again with identical bytes; and the pieces of a
 // text are those that a parser reports.
-//
-// Without KVDM_FUZZ_REPLAY a libFuzzer target; with it a program that runs the files named as its
-// arguments.
-#include <cstdint>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 
+#include "fuzz/fuzzer.h"
 #include "platform/posix/libxml_parser.h"
 #include "platform/xml/document.h"
 #include "platform/xml/namespace_check.h"
@@ -37,33 +32,13 @@ void CheckPieces(std::string_view text) {
   if (read.notes != parsed.notes) std::abort();
 }
 
-void Check(std::string_view bytes) {
-  CheckPieces(bytes);
-  LibxmlParser parser;
-  Document document;
-  if (document.LoadXml(parser, bytes)) CheckSavedForm(document);
-  if (document.Load(parser, bytes)) CheckSavedForm(document);
-}
-
 }  // namespace
 }  // namespace kvdm::xml
 
-#ifdef KVDM_FUZZ_REPLAY
-
-int main(int argc, char** argv) {
-  for (int i = 1; i < argc; ++i) {
-    std::ifstream file(argv[i], std::ios::binary);
-    if (!file) return EXIT_FAILURE;
-    kvdm::xml::Check(std::string(std::istreambuf_iterator<char>(file), {}));
-  }
-  return EXIT_SUCCESS;
+void kvdm::fuzz::Check(std::string_view bytes) {
+  xml::CheckPieces(bytes);
+  LibxmlParser parser;
+  xml::Document document;
+  if (document.LoadXml(parser, bytes)) xml::CheckSavedForm(document);
+  if (document.Load(parser, bytes)) xml::CheckSavedForm(document);
 }
-
-#else
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  kvdm::xml::Check({reinterpret_cast<const char*>(data), size});
-  return 0;
-}
-
-#endif
