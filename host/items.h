@@ -12,6 +12,7 @@
 #include "datamanager/interfaces.h"
 #include "host/failure.h"
 #include "host/record.h"
+#include "platform/file_system.h"
 
 namespace kvdm {
 
