@@ -8,6 +8,7 @@
 #include "host/metadata_text.h"
 #include "host/os.h"
 #include "platform/portable/variant_list.h"
+#include "util/registry_strings.h"
 
 namespace kvdm {
 namespace {
@@ -62,6 +63,19 @@ void HostedComponent::RequireRegistry() const {
   }
 }
 
+void HostedComponent::RequireRegistryForStudyArea() {
+  if (!CurrentStudyArea().empty()) RequireRegistry();
+}
+
+std::vector<KeptValue> HostedComponent::KeptStudyAreas() const {
+  try {
+    return services_.registry->Kept(RegistryRoot::kLocalMachine, kRegistryKey,
+                                    kStudyAreaCollectionValue);
+  } catch (const RuntimeError&) {
+    return {};  // The registry that is watched knows why.
+  }
+}
+
 std::string HostedComponent::CurrentStudyArea() {
   return ToText(state_->GetProperty(kStudyAreaState));
 }
@@ -78,7 +92,7 @@ void HostedComponent::SaveTo(Project& project) {
   }
   if (const auto& refused = services_.registry->Refused()) {
     throw Failure(ExitCode::kRefused,
-                  fmt::format("The study areas can't be saved. {}", RegistrySentence(*refused)));
+                  fmt::format("The change was not saved. {}", RegistrySentence(*refused)));
   }
   // Values after those that the component writes are another program's, and stay.
   const auto written = stream->Values();

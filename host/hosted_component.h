@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "datamanager/interfaces.h"
 #include "host/output.h"
@@ -34,8 +35,12 @@ class HostedComponent {
   // Failure kRefused when the component has no working directory to work in.
   void RequireWorkingDirectory();
 
-  // Failure kUnreadable when the component started without what the registry holds.
+  // Failure kUnreadable when something of the registry could not be read.
   void RequireRegistry() const;
+  // The same when a study area is open: then the registry says where its files are.
+  void RequireRegistryForStudyArea();
+  // What was kept of the list of study areas; nothing when the registry can't be read.
+  [[nodiscard]] std::vector<KeptValue> KeptStudyAreas() const;
 
   [[nodiscard]] std::string CurrentStudyArea();
   void SetCurrentStudyArea(std::string_view name);

@@ -2,41 +2,50 @@
 
 #include <fmt/format.h>
 
+#include "platform/portable/catalogue_update.h"
+
 namespace kvdm {
 
-std::optional<RegistryValue> WatchedRegistry::Read(RegistryRoot root, std::string_view key,
-                                                   std::string_view name) {
+template <class Operation>
+auto WatchedRegistry::Reading(Operation operation) {
+  if (unread_) ThrowUnreadable(*unread_);
   try {
-    return registry_->Read(root, key, name);
+    return operation();
   } catch (const std::exception&) {
-    if (!unread_) unread_ = registry_->Condition();
+    unread_ = registry_->Condition();
     throw;
   }
 }
 
-bool WatchedRegistry::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
-                                std::string_view text) {
-  return Noted(registry_->WriteText(root, key, name, text));
-}
-
-bool WatchedRegistry::Update(RegistryRoot root, std::string_view key, std::string_view name,
-                             const TextUpdate& update) {
-  return Noted(registry_->Update(root, key, name, update));
+std::optional<RegistryValue> WatchedRegistry::Read(RegistryRoot root, std::string_view key,
+                                                   std::string_view name) {
+  return Reading([&] { return registry_->Read(root, key, name); });
 }
 
 std::vector<KeptValue> WatchedRegistry::Kept(RegistryRoot root, std::string_view key,
                                              std::string_view name) {
-  return registry_->Kept(root, key, name);
+  return Reading([&] { return registry_->Kept(root, key, name); });
+}
+
+bool WatchedRegistry::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
+                                std::string_view text) {
+  const bool written = registry_->WriteText(root, key, name, text);
+  if (!written) refused_text_ = registry_->Condition();
+  return written;
+}
+
+// An update holds what those before it could not write.
+bool WatchedRegistry::Update(RegistryRoot root, std::string_view key, std::string_view name,
+                             const TextUpdate& update) {
+  const bool written = registry_->Update(root, key, name, update);
+  refused_update_.reset();
+  if (!written && !ChangesNothing(update)) refused_update_ = registry_->Condition();
+  return written;
 }
 
 RegistryCondition WatchedRegistry::Condition() const { return registry_->Condition(); }
 
 bool WatchedRegistry::Holds(char32_t character) const { return registry_->Holds(character); }
-
-bool WatchedRegistry::Noted(bool written) {
-  refused_ = written ? std::nullopt : std::optional(registry_->Condition());
-  return written;
-}
 
 Services Watching(Platform platform) {
   const auto watched = std::make_shared<WatchedRegistry>(platform.registry);

@@ -15,7 +15,8 @@
 
 namespace kvdm {
 
-// Passes everything on, and remembers what was refused: the component does not ask.
+// Passes everything on, and remembers what was refused: the component does not ask. After a read
+// that failed no other one is tried, as each may have to wait.
 class WatchedRegistry : public Registry {
  public:
   explicit WatchedRegistry(std::shared_ptr<Registry> registry) : registry_(std::move(registry)) {}
@@ -31,16 +32,20 @@ class WatchedRegistry : public Registry {
   [[nodiscard]] RegistryCondition Condition() const override;
   [[nodiscard]] bool Holds(char32_t character) const override;
 
-  // What the last write found, if it was refused.
-  [[nodiscard]] const std::optional<RegistryCondition>& Refused() const { return refused_; }
-  // What the first read that failed found.
+  // What a write found that was refused, if a later one did not make up for it.
+  [[nodiscard]] const std::optional<RegistryCondition>& Refused() const {
+    return refused_text_ ? refused_text_ : refused_update_;
+  }
+  // What the read that failed found.
   [[nodiscard]] const std::optional<RegistryCondition>& Unread() const { return unread_; }
 
  private:
-  bool Noted(bool written);
+  template <class Operation>
+  auto Reading(Operation operation);
 
   std::shared_ptr<Registry> registry_;
-  std::optional<RegistryCondition> refused_;
+  std::optional<RegistryCondition> refused_text_;
+  std::optional<RegistryCondition> refused_update_;
   std::optional<RegistryCondition> unread_;
 };
 

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <system_error>
+
 #include "host/os.h"
 #include "host/project_file.h"
 #include "util/guard.h"
@@ -17,13 +19,25 @@ HostedComponent Start(const std::filesystem::path& file, const Project& project,
   }
 }
 
+// None where there can't be one: then the registry can't be written either, which is the concern of
+// those who need it.
+std::shared_ptr<void> LockRegistry() {
+  const auto file = RegistryLockFile();
+  try {
+    os::CreateFolders(file.parent_path());
+    static_cast<void>(os::TryLock(file));
+  } catch (const std::system_error&) {
+    return nullptr;
+  }
+  return WaitForLock(file, fmt::format("The list of study areas in {}", RegistryPlace()));
+}
+
 }  // namespace
 
 ChangeLock::ChangeLock(const std::filesystem::path& project_file)
     : project_(WaitForLock(Beside(project_file, ".lock"),
                            fmt::format("The project {}", os::ToText(project_file)))),
-      registry_(WaitForLock(RegistryLockFile(),
-                            fmt::format("The list of study areas in {}", RegistryPlace()))) {}
+      registry_(LockRegistry()) {}
 
 Session::Session(const std::filesystem::path& file, Output& out)
     : file_(file), project_(ReadProjectFile(file_)), component_(Start(file_, project_, out)) {}

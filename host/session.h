@@ -14,9 +14,10 @@
 namespace kvdm {
 
 // Holds off other processes that change the project or the study areas, which all projects share.
+// Where there can be no lock for the study areas, what guards the registry itself must do.
 class ChangeLock {
  public:
-  // Failure kRefused when another process keeps them for long.
+  // Failure kRefused when another process keeps them for long, or the project can't be locked.
   explicit ChangeLock(const std::filesystem::path& project_file);
 
  private:

@@ -18,8 +18,7 @@ std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection(Session& session) {
 }
 
 std::shared_ptr<IKVAnalysisCollection> AnalysisCollection(Session& session) {
-  // The open study area says where new analyses go.
-  if (!session.Component().CurrentStudyArea().empty()) session.Component().RequireRegistry();
+  session.Component().RequireRegistryForStudyArea();
   return Reached(session.Manager().AnalysisCollection(), "analysis");
 }
 

@@ -13,9 +13,10 @@ class AliasShow : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    session.Component().RequireRegistry();
     AreaRegistry& registry = RegistryOf(session);
-    out.Fields({{"customer", registry.CustomerAlias()}, {"store", registry.StoreAlias()}});
+    const Record words = {{"customer", registry.CustomerAlias()}, {"store", registry.StoreAlias()}};
+    session.Component().RequireRegistry();
+    out.Fields(words);
   }
 };
 
@@ -39,6 +40,7 @@ class AliasSet : public ChangingCommand {
       throw Failure(ExitCode::kUsage, "KIND is customer or store.");
     }
     const std::string word = kind_ == "store" ? registry.StoreAlias() : registry.CustomerAlias();
+    session.Component().RequireRegistry();
     if (!word_.empty() && word != word_) {
       throw Failure(ExitCode::kRefused,
                     fmt::format("The registry took over {} in place of {}.", word, word_));

@@ -4,7 +4,6 @@
 #include "host/commands/groups.h"
 #include "host/project_file.h"
 #include "platform/xml/document.h"
-#include "util/registry_strings.h"
 #include "util/tags.h"
 
 namespace kvdm {
@@ -23,11 +22,11 @@ class CatalogueHistory : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    session.Component().RequireRegistry();
     const Platform& platform = session.Component().GetServices().platform;
+    const auto all = session.Component().KeptStudyAreas();
+    session.Component().RequireRegistry();
     std::vector<Record> items;
-    for (const KeptValue& kept : platform.registry->Kept(RegistryRoot::kLocalMachine, kRegistryKey,
-                                                         kStudyAreaCollectionValue)) {
+    for (const KeptValue& kept : all) {
       xml::Document document;
       document.LoadXml(*platform.xml_parser, kept.value.data);
       items.push_back({{"kept_at", kept.when},

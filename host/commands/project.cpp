@@ -69,10 +69,10 @@ class ProjectShow : public ReadingCommand {
     for (const Value& value : session.GetProject().values) {
       if (value.IsText()) metadata += ToText(value);
     }
-    session.Component().RequireRegistry();
     auto& registry = *session.Component().GetServices().platform.registry;
     const std::string catalogue = ToText(ReadRegistryString(
         registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));
+    session.Component().RequireRegistry();
     out.Text({{"metadata", metadata}, {"catalogue", catalogue}},
              Readable("The metadata document, in the project file:", metadata) + "\n\n" +
                  Readable("The study area catalogue, in the registry:", catalogue));

@@ -22,13 +22,12 @@ bool IsCatalogueDamaged(const Platform& platform) {
 }
 
 // The catalogues that were kept as a whole.
-std::vector<Record> KeptCatalogues(const Platform& platform) {
+std::vector<Record> KeptCatalogues(const HostedComponent& component) {
+  XmlParser& parser = *component.GetServices().platform.xml_parser;
   std::vector<Record> records;
-  for (const KeptValue& kept : platform.registry->Kept(RegistryRoot::kLocalMachine, kRegistryKey,
-                                                       kStudyAreaCollectionValue)) {
+  for (const KeptValue& kept : component.KeptStudyAreas()) {
     const std::string& text = kept.value.data;
-    if (kept.value.type == RegistryType::kText && xml::IsWellFormed(*platform.xml_parser, text))
-      continue;
+    if (kept.value.type == RegistryType::kText && xml::IsWellFormed(parser, text)) continue;
     records.push_back({{"kept_at", kept.when}, {"bytes", static_cast<std::int64_t>(text.size())}});
   }
   return records;
@@ -47,8 +46,9 @@ class Status : public ReadingCommand {
   void Run(Session& session, Output& out) override {
     HostedComponent& component = session.Component();
     const Services& services = component.GetServices();
+    const auto kept = KeptCatalogues(component);
+    const bool damaged = IsCatalogueDamaged(services.platform);
     const auto unread = services.registry->Unread();
-    const bool damaged = !unread && IsCatalogueDamaged(services.platform);
     out.Fields({{"project", os::ToText(session.File())},
                 {"working_directory", session.Manager().WorkingDirectory()},
                 {"working_directory_found", component.WorkingDirectoryWasThere()},
@@ -59,7 +59,7 @@ class Status : public ReadingCommand {
                 {"registry_state", std::string(unread.value_or(RegistryCondition{}).Name())},
                 {"catalogue_damaged", unread ? Field() : Field(damaged)}});
     if (unread) return Output::Tell("kvdm: " + RegistrySentence(*unread));
-    out.Section("damaged_catalogues", KeptCatalogues(services.platform));
+    out.Section("damaged_catalogues", kept);
     const std::string missing = damaged ? "" : MissingCurrentArea(session);
     if (!missing.empty()) Output::Tell("kvdm: " + missing);
     if (damaged) {

@@ -9,6 +9,7 @@ namespace {
 
 std::shared_ptr<IKVTablesManager> TablesManager(Session& session) {
   session.Component().RequireWorkingDirectory();
+  session.Component().RequireRegistryForStudyArea();
   RequireCurrentArea(session);
   if (auto tables = session.Manager().TablesManager()) return tables;
   throw Failure(ExitCode::kRefused, "The tables can't be reached. 'kvdm status' tells more.");

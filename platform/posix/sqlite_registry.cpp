@@ -99,8 +99,10 @@ void RequireStore(const SqliteDatabase& database) {
 bool IsThere(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
-    if (errno == ENOENT) return false;
-    ThrowSystemError(errno);
+    if (errno != ENOENT) ThrowSystemError(errno);
+    // A link may lead to a disk that is missing for now.
+    if (::lstat(path.c_str(), &status) != 0) return false;
+    throw UnusableFile(RegistryState::kFailing, "a link in its place leads nowhere");
   }
   if (!S_ISREG(status.st_mode)) {
     throw UnusableFile(RegistryState::kNotADatabase, "there is something else than a file");
