@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <new>
 #include <system_error>
@@ -16,6 +17,29 @@
 
 namespace kvdm {
 namespace {
+
+bool g_json = false;
+
+// Ends the program when memory runs out. Libraries can't all go on after that: some would end it by
+// a signal, and answers that are made of what is left would not be true. The stores outlive an end
+// at any moment. Needs no memory.
+[[noreturn]] void EndWithoutMemory() {
+  std::fputs(
+      "kvdm: Memory ran out, and kvdm ended at once. Close other programs, look with "
+      "'kvdm status' whether anything was done, and try again.\n",
+      stderr);
+  if (g_json) {
+    std::puts(R"({"error": {"code": 1, "message": "Memory ran out.", "number": null}})");
+    std::fflush(stdout);
+  }
+  std::_Exit(static_cast<int>(ExitCode::kRefused));
+}
+
+struct MemoryHandler {
+  MemoryHandler() { std::set_new_handler(EndWithoutMemory); }
+};
+// Made before the objects of libraries, which allocate too.
+[[maybe_unused, gnu::init_priority(101)]] const MemoryHandler g_memory_handler;
 
 struct GlobalOptions {
   std::string project;
@@ -95,14 +119,17 @@ int RunCommand(const CommandGroup::Chosen& chosen, const Invocation& invocation)
   }
 }
 
-int ParseAndRun(std::vector<std::string> arguments) {
+}  // namespace
+
+int RunCommandLine(std::vector<std::string> arguments) {
+  g_json = HasJsonFlag(arguments);
   GlobalOptions options;
   CLI::App app("Keeps the study areas, analyses and layers of market-analysis projects.");
   Declare(app, options);
   CommandGroup::Chosen chosen;
   for (const auto add : kCommandGroups) add(CommandGroup(app, chosen));
 
-  Output usage({HasJsonFlag(arguments), false, false});
+  Output usage({g_json, false, false});
   if (!std::all_of(arguments.begin(), arguments.end(), IsValidUtf8)) {
     return usage.PrintFailure("kvdm", {ExitCode::kUsage, "An argument is not UTF-8 text."});
   }
@@ -117,32 +144,6 @@ int ParseAndRun(std::vector<std::string> arguments) {
   options.output.bold = IsBold();
   Output out(options.output);
   return RunCommand(chosen, {options.project, out});
-}
-
-// The last word of a program that has no memory to print one as it prints the others.
-int GiveUp(bool json, const char* reason) {
-  std::fprintf(stderr, "kvdm: %s\n", reason);
-  if (json) {
-    std::puts(R"({"error": {"code": 1, "message": "kvdm could not go on.", "number": null}})");
-  }
-  return static_cast<int>(ExitCode::kRefused);
-}
-
-}  // namespace
-
-int RunCommandLine(const std::function<std::vector<std::string>()>& arguments) {
-  bool json = false;
-  try {
-    auto given = arguments();
-    json = HasJsonFlag(given);
-    return ParseAndRun(std::move(given));
-  } catch (const std::bad_alloc&) {
-    return GiveUp(json,
-                  "Memory ran out. Close other programs, look with 'kvdm status' whether anything "
-                  "was done, and try again.");
-  } catch (const std::exception& error) {
-    return GiveUp(json, error.what());
-  }
 }
 
 }  // namespace kvdm

@@ -1,14 +1,13 @@
 // The program `kvdm`: its command line, and what becomes of errors.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace kvdm {
 
-// Runs the command line that `arguments` gives, the program's own name left out. Answers the exit
-// status, also when memory runs out at any moment, `arguments` included.
-int RunCommandLine(const std::function<std::vector<std::string>()>& arguments);
+// Runs the command line `arguments`, the program's own name left out. Answers the exit status.
+// Where memory runs out, here or before, the program ends at once with a sentence and status 1.
+int RunCommandLine(std::vector<std::string> arguments);
 
 }  // namespace kvdm

@@ -31,9 +31,7 @@ class ComApartment {
 extern "C" int wmain(int count, wchar_t** words) {
   const kvdm::Console console;
   const ComApartment apartment;
-  return kvdm::RunCommandLine([&] {
-    std::vector<std::string> arguments;
-    for (int i = 1; i < count; ++i) arguments.push_back(kvdm::os::ToText(words[i]));
-    return arguments;
-  });
+  std::vector<std::string> arguments;
+  for (int i = 1; i < count; ++i) arguments.push_back(kvdm::os::ToText(words[i]));
+  return kvdm::RunCommandLine(std::move(arguments));
 }
