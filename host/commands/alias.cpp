@@ -41,7 +41,8 @@ class AliasSet : public ChangingCommand {
     }
     const std::string word = kind_ == "store" ? registry.StoreAlias() : registry.CustomerAlias();
     session.Component().RequireRegistry();
-    if (!word_.empty() && word != word_) {
+    const bool refused = session.Component().GetServices().registry->Refused().has_value();
+    if (!refused && !word_.empty() && word != word_) {
       throw Failure(ExitCode::kRefused,
                     fmt::format("The registry took over {} in place of {}.", word, word_));
     }

@@ -248,8 +248,8 @@ std::vector<Scenario> DocumentScenarios() {
 
 // How folders are walked, and how one identifier is made.
 bool IsLeftOut(std::string_view call) {
-  constexpr std::string_view kWalking[] = {"files.OpenFolder", "folder.Open", "folder.Files",
-                                           "folder.Entries", "identifier."};
+  constexpr std::string_view kWalking[] = {"files.OpenFolder", "folder.Enter",   "folder.Leave",
+                                           "folder.Files",     "folder.Entries", "identifier."};
   return std::ranges::any_of(kWalking,
                              [&](std::string_view name) { return call.starts_with(name); });
 }
