@@ -48,6 +48,12 @@ std::string AttributeText(std::string_view value) {
   }
 }
 
+// As `operator new` does.
+[[noreturn]] void FailForMemory() {
+  if (const auto handler = std::get_new_handler()) handler();
+  throw std::bad_alloc();
+}
+
 // One parse: passes the library's callbacks on to the handler. The first failure ends it.
 class Run {
  public:
@@ -62,7 +68,7 @@ class Run {
     if (thrown_) std::rethrow_exception(thrown_);
     // Without memory the text was not judged. A well-formed one has an element.
     const bool is_judged = context_->wellFormed == 0 || failed_ || has_element_;
-    if (!is_judged || context_->errNo == XML_ERR_NO_MEMORY) throw std::bad_alloc();
+    if (!is_judged || context_->errNo == XML_ERR_NO_MEMORY) FailForMemory();
     return context_->wellFormed != 0 && !failed_;
   }
 
@@ -184,7 +190,7 @@ void Run::OnError(void* user_data, xmlErrorPtr error) {
 bool LibxmlParser::Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) {
   return ParseDecoded(text, encoding, [&handler](std::string_view utf8) {
     const Context context(xmlNewParserCtxt());
-    if (!context) throw std::bad_alloc();
+    if (!context) FailForMemory();
     return Run(context.get(), handler).Parse(utf8);
   });
 }

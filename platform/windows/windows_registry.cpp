@@ -1,7 +1,9 @@
 #include "platform/windows/windows_registry.h"
 
-#include <sddl.h>
 #include <windows.h>
+
+// Needs the types of <windows.h>.
+#include <sddl.h>
 
 #include <algorithm>
 #include <array>
