@@ -337,10 +337,7 @@ class Merge {
 
 }  // namespace
 
-std::string UpToNul(std::string text) {
-  text.resize(std::min(text.size(), text.find('\0')));
-  return text;
-}
+std::string UpToNul(std::string_view text) { return std::string(text.substr(0, text.find('\0'))); }
 
 bool ChangesNothing(const TextUpdate& update) {
   const auto areas = [](std::vector<TextUpdate::Piece> pieces) {
@@ -350,12 +347,9 @@ bool ChangesNothing(const TextUpdate& update) {
   return areas(update.Base()) == areas(update.Wanted());
 }
 
-CatalogueUpdate::CatalogueUpdate(XmlParser& parser, std::string base, std::string wanted,
+CatalogueUpdate::CatalogueUpdate(XmlParser& parser, std::string_view base, std::string wanted,
                                  std::function<bool(char32_t)> holds)
-    : parser_(parser),
-      base_(UpToNul(std::move(base))),
-      wanted_(std::move(wanted)),
-      holds_(std::move(holds)) {}
+    : parser_(parser), base_(UpToNul(base)), wanted_(std::move(wanted)), holds_(std::move(holds)) {}
 
 std::vector<TextUpdate::Piece> CatalogueUpdate::PiecesOf(const std::string& text) const {
   const Catalogue catalogue(parser_, text);
@@ -375,7 +369,8 @@ TextUpdate::Outcome CatalogueUpdate::On(const std::optional<RegistryValue>& stor
   if (stored->type != RegistryType::kText) return {wanted_, true};
   const std::string text = UpToNul(stored->data);
   if (text.empty()) return {wanted_};
-  const bool is_base = text == base_ && !wanted_.empty() && xml::IsWellFormed(parser_, text);
+  // Whoever read a text that is no document can want nothing but an empty one.
+  const bool is_base = text == base_ && !wanted_.empty();
   return is_base ? Outcome{wanted_} : Merged(text);
 }
 

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/registry.h"
@@ -12,7 +13,7 @@
 namespace kvdm {
 
 // The text up to its first NUL, which is all that a reader takes.
-[[nodiscard]] std::string UpToNul(std::string text);
+[[nodiscard]] std::string UpToNul(std::string_view text);
 
 // Whether an update leads to the study areas that it starts from.
 [[nodiscard]] bool ChangesNothing(const TextUpdate& update);
@@ -33,7 +34,7 @@ namespace kvdm {
 class CatalogueUpdate final : public TextUpdate {
  public:
   // `holds` tells which characters the store has; `parser` must outlive this.
-  CatalogueUpdate(XmlParser& parser, std::string base, std::string wanted,
+  CatalogueUpdate(XmlParser& parser, std::string_view base, std::string wanted,
                   std::function<bool(char32_t)> holds);
 
   // A piece for each study area, under its key, and the text without them under "".

@@ -1,6 +1,7 @@
 #include "platform/posix/replace_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -29,6 +30,8 @@ class TemporaryFile {
       file_ = FileDescriptor(::openat(folder, name_.c_str(), kFlags, permissions));
     } while (file_.get() < 0 && errno == EEXIST);
     if (file_.get() < 0) ThrowSystemError(errno);
+    // One that nobody holds was left behind, and goes with its folder. Not all systems have locks.
+    ::flock(file_.get(), LOCK_EX | LOCK_NB);
     if (old) KeepProperties(*old);
   }
   TemporaryFile(const TemporaryFile&) = delete;

@@ -61,7 +61,6 @@ const WholeText kWholeTexts[] = {
     {"a text that is empty up to its NUL is stored", kOdd, kNew, Text(std::string("\0<L/>", 5)),
      kNew},
     {"a damaged text is stored", kOdd, kNew, Text(kDamaged), kNew, true},
-    {"a damaged text is stored, which is the base", kDamaged, kNew, Text(kDamaged), kNew, true},
     {"a text without an element is stored", "", kNew, Text("<!--x-->"), kNew, true},
     {"a number is stored", kOdd, kNew, RegistryValue{RegistryType::kNumber, kOdd}, kNew, true},
     {"a text to expand is stored", "", kNew, RegistryValue{RegistryType::kExpandText, kOdd}, kNew,
