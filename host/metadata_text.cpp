@@ -7,6 +7,7 @@
 #include "platform/xml/attribute_scan.h"
 #include "platform/xml/document.h"
 #include "platform/xml/limits.h"
+#include "platform/xml/pieces.h"
 
 namespace kvdm {
 namespace {
@@ -71,7 +72,8 @@ std::string DocumentProblem(XmlParser& parser, std::string_view text) {
     return Over(xml::kMaxAttributes, "attributes at one element");
   }
   LimitFinder finder;
-  const bool well_formed = parser.Parse(text, XmlEncoding::kUtf8, finder);
+  // Not the parser: some judge a text before they report any of it.
+  const bool well_formed = ReportPieces(WithLineFeeds(text), finder);
   if (!finder.Problem().empty()) return finder.Problem();
   if (well_formed) return Over(xml::kMaxDocumentBytes, "bytes");
   if (finder.WasAsDeepAsMayBe()) return Over(xml::kMaxDepth, "elements within each other");

@@ -128,6 +128,16 @@ void ForgetOldest(const RegistryKey& history) {
   }
 }
 
+// What an update refuses is a fault of what the registry holds.
+TextUpdate::Outcome OutcomeOf(const TextUpdate& update,
+                              const std::optional<RegistryValue>& stored) {
+  try {
+    return update.On(stored);
+  } catch (const RuntimeError& error) {
+    throw std::system_error(ERROR_INVALID_DATA, std::system_category(), error.what());
+  }
+}
+
 RegistryState StateOf(const std::error_code& error) {
   switch (error.value()) {
     case ERROR_ACCESS_DENIED:
@@ -162,7 +172,7 @@ bool WindowsRegistry::Update(RegistryRoot root, std::string_view key, std::strin
     const UpdateLock lock;
     const auto open_key = RegistryKey::Create(root, key);
     const auto stored = ValueIn(open_key, name);
-    const auto outcome = update.On(stored);
+    const auto outcome = OutcomeOf(update, stored);
     if (stored == RegistryValue{RegistryType::kText, outcome.text}) return;
     if (outcome.keeps_stored || !outcome.kept.empty()) {
       const auto history = RegistryKey::Create(root, HistoryOf(key, name));
@@ -200,10 +210,8 @@ bool WindowsRegistry::Done(std::string_view key, std::string_view name, Operatio
     condition_ = {};
     operation();
     return true;
-  } catch (const std::exception& error) {
-    const auto* system = dynamic_cast<const std::system_error*>(&error);
-    condition_ = {system != nullptr ? StateOf(system->code()) : RegistryState::kFailing,
-                  error.what()};
+  } catch (const std::system_error& error) {
+    condition_ = {StateOf(error.code()), error.what()};
     log_->Note("The registry refuses " + std::string(key) + ", " + std::string(name) + ": " +
                error.what());
     return false;

@@ -83,12 +83,12 @@ std::optional<std::string> World::RegistryText(std::string_view name) {
 
 void World::PutRegistryText(std::string_view name, std::string_view text) {
   const std::string bytes = ToAnsi(text);
-  if (!RegistryKey::Create(kRoot, kKey)->WriteAnsi(name, bytes)) throw RuntimeError(70);
+  RegistryKey::Create(kRoot, kKey).WriteAnsi(name, bytes);
 }
 
 void World::PutRegistryNumber(std::string_view name, int number) {
   const std::string bytes = {static_cast<char>(number), 0, 0, 0};
-  if (!RegistryKey::Create(kRoot, kKey)->Write(name, {REG_DWORD, bytes})) throw RuntimeError(70);
+  RegistryKey::Create(kRoot, kKey).Write(name, {REG_DWORD, bytes});
 }
 
 void World::LockRegistry() {

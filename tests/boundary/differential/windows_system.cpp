@@ -31,10 +31,6 @@ class DllSystem : public model::System {
   }
 
  private:
-  void HideFile(const std::string& path) override {
-    disk_.SetAttributes(path, FILE_ATTRIBUTE_HIDDEN);
-  }
-
   client::Disk disk_;
   client::SiblingClasses siblings_{
       [](const std::string& number) { return TextResources().FindString(number); }};
