@@ -71,11 +71,11 @@ std::string DocumentProblem(XmlParser& parser, std::string_view text) {
   if (!HasAttributesWithin(text, xml::kMaxAttributes)) {
     return Over(xml::kMaxAttributes, "attributes at one element");
   }
+  // Not from the parser: some judge a text before they report any of it.
   LimitFinder finder;
-  // Not the parser: some judge a text before they report any of it.
-  const bool well_formed = ReportPieces(WithLineFeeds(text), finder);
+  ReportPieces(WithLineFeeds(text), finder);
   if (!finder.Problem().empty()) return finder.Problem();
-  if (well_formed) return Over(xml::kMaxDocumentBytes, "bytes");
+  if (xml::IsWellFormed(parser, text)) return Over(xml::kMaxDocumentBytes, "bytes");
   if (finder.WasAsDeepAsMayBe()) return Over(xml::kMaxDepth, "elements within each other");
   return "Its metadata document is not well-formed XML.";
 }

@@ -1,4 +1,0 @@
-// XML is parsed through COM here.
-#include <gtest/gtest.h>
-
-#include "tests/platform/windows/com_environment.h"
