@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "util/guard.h"
 #include "util/tags.h"
 
 namespace kvdm {
@@ -39,7 +40,8 @@ DocumentRef ParseDocument(XmlParser& parser, std::string_view text) {
 
 DocumentRef LoadPresets(FileSystem& files, XmlParser& parser, std::string_view folder) {
   auto document = std::make_shared<xml::Document>();
-  const auto bytes = files.ReadFile(std::string(folder) + kPresetFile);
+  const auto bytes =
+      guard::Quiet([&] { return files.ReadFile(std::string(folder) + kPresetFile); });
   if (bytes) document->Load(parser, *bytes);
   return document;
 }

@@ -74,7 +74,8 @@ class FileSystem {
   // The names of the files that match `pattern`, a folder path followed by a name in which `*` and
   // `?` are wildcards; "name.*" matches "name" too. Read-only files count, hidden and system ones
   // don't; where a leading dot hides a file, a pattern with a leading dot finds it all the same.
-  // Empty when the folder is missing.
+  // Empty when the folder is missing; run-time error 70 or 75 when that can't be told, or the
+  // folder can't be listed.
   virtual std::vector<std::string> FindFiles(std::string_view pattern) = 0;
 
   // Opens a folder, in which things can be deleted: each name on the way counts as it is, or in
@@ -82,8 +83,9 @@ class FileSystem {
   // is no folder.
   virtual std::unique_ptr<Directory> OpenFolder(std::string_view path) = 0;
 
-  // The bytes of a file; nothing when it is missing or can't be read. Of a file that is longer than
-  // documents may be (platform/xml/limits.h) as many bytes as they may have, and one more.
+  // The bytes of a file; nothing when it is missing or no file. Of a file that is longer than
+  // documents may be (platform/xml/limits.h) as many bytes as they may have, and one more. Run-time
+  // error 70 or 75 when it can't be read, or found out whether it is there.
   virtual std::optional<std::string> ReadFile(std::string_view path) = 0;
 
   // Replaces the file as a whole: after a failure the old content stands. Run-time error 76 when

@@ -72,7 +72,8 @@ std::unique_ptr<Directory> FailingFileSystem::OpenFolder(std::string_view path) 
 }
 
 std::optional<std::string> FailingFileSystem::ReadFile(std::string_view path) {
-  if (counter_->Fails("files.ReadFile", path)) return std::nullopt;
+  counter_->Count("files.ReadFile", path);
+  if (counter_->GivesNothing()) return std::nullopt;
   return files_->ReadFile(path);
 }
 

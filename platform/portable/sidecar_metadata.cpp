@@ -23,7 +23,9 @@ SidecarMetadata::SidecarMetadata(std::shared_ptr<FileSystem> files,
       path_(std::string(layer_file) + ".xml") {}
 
 std::shared_ptr<NamedValueSet> SidecarMetadata::ReadDocument() {
+  unread_ = true;
   const auto bytes = files_->ReadFile(path_);
+  unread_ = false;
   if (!bytes) throw RuntimeError(kFileNotFound, {}, "File not found: " + path_);
   return Parsed(*bytes);
 }
@@ -37,6 +39,8 @@ void SidecarMetadata::WriteDocument(const std::shared_ptr<NamedValueSet>& docume
     PutValue(*entry, listing.values.at(i));
     AppendLine(*root, entry);
   }
+  // What could not be read would be lost.
+  if (unread_) throw RuntimeError(kPermissionDenied, {}, path_ + " can't be read");
   const std::string text = DocumentText(root);
   KeepForeignFile();
   files_->WriteFile(path_, text);

@@ -21,13 +21,14 @@ class SidecarMetadata : public LayerMetadata {
   SidecarMetadata(std::shared_ptr<FileSystem> files, std::shared_ptr<XmlParser> parser,
                   std::string_view layer_file);
 
-  // Run-time error 53 when there is no such file; an automation failure that says what is wrong
-  // when it holds anything but a layer's metadata.
+  // Run-time error 53 when there is no such file; the file system's error when it can't be read; an
+  // automation failure that says what is wrong when it holds anything but a layer's metadata.
   std::shared_ptr<NamedValueSet> ReadDocument() override;
 
   // Replaces the file as a whole. One that ReadDocument can't read is first kept beside it, with
   // ".bak" (".bak1", ".bak2" ... when that is taken) after its name. Run-time error 70 when it
-  // can't be kept; it then stays. Run-time error 91 for Nothing.
+  // can't be kept, or when ReadDocument failed to read it: what it holds would be lost. It then
+  // stays. Run-time error 91 for Nothing.
   void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override;
 
  private:
@@ -40,6 +41,7 @@ class SidecarMetadata : public LayerMetadata {
   std::shared_ptr<FileSystem> files_;
   std::shared_ptr<XmlParser> parser_;
   std::string path_;
+  bool unread_ = false;  // the last attempt to read the file failed
 };
 
 }  // namespace kvdm

@@ -80,9 +80,12 @@ std::vector<std::string> NamesForSearch(int folder) {
 }  // namespace
 
 FileDescriptor OpenAt(int folder, const std::string& name, int flags) {
-  FileDescriptor file(::openat(folder, name.c_str(), flags | O_CLOEXEC));
-  if (file.get() < 0) ThrowSystemError(errno);
-  return file;
+  int file = -1;
+  do {
+    file = ::openat(folder, name.c_str(), flags | O_CLOEXEC);
+  } while (file < 0 && errno == EINTR);
+  if (file < 0) ThrowSystemError(errno);
+  return FileDescriptor(file);
 }
 
 std::vector<std::string> EntryNames(int folder) {

@@ -47,6 +47,10 @@ std::int32_t NumberOf(int error) {
 
 void ThrowSystemError(int error) { throw std::system_error(error, std::generic_category()); }
 
+bool MeansMissing(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
+}
+
 RuntimeError PosixError(int error, std::string_view path) {
   const std::int32_t number = NumberOf(error);
   if (number != kAutomationFailure) return PathError(number, path);

@@ -11,6 +11,10 @@ namespace kvdm {
 // Throws the system error that `error` (an errno value) stands for.
 [[noreturn]] void ThrowSystemError(int error);
 
+// Whether `error` (an errno value) says that there is nothing at a path, and not that nobody can
+// tell.
+[[nodiscard]] bool MeansMissing(int error);
+
 // The run-time error that clients know for an errno value, about `path`.
 [[nodiscard]] RuntimeError PosixError(int error, std::string_view path);
 

@@ -22,12 +22,26 @@ FileDescriptor Readable(const FileDescriptor& folder) {
   return OpenAt(folder.get(), ".", O_RDONLY | O_DIRECTORY);
 }
 
+// What `body` answers about what is at `path`; the empty answer when there is nothing.
+template <class Answer, class Body>
+Answer OfWhatIsThere(std::string_view path, Body body) {
+  try {
+    return body();
+  } catch (const std::system_error& error) {
+    if (MeansMissing(error.code().value())) return {};
+    throw PosixError(error.code().value(), path);
+  }
+}
+
 // A pipe without a writer must not block, hence O_NONBLOCK. Of a file that is longer than documents
 // may be enough is read for whoever parses it to see that.
 std::optional<std::string> ReadRegularFile(int folder, const std::string& name) {
-  const FileDescriptor file = OpenAt(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
   struct stat status {};
-  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  if (::fstatat(folder, name.c_str(), &status, 0) != 0) ThrowSystemError(errno);
+  if (!S_ISREG(status.st_mode)) return std::nullopt;
+  const FileDescriptor file = OpenAt(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  if (::fstat(file.get(), &status) != 0) ThrowSystemError(errno);
+  if (!S_ISREG(status.st_mode)) return std::nullopt;
   return ReadAll(file.get(), xml::kMaxInputBytes + 1);
 }
 
@@ -81,8 +95,7 @@ std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
   const std::string_view path = search.folder.empty() ? "." : search.folder;
   const bool wants_dots = search.name.starts_with('.');
-  if (!FolderExists(path)) return {};
-  return TranslatingErrors(path, [&] {
+  return OfWhatIsThere<std::vector<std::string>>(path, [&] {
     DrivePath resolved = PosixPaths::Resolve(path);
     const FileDescriptor folder = paths_.Open(resolved, ENOENT);
     std::vector<std::string> names = EntryNames(folder.get());
@@ -104,13 +117,11 @@ std::unique_ptr<Directory> PosixFileSystem::OpenFolder(std::string_view path) {
 }
 
 std::optional<std::string> PosixFileSystem::ReadFile(std::string_view path) {
-  try {
-    const PosixPlace place = paths_.PlaceOf(path, EISDIR);
-    if (!place.entry) return std::nullopt;
+  return OfWhatIsThere<std::optional<std::string>>(path, [&] {
+    const PosixPlace place = paths_.PlaceOf(path, ENOENT);
+    if (!place.entry) return std::optional<std::string>();
     return ReadRegularFile(place.folder.get(), *place.entry);
-  } catch (const std::system_error&) {
-    return std::nullopt;  // Missing or unreadable, which is one answer here.
-  }
+  });
 }
 
 void PosixFileSystem::WriteFile(std::string_view path, std::string_view bytes) {

@@ -29,7 +29,9 @@ DrivePath CurrentFolder() {
 
 bool IsFolder(int parent, const std::string& name) {
   struct stat status {};
-  return ::fstatat(parent, name.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode);
+  if (::fstatat(parent, name.c_str(), &status, 0) == 0) return S_ISDIR(status.st_mode);
+  if (MeansMissing(errno)) return false;
+  ThrowSystemError(errno);
 }
 
 }  // namespace

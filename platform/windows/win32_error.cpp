@@ -65,6 +65,11 @@ void ThrowSystemError(DWORD error) {
 
 void ThrowLastError() { ThrowSystemError(::GetLastError()); }
 
+bool MeansMissing(DWORD error) {
+  const std::int32_t number = NumberOf(error);
+  return number == kPathNotFound || number == kBadFileName || error == ERROR_DIRECTORY;
+}
+
 RuntimeError Win32Error(DWORD error, std::string_view path) {
   const std::int32_t number = NumberOf(error);
   if (number != kAutomationFailure) return PathError(number, path);

@@ -14,6 +14,9 @@ namespace kvdm {
 [[noreturn]] void ThrowSystemError(DWORD error);
 [[noreturn]] void ThrowLastError();
 
+// Whether `error` says that there is nothing at a path, and not that nobody can tell.
+[[nodiscard]] bool MeansMissing(DWORD error);
+
 // The run-time error that clients know for an error code, about `path`.
 [[nodiscard]] RuntimeError Win32Error(DWORD error, std::string_view path);
 

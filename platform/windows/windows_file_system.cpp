@@ -20,12 +20,16 @@
 namespace kvdm {
 namespace {
 
-std::unique_ptr<Directory> Opened(std::string_view path, NameFinder find) {
-  return TranslatingErrors(path, [&] {
-    DrivePath resolved = ResolveWindowsPath(path);
-    FileHandle folder = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess, find);
-    return std::make_unique<WindowsDirectory>(std::move(folder), resolved.Text());
-  });
+// What `body` answers about what is at `path`; the empty answer when there is nothing.
+template <class Answer, class Body>
+Answer OfWhatIsThere(std::string_view path, Body body) {
+  try {
+    return body();
+  } catch (const std::system_error& error) {
+    const auto code = static_cast<DWORD>(error.code().value());
+    if (MeansMissing(code)) return {};
+    throw Win32Error(code, path);
+  }
 }
 
 }  // namespace
@@ -80,28 +84,34 @@ std::string WindowsFileSystem::SystemDrive() {
 std::vector<std::string> WindowsFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
   const std::string_view folder = search.folder.empty() ? "." : search.folder;
-  if (!FolderExists(folder)) return {};
-  std::vector<std::string> names = Opened(folder, FindName)->Files();
+  auto names = OfWhatIsThere<std::vector<std::string>>(folder, [&] {
+    DrivePath resolved = ResolveWindowsPath(folder);
+    FileHandle found = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess);
+    return WindowsDirectory(std::move(found), resolved.Text()).Files();
+  });
   std::erase_if(names, [&](const std::string& name) { return !MatchesPattern(name, search.name); });
   return names;
 }
 
 std::unique_ptr<Directory> WindowsFileSystem::OpenFolder(std::string_view path) {
-  return Opened(path, FindSameName);
+  return TranslatingErrors(path, [&] {
+    DrivePath resolved = ResolveWindowsPath(path);
+    FileHandle folder = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess, FindSameName);
+    return std::make_unique<WindowsDirectory>(std::move(folder), resolved.Text());
+  });
 }
 
 std::optional<std::string> WindowsFileSystem::ReadFile(std::string_view path) {
-  try {
+  using Bytes = std::optional<std::string>;
+  return OfWhatIsThere<Bytes>(path, [&] {
     const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
-    if (!place.attributes || place.IsFolder()) return std::nullopt;
+    if (!place.attributes || place.IsFolder()) return Bytes();
     const FileHandle file(::CreateFileW(SystemPath(place.path).c_str(), GENERIC_READ, kShareAll,
                                         nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
                                         nullptr));
-    if (!file.is_open()) return std::nullopt;
-    return ReadAll(file, xml::kMaxInputBytes + 1);
-  } catch (const std::system_error&) {
-    return std::nullopt;  // Missing or unreadable, which is one answer here.
-  }
+    if (!file.is_open()) ThrowLastError();
+    return Bytes(ReadAll(file, xml::kMaxInputBytes + 1));
+  });
 }
 
 void WindowsFileSystem::WriteFile(std::string_view path, std::string_view bytes) {

@@ -38,11 +38,6 @@ std::wstring Joined(const DrivePath& folder, std::string_view name) {
   return path + ToUtf16(name);
 }
 
-bool MeansMissing(DWORD error) {
-  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ||
-         error == ERROR_DIRECTORY || error == ERROR_INVALID_NAME;
-}
-
 // The names in `folder` among which FindName finds what `name` means. In a folder that may not be
 // listed that is the very name.
 std::vector<std::string> NamesLike(const DrivePath& folder, const std::string& name) {

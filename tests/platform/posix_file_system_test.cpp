@@ -283,8 +283,12 @@ TEST_F(PosixFileSystemTest, RunningOutOfDescriptorsIsAnErrorAndDeletesNothing) {
   ::setrlimit(RLIMIT_NOFILE, &none);
   const int error = ErrorOf([&] { root->DeleteFiles(); });
   const bool exists = files_.FolderExists(R"(D:\)");
+  const int unread = ErrorOf([&] { std::ignore = files_.ReadFile(R"(D:\hidden)"); });
+  const int unlisted = ErrorOf([&] { std::ignore = files_.FindFiles(R"(D:\*)"); });
   ::setrlimit(RLIMIT_NOFILE, &old);
   EXPECT_EQ(error, kPathFileAccess);
+  EXPECT_EQ(unread, kPathFileAccess);
+  EXPECT_EQ(unlisted, kPathFileAccess);
   EXPECT_FALSE(exists);
   EXPECT_TRUE(drive_.Has("hidden"));
 }

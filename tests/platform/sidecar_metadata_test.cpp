@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/memory/failing_file_system.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/portable/value_set.h"
 #include "tests/throws_number.h"
@@ -85,6 +86,24 @@ TEST_F(SidecarMetadataTest, EarlierCopiesAreNeverReplaced) {
   EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "one");
   EXPECT_EQ(Text("D:\\stores.shp.xml.bak1"), "two");
   EXPECT_EQ(Text("D:\\stores.shp.xml.bak2"), "three");
+}
+
+TEST_F(SidecarMetadataTest, AFileThatFailedToBeReadIsNotReplaced) {
+  metadata_.WriteDocument(SomeDocument());
+  const std::string before = Text(kSidecar);
+  const auto counter = std::make_shared<FailureCounter>();
+  counter->fail_at = 1;
+  SidecarMetadata metadata(std::make_shared<FailingFileSystem>(world_.files, counter),
+                           world_.xml_parser, "D:\\stores.shp");
+
+  EXPECT_RUNTIME_ERROR(metadata.ReadDocument(), kPermissionDenied);
+  EXPECT_RUNTIME_ERROR(metadata.WriteDocument(std::make_shared<ValueSet>()), kPermissionDenied);
+  EXPECT_EQ(Text(kSidecar), before);
+
+  // Read at last, it is known what to keep.
+  EXPECT_EQ(metadata.ReadDocument()->EntryCount(), 2);
+  metadata.WriteDocument(std::make_shared<ValueSet>());
+  EXPECT_NE(Text(kSidecar), before);
 }
 
 TEST_F(SidecarMetadataTest, AFileThatCannotBeKeptStays) {

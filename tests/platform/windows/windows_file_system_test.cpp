@@ -199,7 +199,7 @@ TEST_F(WindowsFileSystemTest, AnOpenFileEndsTheDeletionOfFiles) {
 TEST_F(WindowsFileSystemTest, AnOpenFileIsNotReadOrReplaced) {
   drive_.AddFolder(R"(D:\Data)");
   const FileHandle held = drive_.Hold(R"(D:\Data\a.xml)");
-  EXPECT_EQ(files_.ReadFile(R"(D:\Data\a.xml)"), std::nullopt);
+  EXPECT_RUNTIME_ERROR(files_.ReadFile(R"(D:\Data\a.xml)"), kPermissionDenied);
   EXPECT_RUNTIME_ERROR(files_.WriteFile(R"(D:\Data\a.xml)", "new"), kPermissionDenied);
   EXPECT_THAT(files_.OpenFolder(R"(D:\Data)")->Files(), ElementsAre("a.xml"));
 }
