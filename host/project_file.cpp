@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/os.h"
+#include "util/guard.h"
 
 namespace kvdm {
 namespace {
@@ -65,7 +66,7 @@ std::vector<fs::path> FilesEnding(const fs::path& folder, const fs::path& suffix
 
 // The projects in a folder. A look at the moment when another kvdm puts a project in place may find
 // none; then the lock that it holds is beside.
-std::vector<fs::path> ProjectsIn(const fs::path& folder) {
+std::vector<fs::path> ProjectsIn(const fs::path& folder) try {
   const auto projects = [&] { return FilesEnding(folder, kSuffix); };
   auto found = projects();
   for (fs::path lock : FilesEnding(folder, std::string(kSuffix) + kLockSuffix)) {
@@ -73,6 +74,11 @@ std::vector<fs::path> ProjectsIn(const fs::path& folder) {
     found = LookUndisturbed(lock.replace_extension(), projects);
   }
   return found;
+} catch (const std::system_error& error) {
+  throw Failure(ExitCode::kUnreadable,
+                fmt::format("The folder {} can't be read ({}), so that nobody can tell whether a "
+                            "project is in it. Name the project with -p FILE.",
+                            os::ToText(folder), error.code().message()));
 }
 
 [[noreturn]] void SeveralProjects(const std::vector<fs::path>& projects) {
@@ -100,15 +106,20 @@ fs::path GivenProjectFile(std::string_view given) {
   try {
     return Located(os::ToPath(given));
   } catch (const std::system_error& error) {
-    throw Failure(ExitCode::kNotFound,
-                  fmt::format("There is no project {} ({}).", given, error.code().message()));
+    const std::string cause = error.code().message();
+    if (error.code() == std::errc::no_such_file_or_directory ||
+        error.code() == std::errc::not_a_directory) {
+      throw Failure(ExitCode::kNotFound, fmt::format("There is no project {} ({}).", given, cause));
+    }
+    throw Failure(ExitCode::kUnreadable,
+                  fmt::format("The project {} can't be reached: {}.", given, cause));
   }
 }
 
 // What to do about a project file that can't be used.
 std::string WayOut(const fs::path& file) {
   const fs::path previous = Beside(file, ".bak");
-  if (!os::Exists(previous)) return "Restore it from a backup.";
+  if (!guard::Quiet([&] { return os::Exists(previous); })) return "Restore it from a backup.";
   return fmt::format(
       "The state before the last change is in {}: copy that file over {} to return "
       "to it.",
@@ -160,6 +171,12 @@ void FailToOpen(const fs::path& file, const Failure& failure) {
                                             os::ToText(file), failure.what(), WayOut(file)));
 }
 
+Unconfirmed::Unconfirmed(const fs::path& file)
+    : Failure(ExitCode::kRefused,
+              fmt::format("The project {} is saved, but its disk did not confirm that: a loss of "
+                          "power may bring back what was before. Look after the disk.",
+                          os::ToText(file))) {}
+
 bool WriteProjectFile(const fs::path& file, const Project& project) {
   const std::string text = ProjectText(project);
   if (text.size() > kMaxProjectBytes) {
@@ -170,13 +187,13 @@ bool WriteProjectFile(const fs::path& file, const Project& project) {
   }
   try {
     if (os::Exists(file) && os::ReadBytes(file, kMaxProjectBytes) == text) return false;
-    os::Replace(file, text, Beside(file, ".bak"));
-    return true;
+    if (os::Replace(file, text, Beside(file, ".bak"))) return true;
   } catch (const std::system_error& error) {
     throw Failure(ExitCode::kRefused,
                   fmt::format("The project {} can't be saved: {}. It is what it was before.",
                               os::ToText(file), error.what()));
   }
+  throw Unconfirmed(file);
 }
 
 std::shared_ptr<void> WaitForLock(const fs::path& file, std::string_view what) {

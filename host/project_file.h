@@ -27,9 +27,15 @@ namespace kvdm {
 // Fails as `failure` does, adding which project it is about and what can be done.
 [[noreturn]] void FailToOpen(const std::filesystem::path& file, const Failure& failure);
 
+// The project is saved, but a loss of power may bring back what was before.
+class Unconfirmed : public Failure {
+ public:
+  explicit Unconfirmed(const std::filesystem::path& file);
+};
+
 // Writes a project unless the file has that very text: beside it, to the disk, read back, compared,
 // and only then put in its place; the previous file is kept. True when it wrote. Failure kRefused
-// when that can't be done; the project file then is what it was.
+// when that can't be done; the project file then is what it was, unless the failure is Unconfirmed.
 bool WriteProjectFile(const std::filesystem::path& file, const Project& project);
 
 // Waits a few seconds for the lock file `file`, which then holds off other processes as long as the

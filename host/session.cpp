@@ -48,9 +48,15 @@ Session::~Session() {
 
 bool Session::Save() {
   component_.SaveTo(project_);
-  const bool written = WriteProjectFile(file_, project_);
-  undos_.clear();
-  return written;
+  try {
+    const bool written = WriteProjectFile(file_, project_);
+    undos_.clear();
+    is_saved_ = true;
+    return written;
+  } catch (const Unconfirmed&) {
+    undos_.clear();
+    throw;
+  }
 }
 
 }  // namespace kvdm

@@ -41,6 +41,8 @@ class Session {
 
   // Saves what was changed; True when the project file was written.
   bool Save();
+  // Whether it was called, and did its work.
+  [[nodiscard]] bool IsSaved() const { return is_saved_; }
   // Has `undo` called when the session ends unsaved: for what a command makes outside the project.
   void UnlessSaved(std::function<void()> undo) { undos_.push_back(std::move(undo)); }
 
@@ -48,6 +50,7 @@ class Session {
   std::filesystem::path file_;
   Project project_;
   HostedComponent component_;
+  bool is_saved_ = false;
   std::vector<std::function<void()>> undos_;
 };
 

@@ -96,21 +96,49 @@ Record LayerRecord(const Layer& layer) {
   return {{"name", layer.name}, {"guid", layer.guid}, {"layer_file", layer.file}};
 }
 
-// Holds what an item writes, in place of its layer's file.
+// Holds what an item reads and writes, in place of its layer's file.
 class MetadataInMemory : public LayerMetadata {
  public:
+  explicit MetadataInMemory(std::shared_ptr<NamedValueSet> document)
+      : document_(std::move(document)) {}
+
   std::shared_ptr<NamedValueSet> ReadDocument() override { return document_; }
   void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
     document_ = document;
   }
 
  private:
-  std::shared_ptr<NamedValueSet> document_ = std::make_shared<ValueSet>();
+  std::shared_ptr<NamedValueSet> document_;
+};
+
+// Passes everything on, and remembers what became of writing: the component does not say.
+class WatchedMetadata : public LayerMetadata {
+ public:
+  explicit WatchedMetadata(std::shared_ptr<LayerMetadata> metadata)
+      : metadata_(std::move(metadata)) {}
+
+  std::shared_ptr<NamedValueSet> ReadDocument() override { return metadata_->ReadDocument(); }
+  void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
+    try {
+      metadata_->WriteDocument(document);
+      problem_.clear();
+    } catch (const std::exception& error) {
+      problem_ = error.what();
+      throw;
+    }
+  }
+
+  // Why nothing was written; "" when it was.
+  [[nodiscard]] const std::string& Problem() const { return problem_; }
+
+ private:
+  std::shared_ptr<LayerMetadata> metadata_;
+  std::string problem_ = "the component did not try";
 };
 
 // What the item would write now.
 std::shared_ptr<NamedValueSet> WrittenBy(const Layer& layer) {
-  const auto metadata = std::make_shared<MetadataInMemory>();
+  const auto metadata = std::make_shared<MetadataInMemory>(std::make_shared<ValueSet>());
   Required(layer.exchange).ExportMetadata(metadata);
   return metadata->ReadDocument();
 }
@@ -171,24 +199,16 @@ class MetadataExport : public ReadingCommand {
  private:
   void Run(Session& session, Output& out) override {
     const Layer layer = choice_.Find(session, name_);
-    const auto metadata = MetadataOf(session, layer.file);
+    const auto metadata = std::make_shared<WatchedMetadata>(MetadataOf(session, layer.file));
     Required(layer.exchange).ExportMetadata(metadata);
-    RequireWritten(*metadata, layer);
-    out.Done(LayerRecord(layer), fmt::format("Wrote the metadata of {}.", layer.file));
-  }
-
-  // The component writes them quietly, so that only reading tells whether it could.
-  static void RequireWritten(LayerMetadata& metadata, const Layer& layer) {
-    try {
-      const auto document = ReadMetadata(metadata, layer.file);
-      if (document && FirstText(*document, kGuidPath) == layer.guid) return;
-    } catch (const Failure& failure) {
-      if (failure.code() != ExitCode::kNotFound) throw;
+    if (!metadata->Problem().empty()) {
+      throw Failure(
+          ExitCode::kRefused,
+          fmt::format("The metadata of {} could not be written ({}). Is its folder there, "
+                      "and may you write to it?",
+                      layer.file, metadata->Problem()));
     }
-    throw Failure(ExitCode::kRefused,
-                  fmt::format("The metadata of {} could not be written. Is its folder there, and "
-                              "may you write to it?",
-                              layer.file));
+    out.Done(LayerRecord(layer), fmt::format("Wrote the metadata of {}.", layer.file));
   }
 
   std::string name_;
@@ -205,8 +225,7 @@ class MetadataImport : public ChangingCommand {
  private:
   void Run(Session& session, Output& out) override {
     const Layer layer = choice_.Find(session, name_);
-    const auto metadata = MetadataOf(session, layer.file);
-    const auto document = ReadMetadata(*metadata, layer.file);
+    const auto document = ReadMetadata(*MetadataOf(session, layer.file), layer.file);
     const std::string type = FirstText(*document, kLayerTypePath);
     if (type != layer.type) {
       throw Failure(ExitCode::kRefused,
@@ -214,7 +233,8 @@ class MetadataImport : public ChangingCommand {
                                 "taken over.",
                                 layer.file, type, layer.type));
     }
-    Required(layer.exchange).ImportMetadata(metadata);
+    // From what was read here: the component would take a second look that fails for no metadata.
+    Required(layer.exchange).ImportMetadata(std::make_shared<MetadataInMemory>(document));
     const auto result = WrittenBy(layer);
     out.Done(
         {{"name", layer.name}, {"guid", FirstText(*result, kGuidPath)}, {"layer_file", layer.file}},

@@ -51,6 +51,18 @@ FileDescriptor OpenRegular(const std::filesystem::path& path, int flags) {
   return file;
 }
 
+std::vector<std::filesystem::path> ListedFiles(const std::filesystem::path& folder,
+                                               std::error_code& failed) {
+  std::vector<std::filesystem::path> files;
+  std::filesystem::directory_iterator entry(folder, failed);
+  for (; !failed && entry != end(entry); entry.increment(failed)) {
+    std::error_code unknown;
+    const bool is_file = entry->is_regular_file(unknown);
+    if (is_file || (unknown && !MeansMissing(unknown.value()))) files.push_back(entry->path());
+  }
+  return files;
+}
+
 // What is at `name`. It must be a regular file.
 std::optional<EntryFacts> RegularFile(int folder, const std::string& name) {
   const auto facts = ExamineEntry(folder, name);
@@ -62,8 +74,9 @@ std::optional<EntryFacts> RegularFile(int folder, const std::string& name) {
 }  // namespace
 
 bool Exists(const std::filesystem::path& path) {
-  std::error_code refused;
-  const auto status = std::filesystem::symlink_status(path, refused);
+  std::error_code failed;
+  const auto status = std::filesystem::symlink_status(path, failed);
+  if (failed && !MeansMissing(failed.value())) Fail(path, failed.value());
   return status.type() != std::filesystem::file_type::not_found;
 }
 
@@ -79,13 +92,12 @@ std::filesystem::path Canonical(const std::filesystem::path& path) {
 }
 
 std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder) {
-  std::vector<std::filesystem::path> files;
-  std::error_code unreadable;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, unreadable)) {
-    std::error_code vanished;
-    if (entry.is_regular_file(vanished)) files.push_back(entry.path());
-  }
-  return files;
+  std::error_code failed;
+  do {
+    auto files = ListedFiles(folder, failed);
+    if (!failed) return files;
+  } while (failed == std::errc::interrupted);
+  Fail(folder, failed.value());
 }
 
 void CreateFolders(const std::filesystem::path& folder) {
@@ -101,7 +113,7 @@ std::string ReadBytes(const std::filesystem::path& file, std::size_t most) {
   return bytes;
 }
 
-void Replace(const std::filesystem::path& file, std::string_view bytes,
+bool Replace(const std::filesystem::path& file, std::string_view bytes,
              const std::filesystem::path& previous) {
   const std::filesystem::path absolute = Absolute(file);
   const FileDescriptor folder =
@@ -111,10 +123,10 @@ void Replace(const std::filesystem::path& file, std::string_view bytes,
     const auto facts = kept.empty() ? std::nullopt : ExamineEntry(folder.get(), kept);
     if (facts && facts->is_folder) ThrowSystemError(EISDIR);
   });
-  Naming(file, [&] {
+  return Naming(file, [&] {
     const auto old = RegularFile(folder.get(), absolute.filename());
     if (old && old->is_read_only) ThrowSystemError(EACCES);
-    kvdm::ReplaceFile(folder.get(), absolute.filename(), bytes, old, kept);
+    return kvdm::ReplaceFile(folder.get(), absolute.filename(), bytes, old, kept);
   });
 }
 
@@ -123,8 +135,34 @@ bool IsReadOnly(const std::filesystem::path& file) {
   return facts && facts->is_read_only;
 }
 
-void MoveFolder(const std::map<char, std::string>& drives, std::string_view from,
-                std::string_view to) {
+std::optional<std::string> FindFolder(const Drives& drives, std::string_view path) {
+  try {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = PosixPaths({drives}).Open(resolved, ENOTDIR);
+    return resolved.Text();
+  } catch (const std::system_error& error) {
+    if (MeansMissing(error.code().value())) return std::nullopt;
+    Fail(ToPath(path), error.code().value());
+  }
+}
+
+std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
+                                   std::string_view prefix) {
+  if (!FindFolder(drives, path)) return {};
+  return Naming(ToPath(path), [&] {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = PosixPaths({drives}).Open(resolved, ENOTDIR);
+    std::vector<std::string> names = EntryNames(folder.get());
+    std::erase_if(names, [&](const std::string& name) {
+      if (!name.starts_with(prefix)) return true;
+      const auto facts = ExamineEntry(folder.get(), name);
+      return !facts || !facts->is_folder;
+    });
+    return names;
+  });
+}
+
+void MoveFolder(const Drives& drives, std::string_view from, std::string_view to) {
   const PosixPaths paths({drives});
   const PosixPlace source = paths.PlaceOf(from, EBUSY);
   const PosixPlace target = paths.PlaceOf(to, EBUSY);

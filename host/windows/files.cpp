@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <system_error>
+#include <tuple>
 
 #include "host/os.h"
 #include "platform/windows/file_handle.h"
@@ -85,8 +86,10 @@ void RequireFile(const fs::path& path) {
 }  // namespace
 
 bool Exists(const fs::path& path) {
-  return GetFileAttributesW(LongName(path).c_str()) != INVALID_FILE_ATTRIBUTES ||
-         LastError() != std::errc::no_such_file_or_directory;
+  if (GetFileAttributesW(LongName(path).c_str()) != INVALID_FILE_ATTRIBUTES) return true;
+  const DWORD error = GetLastError();
+  if (!MeansMissing(error)) Fail(path);
+  return false;
 }
 
 fs::path Absolute(const fs::path& path) {
@@ -110,12 +113,17 @@ std::vector<fs::path> FilesIn(const fs::path& folder) {
   WIN32_FIND_DATAW found{};
   const fs::path pattern = fs::path(LongName(folder)) / L"*";
   const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
-  if (search == INVALID_HANDLE_VALUE) return files;
+  // The root of an empty drive has no entries at all.
+  if (search == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_NOT_FOUND) return files;
+  if (search == INVALID_HANDLE_VALUE) Fail(folder);
   do {
     const bool is_folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     if (!is_folder) files.push_back(folder / found.cFileName);
   } while (FindNextFileW(search, &found) != FALSE);
+  const bool at_end = GetLastError() == ERROR_NO_MORE_FILES;
+  const auto why = LastError();
   FindClose(search);
+  if (!at_end) Fail(folder, why);
   return files;
 }
 
@@ -135,13 +143,14 @@ std::string ReadBytes(const fs::path& file, std::size_t most) {
   return bytes;
 }
 
-void Replace(const fs::path& file, std::string_view bytes, const fs::path& previous) {
+bool Replace(const fs::path& file, std::string_view bytes, const fs::path& previous) {
   RequireFile(file);
   if (IsReadOnly(file)) Fail(file, make_error_condition(std::errc::permission_denied));
   if (!previous.empty()) RequireFile(previous);
   Naming(file, [&] {
     SaveFile(LongName(file), bytes, previous.empty() ? std::wstring() : LongName(previous));
   });
+  return true;  // The move is on the disk when it is done.
 }
 
 bool IsReadOnly(const fs::path& file) {
@@ -149,7 +158,38 @@ bool IsReadOnly(const fs::path& file) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
-void MoveFolder(const std::map<char, std::string>&, std::string_view from, std::string_view to) {
+std::optional<std::string> FindFolder(const Drives&, std::string_view path) {
+  try {
+    DrivePath resolved = ResolveWindowsPath(path);
+    std::ignore = OpenFolderAt(resolved, ERROR_DIRECTORY, FILE_READ_ATTRIBUTES);
+    return resolved.Text();
+  } catch (const std::system_error& error) {
+    if (MeansMissing(static_cast<DWORD>(error.code().value()))) return std::nullopt;
+    Fail(ToPath(path), error.code().default_error_condition());
+  }
+}
+
+std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
+                                   std::string_view prefix) {
+  std::vector<std::string> names;
+  const auto folder = FindFolder(drives, path);
+  if (!folder) return names;
+  const fs::path pattern = ToPath(*folder) / ToPath(std::string(prefix) + "*");
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW(LongName(pattern).c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE && MeansMissing(GetLastError())) return names;
+  if (search == INVALID_HANDLE_VALUE) Fail(ToPath(path));
+  do {
+    constexpr DWORD kKind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    const std::string name = ToText(found.cFileName);
+    const bool is_folder = (found.dwFileAttributes & kKind) == FILE_ATTRIBUTE_DIRECTORY;
+    if (is_folder && name.starts_with(prefix)) names.push_back(name);
+  } while (FindNextFileW(search, &found) != FALSE);
+  FindClose(search);
+  return names;
+}
+
+void MoveFolder(const Drives&, std::string_view from, std::string_view to) {
   const WindowsPlace source = PlaceOf(from, ERROR_ACCESS_DENIED);
   const WindowsPlace target = PlaceOf(to, ERROR_ACCESS_DENIED);
   const bool is_link = (source.attributes.value_or(0) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;

@@ -91,10 +91,12 @@ void KeepAs(int folder, const std::string& name, const EntryFacts& facts,
   if (moved != 0) ThrowSystemError(error);
 }
 
-// Makes the new name outlast a power failure. The file is in its place by now whatever comes of it.
-void SyncFolder(int folder) {
+// Makes the new name outlast a power failure; False when it may not. Not every folder can be asked
+// for that.
+bool SyncFolder(int folder) {
   const FileDescriptor readable(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (readable.get() >= 0) ::fsync(readable.get());
+  if (readable.get() < 0) return errno == EACCES;
+  return ::fsync(readable.get()) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
 }  // namespace
@@ -112,14 +114,14 @@ std::string ReadAll(int file, std::size_t most) {
   return content;
 }
 
-void ReplaceFile(int folder, const std::string& name, std::string_view bytes,
+bool ReplaceFile(int folder, const std::string& name, std::string_view bytes,
                  const std::optional<EntryFacts>& old, const std::string& previous) {
   const auto kept = old && !old->is_link ? old : std::nullopt;
   TemporaryFile temporary(folder, kept);
   temporary.Write(bytes);
   if (kept && !previous.empty()) KeepAs(folder, name, *kept, previous);
   temporary.MoveTo(name);
-  SyncFolder(folder);
+  return SyncFolder(folder);
 }
 
 }  // namespace kvdm

@@ -11,8 +11,9 @@ namespace kvdm {
 // Writes `bytes` to a new file in `folder`, reads them again, and lets it take the place of `name`
 // in one step, with the permissions, attributes and, as far as the process may, the owner of `old`.
 // What is there stays as `previous`, unless that is "". A link in the place is replaced itself.
-// After a failure `name` is as before.
-void ReplaceFile(int folder, const std::string& name, std::string_view bytes,
+// After a failure `name` is as before. False when the disk did not confirm the change: a loss of
+// power may bring back what was there.
+bool ReplaceFile(int folder, const std::string& name, std::string_view bytes,
                  const std::optional<EntryFacts>& old, const std::string& previous = {});
 
 // What is left to read of an open file, but no more than `most` bytes.
