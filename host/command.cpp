@@ -9,6 +9,7 @@
 #include "host/items.h"
 #include "host/os.h"
 #include "host/project_file.h"
+#include "host/waiting_folders.h"
 
 namespace kvdm {
 namespace {
@@ -52,7 +53,10 @@ void ProjectCommand::Execute(const Invocation& invocation) {
   std::optional<ChangeLock> lock;
   if (Changes()) lock.emplace(file);
   Session session(file, invocation.out);
-  if (Changes()) session.Component().RequireWorkingDirectory();
+  if (Changes()) {
+    session.Component().RequireWorkingDirectory();
+    SettleWaitingFolders(session);
+  }
   if (agreed && ToAsk(session) != *agreed) {
     throw Failure(ExitCode::kConflict,
                   "What was asked about has changed meanwhile. Nothing was done; run the command "
@@ -60,7 +64,7 @@ void ProjectCommand::Execute(const Invocation& invocation) {
   }
   RefusedByMessage(invocation.out, [&] {
     Run(session, invocation.out);
-    if (Changes()) session.Save();
+    if (Changes() && !session.IsSaved()) session.Save();
   });
 }
 

@@ -47,7 +47,7 @@ class ProjectCommand : public Command {
 
  private:
   // Whether the command, as it was called, changes anything. If so, other processes are held off,
-  // and the project is saved when it succeeds.
+  // and the project is saved when it succeeds, unless it saved it itself.
   [[nodiscard]] virtual bool Changes() const = 0;
   // Whether a person is asked first. Nobody is held off meanwhile. The work is done only if the
   // question still is the same once they are.

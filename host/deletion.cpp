@@ -2,10 +2,24 @@
 
 #include <fmt/format.h>
 
+#include <system_error>
+
 #include "host/items.h"
+#include "host/waiting_folders.h"
 
 namespace kvdm {
 namespace {
+
+void Expect(Session& session, const Deletion& deletion) {
+  const auto& [item, guid, folder, perform] = deletion;
+  try {
+    session.Component().Files().Expect(folder, NameOfPlace(session.File(), guid, folder));
+  } catch (const std::system_error& error) {
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The folder {} can't be looked for: {}. Nothing was deleted.", folder,
+                              error.code().message()));
+  }
+}
 
 // Undoes what was done to the folder, and says so where that fails.
 void PutBack(SettingAsideFiles& files, const std::exception& why) {
@@ -20,30 +34,28 @@ void PutBack(SettingAsideFiles& files, const std::exception& why) {
 
 bool DeleteAndSave(Session& session, const Deletion& deletion) {
   SettingAsideFiles& files = session.Component().Files();
-  const bool was_there = files.FolderExists(deletion.folder);
+  Expect(session, deletion);
   try {
-    files.Expect(deletion.folder);
     RequireDeleted(deletion.perform());
     session.Save();
   } catch (const std::exception& why) {
     PutBack(files, why);
     throw;
   }
-  files.Empty();
-  return was_there && !files.FolderExists(deletion.folder);
+  return files.Empty();
 }
 
 std::string DeleteWithFolder(Session& session, const Deletion& deletion) {
   SettingAsideFiles& files = session.Component().Files();
-  const auto& [item, folder, perform] = deletion;
-  if (DeleteAndSave(session, deletion) && files.Place().empty()) {
+  const auto& [item, guid, folder, perform] = deletion;
+  if (DeleteAndSave(session, deletion)) {
     return fmt::format("Deleted the {} and its folder {}.", item, folder);
   }
   if (!files.Place().empty()) {
     return fmt::format("Deleted the {}. What is left of its folder {} is in {}.", item, folder,
                        files.Place());
   }
-  if (!files.FolderExists(folder)) {
+  if (!files.WasThere()) {
     return fmt::format("Deleted the {}. Its folder {} was not found, so no files were deleted.",
                        item, folder);
   }

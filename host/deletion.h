@@ -10,7 +10,8 @@ namespace kvdm {
 
 // An item that is to be deleted.
 struct Deletion {
-  std::string item;               // as sentences say it: "study area North"
+  std::string item;  // as sentences say it: "study area North"
+  std::string guid;
   std::string folder;             // what the component is to delete with it, as it has the path
   std::function<bool()> perform;  // has the component delete both; whether it did so
 };

@@ -22,11 +22,7 @@ Platform OnFiles(Platform platform, std::shared_ptr<FileSystem> files) {
 
 HostedComponent::HostedComponent(const Project& project, Output& out)
     : services_(MakeServices(project.drives, out)),
-      files_(std::make_shared<SettingAsideFiles>(
-          services_.platform.files,
-          [drives = project.drives](std::string_view from, std::string_view to) {
-            os::MoveFolder(drives, from, to);
-          })),
+      files_(std::make_shared<SettingAsideFiles>(services_.platform.files, project.drives)),
       state_(std::make_shared<PropertySetMap>(project.state)),
       settings_(std::make_shared<PropertySetMap>(project.settings)),
       host_(std::make_shared<PropertiesHost>(state_, settings_)),

@@ -39,43 +39,48 @@ std::string ParentOf(std::string_view full_path) {
 
 }  // namespace
 
-void SettingAsideFiles::Expect(std::string_view folder) {
-  armed_ = true;
+void SettingAsideFiles::Expect(std::string_view folder, std::string_view place) {
+  place_ = place;
   expected_ = folder;
+  found_ = os::FindFolder(drives_, folder);
+  armed_ = true;
 }
 
 // The component opens the folder above the one that it deletes. To it that one is missing by then.
 std::unique_ptr<Directory> SettingAsideFiles::OpenFolder(std::string_view path) {
   if (!armed_) return files_->OpenFolder(path);
   armed_ = false;
-  if (IsIn(expected_, path)) guard::Skipping([&] { SetAside(); });
+  if (found_ && IsIn(expected_, path)) guard::Skipping([&] { SetAside(); });
   throw PathError(kPathNotFound, path);
 }
 
 void SettingAsideFiles::SetAside() {
-  const std::string folder = files_->FullPath(expected_);
-  if (!SameNames(NamesOf(expected_), NamesOf(folder))) return;
-  const std::string parent = ParentOf(folder);
-  const std::string place = parent + ".kvdm-deleted-" + RandomDigits();
+  if (!SameNames(NamesOf(expected_), NamesOf(*found_))) return;
+  const std::string parent = ParentOf(*found_);
+  const std::string place = parent + place_;
   files_->CreateFolder(place);
   guard::Skipping([&] { files_->HideFolder(place); });
-  original_ = folder;
-  aside_ = place + "\\" + folder.substr(parent.size());
-  if (!guard::Skipping([&] { move_(original_, aside_); })) RemovePlace();
+  aside_ = place + "\\" + found_->substr(parent.size());
+  if (!guard::Skipping([&] { os::MoveFolder(drives_, *found_, aside_); })) RemovePlace();
 }
 
-void SettingAsideFiles::Empty() {
+bool SettingAsideFiles::Empty() {
   armed_ = false;
-  if (aside_.empty()) return;
+  if (aside_.empty()) return false;
   const bool closed = WithoutEnd(expected_) != expected_;
-  if (DeleteFolderTree(*files_, aside_ + (closed ? "\\" : ""))) return RemovePlace();
-  PutBack();
+  const bool gone = DeleteFolderTree(*files_, aside_ + (closed ? "\\" : ""));
+  if (gone) {
+    RemovePlace();
+  } else {
+    PutBack();
+  }
+  return gone;
 }
 
 void SettingAsideFiles::PutBack() {
   armed_ = false;
   if (aside_.empty()) return;
-  if (guard::Skipping([&] { move_(aside_, original_); })) RemovePlace();
+  if (guard::Skipping([&] { os::MoveFolder(drives_, aside_, *found_); })) RemovePlace();
 }
 
 void SettingAsideFiles::RemovePlace() {

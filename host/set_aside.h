@@ -1,7 +1,6 @@
 // Deferred deletion: the folder of an item that is deleted goes only once the change is saved.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,34 +8,35 @@
 #include <utility>
 #include <vector>
 
+#include "host/os.h"
 #include "platform/file_system.h"
 
 namespace kvdm {
-
-// Renames a folder, by paths of the component; both places are in one folder or in folders inside
-// it. Errors are exceptions.
-using FolderMove = std::function<void(std::string_view from, std::string_view to)>;
 
 // The file system that the component is given. It passes everything on, but the folder that is
 // expected to be deleted is not: at that moment, when the component has found nothing against it,
 // it is set aside by one rename, to
 //
-//   .kvdm-deleted-0123456789abcdef\NAME     in the folder that it was in
+//   PLACE\NAME     in the folder that it was in
 //
 // where it is left when the process ends before it is emptied or put back.
 class SettingAsideFiles : public FileSystem {
  public:
-  SettingAsideFiles(std::shared_ptr<FileSystem> files, FolderMove move)
-      : files_(std::move(files)), move_(std::move(move)) {}
+  SettingAsideFiles(std::shared_ptr<FileSystem> files, os::Drives drives)
+      : files_(std::move(files)), drives_(std::move(drives)) {}
 
   // Tells that the component is about to delete `folder`, a path as it has it. That is set aside
-  // then; nothing else is deleted. What can't be moved stays where it is, and so does what the path
-  // means only without its trailing dots and blanks.
-  void Expect(std::string_view folder);
+  // then, in a new hidden folder `place` beside it; nothing else is deleted. What can't be moved
+  // stays where it is, and so does what the path means only without its trailing dots and blanks.
+  // std::system_error when it can't be told whether the folder is there.
+  void Expect(std::string_view folder, std::string_view place);
+
+  // Whether the expected folder was there.
+  [[nodiscard]] bool WasThere() const { return found_.has_value(); }
 
   // Deletes of what was set aside what the component would have deleted; the rest returns to its
-  // place.
-  void Empty();
+  // place. True when there was something, and all of it is gone.
+  bool Empty();
 
   // Returns what was set aside to its place, if that can be done.
   void PutBack();
@@ -65,10 +65,11 @@ class SettingAsideFiles : public FileSystem {
   void RemovePlace();
 
   std::shared_ptr<FileSystem> files_;
-  FolderMove move_;
-  bool armed_ = false;    // until the component deletes
-  std::string expected_;  // the folder's path as the component has it
-  std::string original_;  // and its full path
+  os::Drives drives_;
+  bool armed_ = false;                // until the component deletes
+  std::string place_;                 // the name of the folder to set it aside in
+  std::string expected_;              // the folder's path as the component has it
+  std::optional<std::string> found_;  // and its full path
   std::string aside_;
 };
 

@@ -124,9 +124,10 @@ class AnalysisDelete : public DeletingCommand {
     const auto analysis = FindItem(source, name_);
     const Record record = source.describe(*analysis);
     out.Done(record,
-             DeleteWithFolder(
-                 session, {fmt::format("analysis {}", analysis->Name()), analysis->AnalysisDir(),
-                           [&] { return Delete(*AnalysisCollection(session), *analysis); }}));
+             DeleteWithFolder(session, {fmt::format("analysis {}", analysis->Name()),
+                                        analysis->AnalysisGUID(), analysis->AnalysisDir(), [&] {
+                                          return Delete(*AnalysisCollection(session), *analysis);
+                                        }}));
   }
 
   // By what leads to this very analysis: others may share its identifier, or its name.

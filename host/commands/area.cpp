@@ -160,7 +160,7 @@ class AreaDelete : public DeletingCommand {
     bool deleted = false;
     try {
       return DeleteWithFolder(
-          session, {fmt::format("study area {}", name), above + area.StudyAreaDir(), [&] {
+          session, {fmt::format("study area {}", name), guid, above + area.StudyAreaDir(), [&] {
                       deleted = by_name ? areas->DeleteStudyArea(name)
                                         : areas->DeleteStudyAreaByGUID(guid);
                       return deleted;

@@ -256,7 +256,8 @@ class LayerDelete : public DeletingCommand {
     const FolderContent before =
         ContentOf(session, folder.ends_with('\\') ? Unclosed(folder) : folder);
     const std::string sentence = DeleteWithFolder(
-        session, {what, folder, [&] { return std::invoke(Kind::kDeleteByGuid, *layers, guid); }});
+        session,
+        {what, guid, folder, [&] { return std::invoke(Kind::kDeleteByGuid, *layers, guid); }});
     const FolderContent after = ContentOf(session, before.folder);
     out.Done(record, after.entries.empty() ? sentence
                                            : fmt::format("{} Left in it: {}.", sentence,

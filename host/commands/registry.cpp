@@ -134,7 +134,7 @@ class RegistryDelete : public DeletingCommand {
                      : std::invoke(Kind::kDelete, registry, name_);
     };
     if constexpr (Kind::kHasFolder) {
-      out.Done(record, DeleteWithFolder(session, {what, folder, perform}));
+      out.Done(record, DeleteWithFolder(session, {what, item->GUID(), folder, perform}));
     } else {
       RequireDeleted(perform());
       out.Done(record, fmt::format("Deleted the {}. Its files in {} stay.", what, folder));

@@ -4,6 +4,7 @@
 #include "host/commands/groups.h"
 #include "host/os.h"
 #include "host/sources.h"
+#include "host/waiting_folders.h"
 #include "platform/xml/document.h"
 #include "util/registry_strings.h"
 
@@ -60,6 +61,7 @@ class Status : public ReadingCommand {
                 {"catalogue_damaged", unread ? Field() : Field(damaged)}});
     if (unread) return Output::Tell("kvdm: " + RegistrySentence(*unread));
     out.Section("damaged_catalogues", kept);
+    if (!damaged) TellOfWaitingFolders(session);
     const std::string missing = damaged ? "" : MissingCurrentArea(session);
     if (!missing.empty()) Output::Tell("kvdm: " + missing);
     if (damaged) {
