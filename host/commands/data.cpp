@@ -58,10 +58,18 @@ class DataCreate : public ChangingCommand {
                                 name_));
     }
     const auto item = collection->GetDataItem(name_);
+    const std::string file = item->LayerFile();
+    if (file.empty()) {
+      throw Failure(ExitCode::kRefused,
+                    fmt::format("The folder for the file of the data item {} can't be made or "
+                                "looked at, so there is no new data item. Is there a file in its "
+                                "place, and may you write there?",
+                                name_));
+    }
     const DataEntry entry = {name_, item->GUID(), DataPlace::kCollection, item};
     out.Done(Description(entry), fmt::format("Created the data item {}. Its file is to be {}, with "
                                              "an extension.",
-                                             name_, item->LayerFile()));
+                                             name_, file));
   }
 
   std::string name_;
