@@ -12,10 +12,12 @@
 #include "host/os.h"
 #include "host/sources.h"
 #include "platform/file_names.h"
+#include "platform/xml/document.h"
 #include "util/default_dir_names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
 #include "util/registry_strings.h"
+#include "util/tags.h"
 
 namespace kvdm {
 namespace {
@@ -76,23 +78,34 @@ std::string ParentOf(std::string_view folder) {
 // The folders in which folders of items are.
 class Surroundings {
  public:
-  explicit Surroundings(Session& session) {
+  Surroundings(Session& session, std::string_view catalogue) {
     const std::string top = session.Manager().WorkingDirectory();
     Add(top);
     for (const char* name : {sDefaultDirNames::kStudyAreas, sDefaultDirNames::kAnalyses,
                              sDefaultDirNames::kStoreLayers, sDefaultDirNames::kCustLayers}) {
       Add(top + name + "\\");
     }
-    for (const auto& area : AllItems(StudyAreas(session))) {
-      Add(ParentOf(area->StudyAreaDir()));
-      Add(area->StudyAreaDir() + sDefaultDirNames::kAnalyses + "\\");
-    }
+    AddAreas(session, catalogue);
     for (const auto& analysis : AllItems(Analyses(session))) Add(ParentOf(analysis->AnalysisDir()));
   }
 
   [[nodiscard]] const std::vector<std::string>& Folders() const { return folders_; }
 
  private:
+  // From the text, as the component looks for each of many study areas among all.
+  void AddAreas(Session& session, std::string_view catalogue) {
+    xml::Document document;
+    document.LoadXml(*session.Component().GetServices().platform.xml_parser, catalogue);
+    const auto root = document.DocumentElement();
+    if (!root) return;
+    for (const auto& area : root->Children(tags::kStudyArea)) {
+      const Value value = area->GetAttribute(attributes::kDirName);
+      const std::string folder = value.IsNull() ? "" : ToText(value);
+      Add(ParentOf(folder));
+      Add(folder + sDefaultDirNames::kAnalyses + "\\");
+    }
+  }
+
   void Add(const std::string& folder) {
     if (!folder.empty() && known_.insert(FoldedName(folder)).second) folders_.push_back(folder);
   }
@@ -101,11 +114,14 @@ class Surroundings {
   std::vector<std::string> folders_;
 };
 
-// What is stored of all items, as text in which their identifiers are.
-std::string StoredItems(Session& session) {
-  const auto catalogue = session.Component().GetServices().registry->Read(
+std::string Catalogue(Session& session) {
+  const auto stored = session.Component().GetServices().registry->Read(
       RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue);
-  std::string text = catalogue ? catalogue->data : "";
+  return stored ? stored->data : "";
+}
+
+// What is stored of all items, as text in which their identifiers are.
+std::string StoredItems(Session& session, std::string text) {
   for (const Value& value : session.GetProject().values) {
     if (value.IsText()) text += ToText(value);
   }
@@ -168,8 +184,9 @@ std::string NameOfPlace(const std::filesystem::path& project, std::string_view g
 
 std::vector<WaitingFolder> WaitingFolders(Session& session) {
   const os::Drives& drives = session.GetProject().drives;
-  const std::string stored = StoredItems(session);
-  const Surroundings around(session);
+  const std::string catalogue = Catalogue(session);
+  const Surroundings around(session, catalogue);
+  const std::string stored = StoredItems(session, catalogue);
   std::vector<WaitingFolder> waiting;
   for (const std::string& parent : around.Folders()) {
     for (const std::string& name : os::FoldersIn(drives, parent, kPrefix)) {
