@@ -210,6 +210,16 @@ std::string UtcStamp() {
   return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H%M%SZ", &parts)};
 }
 
+std::string JournalOf(const std::string& path) { return path + "-journal"; }
+
+// Takes the journal of the database at `from` to the one at `to`: a database that comes to stand
+// beside the journal of another one would be changed by it.
+void MoveJournal(const std::string& from, const std::string& to) {
+  if (::rename(JournalOf(from).c_str(), JournalOf(to).c_str()) != 0 && errno != ENOENT) {
+    ThrowSystemError(errno);
+  }
+}
+
 RegistryType TypeIn(const SqliteStatement& row) { return static_cast<RegistryType>(row.Number(0)); }
 
 }  // namespace
@@ -280,6 +290,7 @@ std::optional<std::string> SqliteRegistry::SetAside() {
   if (state != RegistryState::kDamaged && state != RegistryState::kNotADatabase) return {};
   const std::string aside = options_.path + ".damaged-" + UtcStamp();
   const bool done = Done([&] {
+    MoveJournal(options_.path, aside);
     if (!RenameUnlessTaken(options_.path, aside)) ThrowSystemError(EEXIST);
     SyncFolderOf(options_.path);
   });
@@ -310,7 +321,12 @@ std::unique_ptr<SqliteDatabase> SqliteRegistry::OpenForReading() const {
 
 std::unique_ptr<SqliteDatabase> SqliteRegistry::BeginWriting() const {
   RequireFileName(options_.path);
-  if (!IsThere(options_.path)) Create();
+  // Asked for first: then it is not that of somebody who makes the file meanwhile.
+  const bool has_journal = fs::exists(JournalOf(options_.path));
+  if (!IsThere(options_.path)) {
+    if (has_journal) MoveJournal(options_.path, options_.path + ".left-" + UtcStamp());
+    Create();
+  }
   auto database = std::make_unique<SqliteDatabase>(options_.path, SqliteDatabase::Access::kExisting,
                                                    options_.busy_timeout);
   // What was answered survives a loss of power, the end of the journal included.

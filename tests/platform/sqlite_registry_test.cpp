@@ -24,6 +24,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::SizeIs;
+using testing::UnorderedElementsAre;
 
 constexpr auto kMachine = RegistryRoot::kLocalMachine;
 constexpr std::string_view kKey = "Software\\Velk\\Kelvaro";
@@ -203,6 +204,19 @@ TEST_F(SqliteRegistryTest, ADamagedFileIsSetAsideAndANewOneIsMade) {
   EXPECT_TRUE(registry.WriteText(kMachine, kKey, "Alias", "Shops"));
   path_ = *aside;
   EXPECT_EQ(ReadRaw(), "my notes");
+}
+
+// A transaction that was never ended leaves its journal, and the user may delete the database.
+// SQLite would play it back into the next one.
+TEST_F(SqliteRegistryTest, AJournalThatWasLeftBehindIsSetAsideForANewFile) {
+  std::ofstream(path_ + "-journal") << "left behind";
+  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder_.Path())) {
+    names.push_back(entry.path().filename());
+  }
+  EXPECT_THAT(names, UnorderedElementsAre("registry.db",
+                                          MatchesRegex("registry.db.left-[0-9TZ-]+-journal")));
 }
 
 TEST_F(SqliteRegistryTest, AFileThatIsNotDamagedIsNotSetAside) {
