@@ -16,7 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::chrono::seconds kLockPatience{5};
+// Many programs at once on a busy machine each take their turn.
+constexpr std::chrono::seconds kLockPatience{30};
 constexpr std::chrono::milliseconds kLockPause{20};
 
 constexpr char kSuffix[] = ".kvdm";
