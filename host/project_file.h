@@ -38,7 +38,7 @@ class Unconfirmed : public Failure {
 // when that can't be done; the project file then is what it was, unless the failure is Unconfirmed.
 bool WriteProjectFile(const std::filesystem::path& file, const Project& project);
 
-// Waits a few seconds for the lock file `file`, which then holds off other processes as long as the
+// Waits half a minute for the lock file `file`, which then holds off other processes as long as the
 // result lives; its folder is made when it is missing. Failure kRefused, naming `what`, when
 // another process keeps it.
 [[nodiscard]] std::shared_ptr<void> WaitForLock(const std::filesystem::path& file,
