@@ -4,11 +4,9 @@
     WORLD/outside  what no command may touch
 """
 
-import itertools
 import json
 import os
 import pathlib
-import random
 import shutil
 import subprocess
 import tempfile
@@ -118,29 +116,3 @@ def part_of(cases, part):
     """The share K/N of the cases."""
     which, of = (int(number) for number in part.split("/"))
     return cases[which - 1 :: of]
-
-
-PLAIN = ["North", "Größe 大", "a b", "x" * 50, "O'Neill", "a&b(c)",
-         "100%", "-x", "{x}", "a.b.c", "ends.", "tab\tbed", "é" * 60, "e\u0301", "\U0001F600 shop",
-         "\u202eright", "a\u200bb", "\u009b31m", "CON", "nul.txt", ".hidden", "~", "$HOME", "`x`", "[1]",
-         "_x_", "__", "a;b", "#1", "@x", "=1+1", "\ufffd", "\u00a0", "İstanbul", "ß", "ﬁ", "\ufeffx",
-         "\u2028line", "\u0085next", "\U0010ffff", "x ", " x", "Default", "{00000000-0000-0000-0000-000000000000}"]
-ODD = ["", "x\uffffy", 'a"b', "x" * 241, "\ufffe", "\x01", b"\xff", "../../outside", "a/b", "x" * 255, ".", "..", "...", " ", " . ", "/", "\\", "..\\..\\outside", "../../outside", "a/b", "a\\b", "C:",
-       "C:\\x", "\\\\server\\share", "\\\\?\\C:\\x", "a:b", "a*", "a?", 'a"b', '"', "a<b", "a>b", "a|b",
-       "a\nb", "a\rb", "\x01", "x\x1by", "\x7f", "x\uffffy", "\ufffe", "x" * 241, "x" * 255, "x" * 256,
-       "ü" * 121, "ü" * 250, "x" * 5000, b"\xff", b"a\xc3", b"\xed\xa0\x80", "'", "a'\"b", "]", "['x']",
-       "/*[@NAME]", "-", "--", "--json", "-p", "--yes"]
-
-
-def names(count, seed):
-    """A list of names of every kind; the first are the same for every count."""
-    chosen = []
-    for pair in itertools.zip_longest(ODD, PLAIN):
-        chosen += [name for name in pair if name is not None and name not in chosen]
-    source = random.Random(seed)
-    ranges = [(0x20, 0x7e), (0xa0, 0x24f), (0x300, 0x36f), (0x590, 0x6ff), (0x2000, 0x206f), (0x4e00, 0x4e80),
-              (0xe000, 0xe010), (0xfff0, 0xffff), (0x1f600, 0x1f64f), (0x01, 0x1f)]
-    while len(chosen) < count:
-        chosen.append("".join(chr(source.randint(*source.choice(ranges)))
-                              for _ in range(source.randint(1, 12))))
-    return chosen[:count]

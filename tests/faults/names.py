@@ -10,9 +10,9 @@ import argparse
 import os
 import sys
 
-from doors import Place, names, part_of
+from doors import Place, part_of
+from hostile_names import COUNT, names
 
-SEED = 20260815
 KINDS = ["area", "analysis", "store", "customer", "data"]
 LIST = {"data": ["list", "--all"]}
 
@@ -91,8 +91,7 @@ def main():
     parser.add_argument("--long", action="store_true")
     parser.add_argument("--part", default="1/1")
     asked = parser.parse_args()
-    chosen = list(enumerate(names(1000 if asked.long else 50, SEED)))
-    print(f"seed {SEED}")
+    chosen = list(enumerate(names(COUNT if asked.long else 50)))
     with Place(asked.kvdm, "names") as place:
         for index, name in part_of(chosen, asked.part):
             kinds = KINDS if asked.long else [KINDS[index % len(KINDS)]]

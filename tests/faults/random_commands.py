@@ -12,9 +12,9 @@ import random
 import re
 import sys
 
-from doors import ODD, PLAIN, Place, part_of
+from doors import Place, part_of
+from hostile_names import ODD, PLAIN, SEED
 
-SEED = 20260815
 SHORT, LONG = 200, 20_000
 WORDS = PLAIN + ODD + ["Sales", "Plain", "radius", "yes", "no", "store", "customer", "input.json"]
 
