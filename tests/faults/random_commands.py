@@ -4,7 +4,8 @@
     random_commands.py KVDM [--long] [--part K/N]
 
 Each ends with a documented status, prints one JSON object when asked for it, and touches nothing
-outside. What the project holds then can always be read.
+outside. What made or deleted an item has saved that, what was refused has changed nothing, and what
+the project holds then can always be read.
 """
 
 import argparse
@@ -52,6 +53,19 @@ def line(source, tree):
     return words
 
 
+def run(place, words):
+    """Runs a command; compares what is stored before and after, where its answer says which."""
+    makes = len(words) > 1 and any(word in ("create", "delete") for word in words[1:3])
+    if not makes or "--help" in words:
+        place.run(*words)
+        return
+    before = place.project(), place.run("area", "list", "--json").out
+    answer = place.run(*words)
+    same = (place.project(), place.run("area", "list", "--json").out) == before
+    place.require(answer.status != 0 or not same, "lost", f"done, and nothing is saved: {answer}")
+    place.require(answer.status not in (2, 3, 4) or same, "lost", f"refused, and saved: {answer}")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("kvdm")
@@ -67,7 +81,7 @@ def main():
         for number in part_of(range(LONG if asked.long else SHORT), asked.part):
             words = line(random.Random(f"{SEED} {number}"), tree)
             place.counts["tried"] += 1
-            place.run(*words)
+            run(place, words)
             if number % 20 == 0:
                 status = place.run("status", "--json")
                 place.require(status.status == 0, "lost", f"after {words}: {status}")
