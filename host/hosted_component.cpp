@@ -8,6 +8,7 @@
 #include "host/metadata_text.h"
 #include "host/os.h"
 #include "platform/portable/variant_list.h"
+#include "platform/xml/document.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {
@@ -37,9 +38,10 @@ HostedComponent::HostedComponent(const Project& project, Output& out)
 
 void HostedComponent::Load(const Project& project) {
   const Value& document = project.values.front();
-  const std::string problem =
-      document.IsText() ? DocumentProblem(*services_.platform.xml_parser, ToText(document))
-                        : "Its first value is no metadata document.";
+  const std::string problem = document.IsText()
+                                  ? DocumentProblem(*services_.platform.xml_parser,
+                                                    "Its metadata document", ToText(document))
+                                  : "Its first value is no metadata document.";
   if (!problem.empty()) throw Failure(ExitCode::kUnreadable, problem);
   Required(Query<IPersistVariant>(manager_)).Load(std::make_shared<VariantList>(project.values));
 }
@@ -57,6 +59,22 @@ void HostedComponent::RequireRegistry() const {
   if (const auto& unread = services_.registry->Unread()) {
     throw Failure(ExitCode::kUnreadable, RegistrySentence(*unread));
   }
+}
+
+std::string HostedComponent::CatalogueProblem() const {
+  XmlParser& parser = *services_.platform.xml_parser;
+  const std::string text = ToText(ReadRegistryString(
+      *services_.registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));
+  if (text.empty()) return "";
+  const std::string problem =
+      DocumentProblem(parser, fmt::format("The list of study areas in {}", RegistryPlace()), text);
+  if (problem.empty()) return "";
+  if (xml::IsWellFormed(parser, text)) {
+    return problem + " It can be neither shown nor changed. Put a copy from a backup in its place.";
+  }
+  return problem +
+         " The next change keeps its text in the history of the registry and starts a new list: "
+         "'kvdm project save' does that.";
 }
 
 void HostedComponent::RequireRegistryForStudyArea() {

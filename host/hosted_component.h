@@ -39,6 +39,9 @@ class HostedComponent {
   void RequireRegistry() const;
   // The same when a study area is open: then the registry says where its files are.
   void RequireRegistryForStudyArea();
+  // What is wrong with the list of study areas in a registry that can be read, and what to do about
+  // it, in sentences; "" when nothing is.
+  [[nodiscard]] std::string CatalogueProblem() const;
   // What was kept of the list of study areas; nothing when the registry can't be read.
   [[nodiscard]] std::vector<KeptValue> KeptStudyAreas() const;
 

@@ -12,8 +12,8 @@
 namespace kvdm {
 namespace {
 
-std::string Over(std::size_t limit, std::string_view what) {
-  return fmt::format("Its metadata document has more than {} {}.", limit, what);
+std::string Over(std::size_t limit, std::string_view of) {
+  return fmt::format("has more than {} {}", limit, of);
 }
 
 // Remembers the first limit that a document is over.
@@ -63,10 +63,7 @@ class LimitFinder : public XmlHandler {
   std::string problem_;
 };
 
-}  // namespace
-
-std::string DocumentProblem(XmlParser& parser, std::string_view text) {
-  if (xml::Document().LoadXml(parser, text)) return "";
+std::string Problem(XmlParser& parser, std::string_view text) {
   if (text.size() > xml::kMaxInputBytes) return Over(xml::kMaxInputBytes, "bytes");
   if (!HasAttributesWithin(text, xml::kMaxAttributes)) {
     return Over(xml::kMaxAttributes, "attributes at one element");
@@ -77,7 +74,14 @@ std::string DocumentProblem(XmlParser& parser, std::string_view text) {
   if (!finder.Problem().empty()) return finder.Problem();
   if (xml::IsWellFormed(parser, text)) return Over(xml::kMaxDocumentBytes, "bytes");
   if (finder.WasAsDeepAsMayBe()) return Over(xml::kMaxDepth, "elements within each other");
-  return "Its metadata document is not well-formed XML.";
+  return "is not well-formed XML";
+}
+
+}  // namespace
+
+std::string DocumentProblem(XmlParser& parser, std::string_view what, std::string_view text) {
+  if (xml::Document().LoadXml(parser, text)) return "";
+  return fmt::format("{} {}.", what, Problem(parser, text));
 }
 
 }  // namespace kvdm

@@ -8,8 +8,9 @@
 
 namespace kvdm {
 
-// Why the component does not take `text` as a document, as a sentence that names the limit that it
-// is over; "" when it does.
-[[nodiscard]] std::string DocumentProblem(XmlParser& parser, std::string_view text);
+// Why the component does not take `text` as a document, as a sentence about `what` that names the
+// limit that it is over; "" when it does.
+[[nodiscard]] std::string DocumentProblem(XmlParser& parser, std::string_view what,
+                                          std::string_view text);
 
 }  // namespace kvdm

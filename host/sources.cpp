@@ -10,6 +10,12 @@ std::shared_ptr<Collection> Reached(std::shared_ptr<Collection> collection, cons
                 fmt::format("The {} list can't be reached. 'kvdm status' tells more.", kind));
 }
 
+// Failure kUnreadable when the list of study areas can't be used as it is stored.
+void RequireCatalogue(Session& session) {
+  const std::string problem = session.Component().CatalogueProblem();
+  if (!problem.empty()) throw Failure(ExitCode::kUnreadable, problem);
+}
+
 }  // namespace
 
 std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection(Session& session) {
@@ -25,11 +31,17 @@ std::shared_ptr<IKVAnalysisCollection> AnalysisCollection(Session& session) {
 std::string MissingCurrentArea(Session& session) {
   const std::string name = session.Component().CurrentStudyArea();
   if (name.empty() || StudyAreaCollection(session)->GetStudyArea(name)) return {};
+  RequireCatalogue(session);
   return fmt::format(
       "The project works in the study area {}, which is not in the list of study "
       "areas: it was deleted or renamed. Open another one with 'kvdm area use NAME', "
       "or none with 'kvdm area use --none'.",
       name);
+}
+
+void TellOfMissingArea(Session& session) {
+  const std::string missing = MissingCurrentArea(session);
+  if (!missing.empty()) Output::Tell("kvdm: " + missing);
 }
 
 void RequireCurrentArea(Session& session) {
@@ -39,10 +51,12 @@ void RequireCurrentArea(Session& session) {
 
 ItemSource<IKVStudyArea> StudyAreas(Session& session) {
   const auto collection = StudyAreaCollection(session);
+  auto names = collection->StudyAreasList();
+  if (!names) RequireCatalogue(session);
   return {
       .kind = "study area",
       .command = "kvdm area list",
-      .names = collection->StudyAreasList(),
+      .names = std::move(names),
       .guids = collection->StudyAreasGUIDsList(),
       .by_name = [collection](const std::string& name) { return collection->GetStudyArea(name); },
       .by_guid =

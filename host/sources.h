@@ -16,9 +16,12 @@ namespace kvdm {
 // A sentence about the study area that the project works in, if that is not in the list: what is
 // made would go to the working directory without a word. "" when all is well.
 [[nodiscard]] std::string MissingCurrentArea(Session& session);
+// Tells people so.
+void TellOfMissingArea(Session& session);
 // Failure kNotFound with that sentence.
 void RequireCurrentArea(Session& session);
 
+// StudyAreas fails with kUnreadable, too, when the list can't be used as it is stored.
 [[nodiscard]] ItemSource<IKVStudyArea> StudyAreas(Session& session);
 [[nodiscard]] ItemSource<IKVAnalysis> Analyses(Session& session);
 

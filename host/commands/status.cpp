@@ -16,12 +16,6 @@ Field CountOf(const NameListRef& names) {
   return names ? Field(std::int64_t{names->Count()}) : Field();
 }
 
-bool IsCatalogueDamaged(const Platform& platform) {
-  const std::string text = ToText(ReadRegistryString(
-      *platform.registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));
-  return !text.empty() && !xml::IsWellFormed(*platform.xml_parser, text);
-}
-
 // The catalogues that were kept as a whole.
 std::vector<Record> KeptCatalogues(const HostedComponent& component) {
   XmlParser& parser = *component.GetServices().platform.xml_parser;
@@ -48,8 +42,10 @@ class Status : public ReadingCommand {
     HostedComponent& component = session.Component();
     const Services& services = component.GetServices();
     const auto kept = KeptCatalogues(component);
-    const bool damaged = IsCatalogueDamaged(services.platform);
+    const std::string problem = component.CatalogueProblem();
+    const bool damaged = !problem.empty();
     const auto unread = services.registry->Unread();
+    const auto condition = unread.value_or(services.registry->Condition());
     out.Fields({{"project", os::ToText(session.File())},
                 {"working_directory", session.Manager().WorkingDirectory()},
                 {"working_directory_found", component.WorkingDirectoryWasThere()},
@@ -57,19 +53,16 @@ class Status : public ReadingCommand {
                 {"study_areas", unread ? Field() : StudyAreaCount(session)},
                 {"analyses", CountOf(session.Manager().AnalysisCollection()->AnalysesGUIDsList())},
                 {"registry", RegistryPlace()},
-                {"registry_state", std::string(unread.value_or(RegistryCondition{}).Name())},
+                {"registry_state", std::string(condition.Name())},
                 {"catalogue_damaged", unread ? Field() : Field(damaged)}});
-    if (unread) return Output::Tell("kvdm: " + RegistrySentence(*unread));
-    out.Section("damaged_catalogues", kept);
-    if (!damaged) TellOfWaitingFolders(session);
-    const std::string missing = damaged ? "" : MissingCurrentArea(session);
-    if (!missing.empty()) Output::Tell("kvdm: " + missing);
-    if (damaged) {
-      Output::Tell(
-          "kvdm: the catalogue of study areas in the registry is damaged and counts as empty. The "
-          "next change keeps its text aside in the history of the registry and starts a new one: "
-          "'kvdm project save' does that.");
+    if (condition.state != RegistryState::kReady) {
+      Output::Tell("kvdm: " + RegistrySentence(condition));
     }
+    if (unread) return;
+    out.Section("damaged_catalogues", kept);
+    if (damaged) return Output::Tell("kvdm: " + problem);
+    TellOfWaitingFolders(session);
+    TellOfMissingArea(session);
   }
 };
 

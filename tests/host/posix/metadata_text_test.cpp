@@ -12,7 +12,9 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string ProblemOf(const std::string& text) { return DocumentProblem(*MakeXmlParser(), text); }
+std::string ProblemOf(const std::string& text) {
+  return DocumentProblem(*MakeXmlParser(), "Its metadata document", text);
+}
 
 std::string Repeated(std::size_t count, std::string_view text) {
   std::string result;
