@@ -3,6 +3,7 @@
 #include "host/commands/item_comment.h"
 #include "host/commands/item_set.h"
 #include "host/deletion.h"
+#include "host/project_file.h"
 #include "host/sources.h"
 #include "util/default_dir_names.h"
 
@@ -55,6 +56,7 @@ class AreaList : public ReadingCommand {
   void Run(Session& session, Output& out) override {
     const auto source = StudyAreas(session);
     out.Items(Descriptions(source, AllItems(source)), "There are no study areas.");
+    TellOfMissingArea(session);
   }
 };
 
@@ -95,6 +97,7 @@ class AreaShow : public ReadingCommand {
  private:
   void Run(Session& session, Output& out) override {
     out.Fields(AreaRecord(*FindItem(StudyAreas(session), name_), session, out));
+    TellOfMissingArea(session);
   }
 
   std::string name_;
@@ -116,11 +119,28 @@ class AreaRename : public ChangingCommand {
     RequireFreeName(source, new_name_, area->GUID());
     area->SetName(new_name_);
     RequireRenamed(*area, new_name_);
-    if (session.Component().CurrentStudyArea() == old_name) {
-      session.Component().SetCurrentStudyArea(new_name_);
-    }
+    const bool is_current = session.Component().CurrentStudyArea() == old_name;
+    if (is_current) session.Component().SetCurrentStudyArea(new_name_);
+    Save(session, old_name, is_current);
     out.Done(source.describe(*area),
              fmt::format("Renamed the study area {} to {}.", old_name, area->Name()));
+  }
+
+  // The list, which all projects share, has the new name by now.
+  void Save(Session& session, const std::string& old_name, bool is_current) const {
+    try {
+      session.Save();
+    } catch (const Unconfirmed&) {
+      throw;
+    } catch (const Failure& failure) {
+      if (session.Component().GetServices().registry->Refused()) throw;
+      throw Failure(failure.code(),
+                    fmt::format("{} The study area {} is named {} in the list, though.{}",
+                                failure.what(), old_name, new_name_,
+                                is_current ? " The project still works in the one of the old name: "
+                                             "open the new one with 'kvdm area use'."
+                                           : ""));
+    }
   }
 
   std::string name_;
