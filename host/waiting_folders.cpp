@@ -82,9 +82,10 @@ class Surroundings {
     const std::string top = session.Manager().WorkingDirectory();
     Add(top);
     for (const char* name : {sDefaultDirNames::kStudyAreas, sDefaultDirNames::kAnalyses,
-                             sDefaultDirNames::kStoreLayers, sDefaultDirNames::kCustLayers}) {
+                             sDefaultDirNames::kCustLayers}) {
       Add(top + name + "\\");
     }
+    AddTree(session.GetProject().drives, top + sDefaultDirNames::kStoreLayers + "\\");
     AddAreas(session, catalogue);
     for (const auto& analysis : AllItems(Analyses(session))) Add(ParentOf(analysis->AnalysisDir()));
   }
@@ -103,6 +104,19 @@ class Surroundings {
       const std::string folder = value.IsNull() ? "" : ToText(value);
       Add(ParentOf(folder));
       Add(folder + sDefaultDirNames::kAnalyses + "\\");
+    }
+  }
+
+  // A store layer's own folder may be at any depth, and once it is deleted nothing names it.
+  void AddTree(const os::Drives& drives, const std::string& top) {
+    std::vector<std::string> open = {top};
+    while (!open.empty()) {
+      const std::string folder = open.back();
+      open.pop_back();
+      Add(folder);
+      for (const std::string& name : os::FoldersIn(drives, folder, "")) {
+        if (!name.starts_with(kPrefix)) open.push_back(folder + name + "\\");
+      }
     }
   }
 
