@@ -123,30 +123,6 @@ TEST_F(ProjectFileTest, IsThereAllTheTimeWhileItIsReplaced) {
   EXPECT_EQ(missed, 0) << "of " << looks;
 }
 
-// As at a moment when the file is not there, while another kvdm puts it in place.
-TEST_F(ProjectFileTest, IsWaitedForWhileItsLockIsHeld) {
-  const fs::path inner = folder_.Path("inner");
-  fs::create_directory(inner);
-  const fs::path project = inner / "Inner.kvdm";
-  WriteProjectFile(file_, ProjectWith("outer"));
-  const CurrentFolder inside(inner);
-  for (const char* given : {"", "Inner.kvdm"}) {
-    SCOPED_TRACE(given);
-    auto lock = os::TryLock(Beside(project, ".lock"));
-    std::jthread other([&] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
-      WriteProjectFile(project, ProjectWith("inner"));
-      lock.reset();
-    });
-
-    EXPECT_EQ(FindProjectFile(given), os::Canonical(folder_.Path()) / "inner" / "Inner.kvdm");
-    other.join();
-    fs::remove(project);
-  }
-  // The lock file of a project that was removed keeps nobody from the one above.
-  EXPECT_EQ(FindProjectFile(""), os::Canonical(file_));
-}
-
 TEST_F(ProjectFileTest, LocksOutOthersUntilTheLockIsGone) {
   const fs::path lock_file = folder_.Path("lock");
   auto lock = os::TryLock(lock_file);
