@@ -69,7 +69,8 @@ struct Services {
 // path. Nothing for one in any other state, and where the registry is the system's own.
 [[nodiscard]] std::optional<std::string> SetRegistryAside(Output& out);
 
-// The file that is locked while a command changes what all projects share.
-[[nodiscard]] std::filesystem::path RegistryLockFile();
+// The file that is locked while a command changes what all projects share; nothing where the
+// registry's path is that of no file.
+[[nodiscard]] std::optional<std::filesystem::path> RegistryLockFile();
 
 }  // namespace kvdm

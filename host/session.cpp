@@ -23,13 +23,14 @@ HostedComponent Start(const std::filesystem::path& file, const Project& project,
 // those who need it.
 std::shared_ptr<void> LockRegistry() {
   const auto file = RegistryLockFile();
+  if (!file) return nullptr;
   try {
-    os::CreateFolders(file.parent_path());
-    static_cast<void>(os::TryLock(file));
+    os::CreateFolders(file->parent_path());
+    static_cast<void>(os::TryLock(*file));
   } catch (const std::system_error&) {
     return nullptr;
   }
-  return WaitForLock(file, fmt::format("The list of study areas in {}", RegistryPlace()));
+  return WaitForLock(*file, fmt::format("The list of study areas in {}", RegistryPlace()));
 }
 
 }  // namespace

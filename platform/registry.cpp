@@ -14,7 +14,7 @@ struct StateText {
   std::string_view advice;
 };
 
-constexpr std::array<StateText, 8> kStates = {{
+constexpr std::array<StateText, 10> kStates = {{
     {RegistryState::kReady, "ready", "can be read and written", ""},
     {RegistryState::kBusy, "busy", "is held by another program",
      "Close the program that holds it, such as a backup or a database browser, and try again."},
@@ -28,6 +28,10 @@ constexpr std::array<StateText, 8> kStates = {{
      "Update this program, or name another file for the registry."},
     {RegistryState::kForbidden, "forbidden", "may not be used by you",
      "Ask for the right to read and write it, or name another file for the registry."},
+    {RegistryState::kReadOnly, "read-only", "can be read but not written",
+     "Ask for the right to write it, or name another file for the registry."},
+    {RegistryState::kTooLarge, "too large", "holds more study areas than can be kept",
+     "Put a copy from a backup in its place."},
     {RegistryState::kFailing, "failing", "can't be used",
      "See to the disk that it is on, and try again."},
 }};

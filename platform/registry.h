@@ -28,7 +28,7 @@ struct KeptValue {
   RegistryValue value;
 };
 
-// What the last access found.
+// What the last access found, and a read also whether a write would be refused.
 enum class RegistryState {
   kReady,
   kBusy,          // another program holds it
@@ -37,6 +37,8 @@ enum class RegistryState {
   kForeign,       // it belongs to another program
   kNewer,         // a newer version of this component wrote it
   kForbidden,     // the user has no right to it
+  kReadOnly,      // the user has no right to write it
+  kTooLarge,      // what it holds is more than can be read
   kFailing,       // the system reports an error
 };
 

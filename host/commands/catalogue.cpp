@@ -43,7 +43,8 @@ class CatalogueRenew : public Command {
   explicit CatalogueRenew(Arguments) {}
 
   void Execute(const Invocation& invocation) override {
-    const auto lock = WaitForLock(RegistryLockFile(), "The registry");
+    const auto lock_file = RegistryLockFile();
+    const auto lock = lock_file ? WaitForLock(*lock_file, "The registry") : nullptr;
     const auto aside = SetRegistryAside(invocation.out);
     if (!aside) {
       throw Failure(ExitCode::kRefused,

@@ -24,6 +24,10 @@ std::optional<std::string> SetRegistryAside(Output& out) {
   return SqliteRegistry({}, log).SetAside();
 }
 
-std::filesystem::path RegistryLockFile() { return Beside(os::Absolute(RegistryPlace()), ".lock"); }
+std::optional<std::filesystem::path> RegistryLockFile() {
+  const std::string place = RegistryPlace();
+  if (!NamesRegistryFile(place)) return std::nullopt;
+  return Beside(os::Absolute(place), ".lock");
+}
 
 }  // namespace kvdm

@@ -54,7 +54,7 @@ std::string RegistryPlace() { return fmt::format("HKEY_LOCAL_MACHINE\\{}", kRegi
 
 std::optional<std::string> SetRegistryAside(Output&) { return std::nullopt; }
 
-std::filesystem::path RegistryLockFile() {
+std::optional<std::filesystem::path> RegistryLockFile() {
   const std::string folder = os::Environment("LOCALAPPDATA");
   if (folder.empty()) {
     throw Failure(ExitCode::kRefused,

@@ -11,6 +11,7 @@
 #include "platform/error.h"
 #include "platform/file_names.h"
 #include "platform/xml/document.h"
+#include "platform/xml/limits.h"
 
 namespace kvdm {
 namespace {
@@ -22,6 +23,14 @@ constexpr char kArea[] = "STUDYAREA";
 constexpr char kGuid[] = "GUID";
 constexpr char kName[] = "NAME";
 constexpr char kFolder[] = "DIRNAME";
+
+std::string OverLimits() {
+  return "the stored catalogue is over a limit of documents: " +
+         std::to_string(xml::kMaxDocumentBytes) + " bytes, " + std::to_string(xml::kMaxValueBytes) +
+         " bytes in one value, " + std::to_string(xml::kMaxAttributes) +
+         " attributes at one element, " + std::to_string(xml::kMaxDepth) +
+         " elements within each other";
+}
 
 std::string TextOf(const Element& element, const char* attribute) {
   const Value value = element.GetAttribute(attribute);
@@ -378,8 +387,7 @@ TextUpdate::Outcome CatalogueUpdate::Merged(const std::string& text) const {
   const Catalogue stored(parser_, text);
   if (!stored.Root()) {
     if (xml::IsWellFormed(parser_, text)) {
-      throw RuntimeError(kOutOfMemory, "Registry",
-                         "the stored catalogue is larger than a document may be");
+      throw RuntimeError(kOutOfMemory, "Registry", OverLimits());
     }
     return {wanted_, true};
   }

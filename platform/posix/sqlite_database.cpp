@@ -80,6 +80,10 @@ std::int64_t SqliteDatabase::Number(std::string_view query) const {
   return statement.Step() ? statement.Number(0) : 0;
 }
 
+bool SqliteDatabase::IsReadOnly() const {
+  return sqlite3_db_readonly(database_.get(), "main") == 1;
+}
+
 bool SqliteDatabase::HasMoved() const {
   int moved = 0;
   sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);

@@ -74,6 +74,8 @@ class SqliteDatabase {
   [[nodiscard]] std::int64_t Number(std::string_view query) const;
   // Whether the open file is no longer the one that its path leads to.
   [[nodiscard]] bool HasMoved() const;
+  // Whether the file itself can't be written.
+  [[nodiscard]] bool IsReadOnly() const;
 
  private:
   struct Closer {

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -111,12 +112,10 @@ bool IsThere(const std::string& path) {
   return true;
 }
 
-// SQLite takes some names for databases that are gone with the process.
 void RequireFileName(const std::string& path) {
-  if (path.starts_with(':') || path.starts_with("file:")) {
-    throw UnusableFile(RegistryState::kForbidden,
-                       path + " names no file; write a folder in front of it");
-  }
+  if (NamesRegistryFile(path)) return;
+  throw UnusableFile(RegistryState::kForbidden,
+                     path + " names no file; write a folder in front of it");
 }
 
 bool IsRefusal(const std::error_code& error) {
@@ -135,8 +134,9 @@ RegistryState StateOf(const SqliteError& error) {
       return RegistryState::kNotADatabase;
     case SQLITE_CANTOPEN:
       return IsRefusal(error.SystemError()) ? RegistryState::kForbidden : RegistryState::kFailing;
-    case SQLITE_PERM:
     case SQLITE_READONLY:
+      return RegistryState::kReadOnly;
+    case SQLITE_PERM:
     case SQLITE_AUTH:
       return RegistryState::kForbidden;
     case SQLITE_ERROR:
@@ -150,11 +150,23 @@ RegistryState StateOf(const SqliteError& error) {
 RegistryCondition ConditionOf(const std::exception& error) {
   RegistryState state = RegistryState::kFailing;
   if (const auto* unusable = dynamic_cast<const UnusableFile*>(&error)) state = unusable->State();
+  if (const auto* refused = dynamic_cast<const RuntimeError*>(&error)) {
+    if (refused->number() == kOutOfMemory) state = RegistryState::kTooLarge;
+  }
   if (const auto* sqlite = dynamic_cast<const SqliteError*>(&error)) state = StateOf(*sqlite);
   if (const auto* system = dynamic_cast<const std::system_error*>(&error)) {
     if (IsRefusal(system->code())) state = RegistryState::kForbidden;
   }
   return {state, error.what()};
+}
+
+// Why a database that can be read can't be written; "" when it can. Its journal needs the folder.
+std::string ObstacleToWriting(const SqliteDatabase& database, const std::string& path) {
+  if (database.IsReadOnly()) return "the file can't be written";
+  const fs::path folder = fs::absolute(path).parent_path();
+  const bool is_refused =
+      ::access(folder.c_str(), W_OK | X_OK) != 0 && IsRefusal({errno, std::generic_category()});
+  return is_refused ? "its folder can't be written" : "";
 }
 
 // The folders that are missing, for their user alone.
@@ -224,6 +236,10 @@ RegistryType TypeIn(const SqliteStatement& row) { return static_cast<RegistryTyp
 
 }  // namespace
 
+bool NamesRegistryFile(std::string_view path) {
+  return !path.starts_with(':') && !path.starts_with("file:");
+}
+
 std::string DefaultRegistryPath() {
   const char* chosen = std::getenv("KVDM_REGISTRY");
   if (chosen != nullptr && *chosen != '\0') return chosen;
@@ -239,7 +255,11 @@ std::optional<RegistryValue> SqliteRegistry::Read(RegistryRoot root, std::string
                                                   std::string_view name) {
   std::optional<RegistryValue> value;
   const bool done = Done([&] {
-    if (const auto database = OpenForReading()) value = ValueIn(*database, root, key, name);
+    const auto database = OpenForReading();
+    if (!database) return;
+    value = ValueIn(*database, root, key, name);
+    const std::string obstacle = ObstacleToWriting(*database, options_.path);
+    if (!obstacle.empty()) condition_ = {RegistryState::kReadOnly, obstacle};
   });
   if (!done) ThrowUnreadable(condition_);
   return value;
@@ -329,6 +349,8 @@ std::unique_ptr<SqliteDatabase> SqliteRegistry::BeginWriting() const {
   }
   auto database = std::make_unique<SqliteDatabase>(options_.path, SqliteDatabase::Access::kExisting,
                                                    options_.busy_timeout);
+  const std::string obstacle = ObstacleToWriting(*database, options_.path);
+  if (!obstacle.empty()) throw UnusableFile(RegistryState::kReadOnly, obstacle);
   // What was answered survives a loss of power, the end of the journal included.
   database->Run("PRAGMA synchronous = EXTRA");
   database->Run("BEGIN IMMEDIATE");

@@ -26,6 +26,10 @@ struct SqliteRegistryOptions {
   std::chrono::milliseconds busy_timeout = kRegistryPatience;
 };
 
+// Whether a path is that of a file. SQLite takes some names for databases that are gone with the
+// process.
+[[nodiscard]] bool NamesRegistryFile(std::string_view path);
+
 // $KVDM_REGISTRY, else kvdm/registry.db in the user's data folder.
 [[nodiscard]] std::string DefaultRegistryPath();
 

@@ -49,6 +49,14 @@ std::optional<RegistryKey> RegistryKey::Open(RegistryRoot root, std::string_view
   return RegistryKey(key);
 }
 
+bool RegistryKey::IsReadOnly(RegistryRoot root, std::string_view path) {
+  HKEY key = nullptr;
+  const LSTATUS status =
+      ::RegOpenKeyExA(HandleOf(root), ToAnsi(path).c_str(), 0, KEY_SET_VALUE, &key);
+  if (status == ERROR_SUCCESS) ::RegCloseKey(key);
+  return status == ERROR_ACCESS_DENIED;
+}
+
 RegistryKey RegistryKey::Create(RegistryRoot root, std::string_view path) {
   HKEY key = nullptr;
   Require(::RegCreateKeyExA(HandleOf(root), ToAnsi(path).c_str(), 0, nullptr,

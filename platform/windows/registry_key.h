@@ -24,6 +24,8 @@ class RegistryKey {
  public:
   // Nothing when the key is missing.
   static std::optional<RegistryKey> Open(RegistryRoot root, std::string_view path);
+  // Whether the system refuses a write to a key that is there.
+  static bool IsReadOnly(RegistryRoot root, std::string_view path);
   // Creates the key where it is missing.
   static RegistryKey Create(RegistryRoot root, std::string_view path);
 

@@ -134,7 +134,7 @@ TextUpdate::Outcome OutcomeOf(const TextUpdate& update,
   try {
     return update.On(stored);
   } catch (const RuntimeError& error) {
-    throw std::system_error(ERROR_INVALID_DATA, std::system_category(), error.what());
+    throw std::system_error(ERROR_FILE_TOO_LARGE, std::system_category(), error.what());
   }
 }
 
@@ -142,6 +142,8 @@ RegistryState StateOf(const std::error_code& error) {
   switch (error.value()) {
     case ERROR_ACCESS_DENIED:
       return RegistryState::kForbidden;
+    case ERROR_FILE_TOO_LARGE:
+      return RegistryState::kTooLarge;
     case ERROR_BUSY:
       return RegistryState::kBusy;
     default:
@@ -155,7 +157,12 @@ std::optional<RegistryValue> WindowsRegistry::Read(RegistryRoot root, std::strin
                                                    std::string_view name) {
   std::optional<RegistryValue> value;
   const bool done = Done(key, name, [&] {
-    if (const auto open_key = RegistryKey::Open(root, key)) value = ValueIn(*open_key, name);
+    const auto open_key = RegistryKey::Open(root, key);
+    if (!open_key) return;
+    value = ValueIn(*open_key, name);
+    if (RegistryKey::IsReadOnly(root, key)) {
+      condition_ = {RegistryState::kReadOnly, "its key can't be written"};
+    }
   });
   if (!done) ThrowUnreadable(condition_);
   return value;

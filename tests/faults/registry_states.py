@@ -127,6 +127,9 @@ UNREADABLE = {
     "file:": ("file:registry.db?mode=memory", "forbidden"),
 }
 RENEWABLE = ("damaged", "not a database")
+# What needs the list of study areas itself.
+UNPARSABLE = ["area list", "area show", "area use", "area create", "area rename", "area delete",
+              "analysis create", "table dir"]
 UNWRITABLE = {
     "read-only": lambda path: path.chmod(0o444),
     "unwritable folder": lambda path: path.parent.chmod(0o555),
@@ -232,10 +235,12 @@ class Case:
         self.status_is(0)
         self.list_is(LISTED_AFTER.get(self.name, self.place.names))
 
-    def status_tells(self, state):
+    def status_tells(self, state, readable=None):
         status = json.loads(self.place.run("status", "--json").stdout or "{}")
         told = status.get("registry_state"), status.get("study_areas"), status.get("catalogue_damaged")
-        self.check("wrong", told == (state, None, None), f"status tells {told}, not {state}")
+        count = None if readable is None else len(readable)
+        damaged = None if readable is None else False
+        self.check("wrong", told == (state, count, damaged), f"status tells {told}, not {state}")
 
     def needs_what_cant_be_read(self, before):
         self.status_is(9)
@@ -267,6 +272,8 @@ def unreadable(place, counts, state, name):
                    f"the registry changed: {case.said}")
     else:
         case.needs_what_cant_be_read(before)
+    litter = [path.name for path in place.root.rglob("*") if path.name.startswith((":", "file:"))]
+    case.check("wrong", not litter, f"{litter} are new; {case.said}")
     place.registry.parent.chmod(mode)
     if name == "status":
         case.status_tells(called)
@@ -305,7 +312,28 @@ def unwritable(place, counts, state, name):
     case.status_is(1 if name in WRITES else 0)
     case.list_is(place.names)
     if name in WRITES:
-        case.check("wrong", f"The registry {place.named} may not be used" in case.result.stderr, case.said)
+        told = f"The registry {place.named} can be read but not written"
+        case.check("wrong", told in case.result.stderr, case.said)
+    if name == "status":
+        UNWRITABLE[state](place.registry)
+        case.status_tells("read-only", place.names)
+        place.allow()
+    case.end()
+
+
+def unparsable(place, counts, text, name):
+    """The registry is sound, and the list of study areas in it is not."""
+    case = Case(place, counts, "unparsable", name)
+    with sqlite3.connect(place.registry) as database:
+        database.execute("UPDATE registry_value SET data = ? WHERE name = 'StudyAreaCollection'",
+                         (text,))
+    database.close()
+    before = place.content()
+    case.run()
+    case.status_is(9)
+    case.check("lost", place.content() == before, f"something changed: {case.said}")
+    case.check("wrong", "The list of study areas in " in case.result.stderr and
+               case.result.stderr.count(". ") > 0, f"no reason or advice: {case.said}")
     case.end()
 
 
@@ -347,6 +375,8 @@ def all_cases(is_long):
         yield (renewed, state)
     for state in UNWRITABLE:
         yield from ((unwritable, state, name) for name in (COMMANDS if is_long else [*FEW, "alias set"]))
+    for text in (b"<STUDYAREACOLLECTION><STUDYAREA", b"<A>" * 300 + b"</A>" * 300):
+        yield from ((unparsable, text, name) for name in UNPARSABLE)
     for name in COMMANDS if is_long else FEW:
         yield (held, 0.3, "held", name)
     if is_long:

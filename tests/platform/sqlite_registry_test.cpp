@@ -129,6 +129,21 @@ TEST_F(SqliteRegistryTest, NamesThatSqliteKeepsInMemoryAreRefused) {
   }
 }
 
+TEST_F(SqliteRegistryTest, AnUpdateThatFindsTooMuchSaysSo) {
+  class TooMuch final : public TextUpdate {
+   public:
+    [[nodiscard]] std::vector<Piece> Base() const override { return {}; }
+    [[nodiscard]] std::vector<Piece> Wanted() const override { return {}; }
+    [[nodiscard]] Outcome On(const std::optional<RegistryValue>&) const override {
+      throw RuntimeError(kOutOfMemory, "", "more than 64 bytes");
+    }
+  };
+  SqliteRegistry registry = Make();
+  EXPECT_FALSE(registry.Update(kMachine, kKey, "Alias", TooMuch()));
+  EXPECT_EQ(registry.Condition().state, RegistryState::kTooLarge);
+  EXPECT_THAT(registry.Condition().cause, HasSubstr("64 bytes"));
+}
+
 TEST_F(SqliteRegistryTest, ValuesOfOtherTypesAreRead) {
   ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
   OpenDatabase().Run("UPDATE registry_value SET type = 4, data = x'05FF'");
