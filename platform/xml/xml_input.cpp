@@ -16,9 +16,19 @@ std::string_view WithoutByteOrderMark(std::string_view text) {
   return text;
 }
 
+// Whether a text that starts with a declaration starts with a well-formed one: not every parser
+// wants white space between its parts.
+bool StartsWell(std::string_view text) {
+  constexpr std::string_view kStart = "<?xml";
+  constexpr std::string_view kWhiteSpace = " \t\r\n";
+  const bool is_declared = text.starts_with(kStart) && text.size() > kStart.size() &&
+                           kWhiteSpace.find(text[kStart.size()]) != kWhiteSpace.npos;
+  return !is_declared || DeclarationOf(text);
+}
+
 bool CanBeDocument(std::string_view text) {
   return text.size() <= xml::kMaxInputBytes && !text.starts_with(kUtf8Mark) &&
-         text.find('\0') == std::string_view::npos && IsValidUtf8(text) &&
+         text.find('\0') == std::string_view::npos && IsValidUtf8(text) && StartsWell(text) &&
          HasAttributesWithin(text, xml::kMaxAttributes);
 }
 

@@ -16,8 +16,9 @@ namespace kvdm {
 std::optional<std::string> DecodedXml(std::string_view bytes);
 
 // Answers what `parse` answers for the UTF-8 form of `text`, without a byte order mark and with no
-// NULs. False, without calling it, when the text doesn't fit its encoding, is larger than documents
-// get, or gives an element more attributes than elements have.
+// NULs. False, without calling it, when the text doesn't fit its encoding, starts with a
+// declaration that is not well-formed, is larger than documents get, or gives an element more
+// attributes than elements have.
 bool ParseDecoded(std::string_view text, XmlEncoding encoding,
                   const std::function<bool(std::string_view utf8)>& parse);
 

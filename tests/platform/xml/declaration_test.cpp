@@ -24,15 +24,26 @@ TEST(DeclarationTest, TellsEncodingAndLength) {
 }
 
 TEST(DeclarationTest, WhatIsNotWellFormedIsNone) {
-  for (const auto text :
-       {"", "<a/>", " <?xml version='1.0'?>", "<?xml?>", "<?xml version='1.0'>",
-        "<?xml version='2.0'?>", "<?xml version='1.x'?>", "<?xml version=1.0?>",
-        "<?xml version='1.0?>", "<?xml encoding='utf-8'?>", "<?xmlversion='1.0'?>",
-        "<?xml version='1.0'encoding='utf-8'?>", "<?xml version='1.0' encoding=''?>",
-        "<?xml version='1.0' encoding='8'?>", "<?xml version='1.0' encoding='utf-8//IGNORE'?>",
-        "<?xml version='1.0' standalone='maybe'?>",
-        "<?xml version='1.0' standalone='yes' encoding='utf-8'?>",
-        "<?xml version='1.0' other='1'?>", "<?xml-x version='1.0'?>"}) {
+  for (const auto text : {"",
+                          "<a/>",
+                          " <?xml version='1.0'?>",
+                          "<?xml?>",
+                          "<?xml version='1.0'>",
+                          "<?xml version='2.0'?>",
+                          "<?xml version='1.x'?>",
+                          "<?xml version=1.0?>",
+                          "<?xml version='1.0?>",
+                          "<?xml encoding='utf-8'?>",
+                          "<?xmlversion='1.0'?>",
+                          "<?xml version='1.0'encoding='utf-8'?>",
+                          "<?xml version='1.0' encoding='utf-8'standalone='yes'?>",
+                          "<?xml version='1.0' encoding=''?>",
+                          "<?xml version='1.0' encoding='8'?>",
+                          "<?xml version='1.0' encoding='utf-8//IGNORE'?>",
+                          "<?xml version='1.0' standalone='maybe'?>",
+                          "<?xml version='1.0' standalone='yes' encoding='utf-8'?>",
+                          "<?xml version='1.0' other='1'?>",
+                          "<?xml-x version='1.0'?>"}) {
     EXPECT_FALSE(DeclarationOf(text)) << text;
   }
 }
