@@ -53,6 +53,7 @@ inline constexpr std::string_view kSamples[] = {
     "<a><!-- -- --></a>"sv,
     "<a><?xml version='1.0'?></a>"sv,
     " <?xml version='1.0'?><a/>"sv,
+    "<?xml version='1.0' encoding='utf-8'standalone='yes'?><a/>"sv,
     "<a>\x01</a>"sv,
     "<a>\xEF\xBF\xBF</a>"sv,
     "<a>\xC3</a>"sv,
