@@ -1,13 +1,13 @@
 // A data manager on services in memory, for fuzzers.
 #pragma once
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "datamanager/kv_data_manager.h"
+#include "fuzz/fuzzer.h"
 #include "platform/error.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/portable/properties_host.h"
@@ -15,10 +15,6 @@
 #include "util/registry_strings.h"
 
 namespace kvdm::fuzz {
-
-inline void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 // Runs an operation that may end in a run-time error, and in nothing else.
 template <class Act>
