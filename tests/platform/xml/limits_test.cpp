@@ -192,6 +192,15 @@ TEST(LimitsTest, WholeDocumentsKeepTheirSize) {
   EXPECT_LT(document.Xml().size(), kMaxDocumentBytes);
 }
 
+TEST(LimitsTest, CommentsCountAsTheyAreWritten) {
+  constexpr std::string_view kWritten = "<!--a\r\nb-->";
+  const auto root = Sized(kMaxDocumentBytes - kWritten.size());
+
+  EXPECT_RUNTIME_ERROR(root->Append(CreateComment("a\nbc")), kOutOfMemory);
+  root->Append(CreateComment("a\nb"));
+  EXPECT_EQ(root->Xml().size(), kMaxDocumentBytes);
+}
+
 TEST(LimitsTest, LoadKeepsTheSizeOfDocuments) {
   Document document;
   document.SetDocumentElement(Sized(kMaxDocumentBytes - 2));
