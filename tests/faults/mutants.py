@@ -118,7 +118,7 @@ def mutants_of(path):
 
 
 def drawn(seed, count):
-    """One list a mutant that is wanted: the change, and those that stand in if it does not build."""
+    """One list a mutant that is wanted: the change, and those that stand in if it makes no other library."""
     random_choice = random.Random(seed)
     files = {folder: sorted(path.relative_to(SOURCES) for path in (SOURCES / folder).iterdir()
                             if path.suffix in (".h", ".cpp")) for folder in FOLDERS}
@@ -206,6 +206,7 @@ class Copy:
             check=True, stdout=subprocess.DEVNULL)
         if not self.built():
             raise SystemExit("the sources do not build")
+        self.original = self.library()
         for test in self.tests:
             before = processor_time()
             failure = self.failure(test)
@@ -217,6 +218,9 @@ class Copy:
     def built(self):
         return subprocess.run(["ninja", "-j", "2", "-C", self.build, "kvdm"], check=False,
                               stdout=subprocess.DEVNULL).returncode == 0
+
+    def library(self):
+        return (self.build / "lib" / "libkvdm.so").read_bytes()
 
     def failure(self, test):
         """What the first failure of a test program is; None when it passes."""
@@ -242,12 +246,12 @@ class Copy:
         return failed[1].decode() if failed else f"status {outcome.returncode}"
 
     def try_mutant(self, folder, mutant):
-        """Which test sees the change: "" for none, None when it does not build."""
+        """Which test sees the change: "" for none, None when it makes no other library."""
         path = self.tree / mutant.path
         original = path.read_text()
         path.write_text(original[:mutant.start] + mutant.text + original[mutant.end:])
         try:
-            if not self.built():
+            if not self.built() or self.library() == self.original:
                 return None
             rest = sorted(set(self.tests) - {FOLDERS[folder], COMMON_TEST}, key=self.cost.get)
             for test in [FOLDERS[folder], COMMON_TEST, *rest]:
@@ -290,7 +294,7 @@ def main():
             if seen is not None:
                 break
         else:
-            raise SystemExit(f"{folder}: none of the changes builds")
+            raise SystemExit(f"{folder}: no change makes another library")
         line, was, becomes = lines_of(mutant)
         equivalent = f"{mutant.path}: {was}  ==>  {becomes}" in known
         survivors += not seen and not equivalent
