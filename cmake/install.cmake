@@ -1,19 +1,14 @@
 # What an installed copy consists of: the library with its headers, and how CMake and pkg-config find it.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kvdm EXPORT kvdmTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS kvdm EXPORT kvdmTargets)
 install(EXPORT kvdmTargets NAMESPACE kvdm:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kvdm)
 
 if(KVDM_BUILD_HOST)
   install(TARGETS kvdm_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
-# The folders whose headers a host may include, by the same paths as here.
-foreach(folder platform platform/xml platform/portable platform/posix util items collections
-               studyarea datamanager library)
-  file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.h)
-  install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kvdm/${folder})
-endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kvdm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 configure_package_config_file(cmake/kvdmConfig.cmake.in kvdmConfig.cmake
                               INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kvdm)
@@ -21,6 +16,8 @@ write_basic_package_version_file(kvdmConfigVersion.cmake COMPATIBILITY SameMinor
 install(FILES ${PROJECT_BINARY_DIR}/kvdmConfig.cmake ${PROJECT_BINARY_DIR}/kvdmConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kvdm)
 
+# Where the file finds the prefix from, so that a copy of the whole may stand anywhere.
+file(RELATIVE_PATH PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/kvdm.pc.in kvdm.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kvdm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

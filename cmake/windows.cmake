@@ -1,11 +1,8 @@
-# The component on Windows: a static library with its adapters inside, which the component's DLL and
-# the host are made of.
-kvdm_sources(WINDOWS_SOURCES platform/windows)
-add_library(kvdm STATIC ${CORE_SOURCES} ${WINDOWS_SOURCES})
+# The component on Windows: what it stands on. Its DLL and the host are made of it.
 # NOMB: MessageBox is a class, not the system's macro.
-target_compile_definitions(kvdm PUBLIC UNICODE NOMINMAX NOMB WIN32_LEAN_AND_MEAN
-                                       _WIN32_WINNT=0x0601)
-target_link_libraries(kvdm PUBLIC advapi32 user32 ole32 oleaut32 uuid ntdll)
+target_compile_definitions(kvdm_objects PUBLIC UNICODE NOMINMAX NOMB WIN32_LEAN_AND_MEAN
+                                               _WIN32_WINNT=0x0601)
+target_link_libraries(kvdm_objects PUBLIC advapi32 user32 ole32 oleaut32 uuid ntdll)
 
 # Programs and libraries need no other file of the compiler's at run time.
 add_link_options(-static)

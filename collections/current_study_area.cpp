@@ -1,5 +1,7 @@
 #include "collections/current_study_area.h"
 
+#include <kvdm/datamanager/study_areas.h>
+
 namespace kvdm {
 
 std::string CurrentFolder(DataManagerFriend& data_manager) {

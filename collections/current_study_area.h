@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "datamanager/friends.h"
+#include "items/friends.h"
 
 namespace kvdm {
 

@@ -1,8 +1,9 @@
 // The analyses, over an ANALYSISCOLLECTION element.
 #pragma once
 
+#include <kvdm/datamanager/analyses.h>
+
 #include "collections/collection_view.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm {
 

@@ -1,8 +1,9 @@
 // The customer layers, over a CUSTLAYERCOLLECTION element.
 #pragma once
 
+#include <kvdm/datamanager/layers.h>
+
 #include "collections/layer_collection.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm {
 

@@ -1,8 +1,9 @@
 // The data items, over a DATACOLLECTION element.
 #pragma once
 
+#include <kvdm/datamanager/data_items.h>
+
 #include "collections/collection_view.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm {
 

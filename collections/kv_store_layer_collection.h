@@ -1,8 +1,9 @@
 // The store layers, over a STORELAYERCOLLECTION element.
 #pragma once
 
+#include <kvdm/datamanager/layers.h>
+
 #include "collections/layer_collection.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm {
 

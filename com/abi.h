@@ -18,12 +18,13 @@
 #include <utility>
 #include <vector>
 
+#include <kvdm/kvdm.h>
+#include <kvdm/platform/error.h>
+
 #include "com/client_objects.h"
 #include "com/error_object.h"
 #include "com/objects.h"
 #include "com/value_arrays.h"
-#include "datamanager/interfaces.h"
-#include "platform/error.h"
 #include "platform/windows/automation.h"
 #include "platform/windows/hresult.h"
 

@@ -7,7 +7,7 @@
 #include <span>
 #include <typeindex>
 
-#include "datamanager/unknown.h"
+#include <kvdm/datamanager/unknown.h>
 
 namespace kvdm::com {
 

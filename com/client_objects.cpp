@@ -1,10 +1,11 @@
 #include "com/client_objects.h"
 
+#include <kvdm/platform/error.h>
+
 #include "com/kvdm.h"
 #include "com/late_objects.h"
 #include "com/objects.h"
 #include "com/value_arrays.h"
-#include "platform/error.h"
 #include "platform/windows/automation.h"
 #include "platform/windows/hresult.h"
 

@@ -12,8 +12,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/gis_core.h"
-#include "platform/host.h"
+#include <kvdm/platform/gis_core.h>
+#include <kvdm/platform/host.h>
 
 namespace kvdm::com {
 

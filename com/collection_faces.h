@@ -1,9 +1,12 @@
 // The interfaces of the collections of analyses, layers and data items.
 #pragma once
 
+#include <kvdm/datamanager/analyses.h>
+#include <kvdm/datamanager/data_items.h>
+#include <kvdm/datamanager/layers.h>
+
 #include "com/kvdm.h"
 #include "com/object.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm::com {
 

@@ -6,7 +6,8 @@
 
 #include <exception>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/windows/automation.h"
 #include "platform/windows/hresult.h"
 

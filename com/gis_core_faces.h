@@ -1,10 +1,11 @@
 // The interfaces of the objects that stand in for the GIS core library's.
 #pragma once
 
+#include <kvdm/platform/gis_core.h>
+
 #include "com/kvdm.h"
 #include "com/object.h"
 #include "com/value_arrays.h"
-#include "platform/gis_core.h"
 
 namespace kvdm::com {
 

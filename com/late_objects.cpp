@@ -1,8 +1,9 @@
 #include "com/late_objects.h"
 
+#include <kvdm/platform/error.h>
+
 #include "com/objects.h"
 #include "com/value_arrays.h"
-#include "platform/error.h"
 #include "platform/windows/automation.h"
 
 namespace kvdm::com {

@@ -10,9 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include <kvdm/platform/gis_core.h>
+#include <kvdm/platform/host.h>
+
 #include "com/client_objects.h"
-#include "platform/gis_core.h"
-#include "platform/host.h"
 #include "platform/windows/late_call.h"
 
 namespace kvdm::com {

@@ -1,9 +1,10 @@
 // The interfaces of the data manager.
 #pragma once
 
+#include <kvdm/kvdm.h>
+
 #include "com/kvdm.h"
 #include "com/object.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm::com {
 

@@ -1,9 +1,10 @@
 // The list of names that operations answer.
 #pragma once
 
+#include <kvdm/datamanager/name_list.h>
+
 #include "com/kvdm.h"
 #include "com/object.h"
-#include "datamanager/name_list.h"
 
 namespace kvdm::com {
 

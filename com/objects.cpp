@@ -1,11 +1,12 @@
 #include "com/objects.h"
 
+#include <kvdm/datamanager/component.h>
+
 #include "com/classes.h"
 #include "com/client_objects.h"
 #include "com/gis_core_faces.h"
 #include "com/name_list_face.h"
 #include "com/object.h"
-#include "datamanager/component.h"
 #include "platform/windows/com_siblings.h"
 #include "platform/windows/windows_platform.h"
 

@@ -8,11 +8,12 @@
 #include <memory>
 #include <typeindex>
 
+#include <kvdm/datamanager/name_list.h>
+#include <kvdm/datamanager/unknown.h>
+#include <kvdm/platform/gis_core.h>
+#include <kvdm/platform/siblings.h>
+
 #include "com/classes.h"
-#include "datamanager/name_list.h"
-#include "datamanager/unknown.h"
-#include "platform/gis_core.h"
-#include "platform/siblings.h"
 
 namespace kvdm::com {
 

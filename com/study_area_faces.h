@@ -1,9 +1,10 @@
 // The interfaces of study areas.
 #pragma once
 
+#include <kvdm/datamanager/study_areas.h>
+
 #include "com/kvdm.h"
 #include "com/object.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm::com {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/value.h"
+#include <kvdm/platform/value.h>
 
 namespace kvdm::com {
 

@@ -6,7 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/layers.h>
+#include <kvdm/datamanager/study_areas.h>
+
 #include "platform/xml/node.h"
 
 namespace kvdm {

@@ -1,8 +1,8 @@
-#include "datamanager/component.h"
-
 #include <algorithm>
 #include <iterator>
 #include <string>
+
+#include <kvdm/datamanager/component.h>
 
 #include "collections/kv_analysis_collection.h"
 #include "collections/kv_cust_layer_collection.h"

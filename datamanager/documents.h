@@ -4,7 +4,8 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/file_system.h"
+#include <kvdm/platform/file_system.h>
+
 #include "platform/xml/document.h"
 
 namespace kvdm {

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "datamanager/component.h"
+#include <kvdm/datamanager/component.h>
+
 #include "datamanager/messages.h"
 #include "platform/file_names.h"
 #include "platform/portable/shared_catalogue.h"

@@ -6,10 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include <kvdm/kvdm.h>
+
 #include "datamanager/area_registry.h"
 #include "datamanager/documents.h"
-#include "datamanager/friends.h"
-#include "datamanager/interfaces.h"
+#include "items/friends.h"
 #include "util/error_sink.h"
 
 namespace kvdm {

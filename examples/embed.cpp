@@ -2,17 +2,18 @@
 // parameter.
 #include <iostream>
 
-#include "datamanager/component.h"
-#include "datamanager/interfaces.h"
-#include "platform/portable/properties_host.h"
-#include "platform/posix/posix_platform.h"
+#include <kvdm/kvdm.h>
+#include <kvdm/platform/posix/posix_platform.h>
 
 int main(int argc, char** argv) {
-  if (argc != 2) return std::cerr << "usage: embed WORKING-DIRECTORY\n", 2;
+  if (argc != 3) return std::cerr << "usage: embed WORKING-DIRECTORY REGISTRY-FILE\n", 2;
   const auto host = std::make_shared<kvdm::PropertiesHost>();
   host->Settings()->SetProperty("VELKKVDirectory", argv[1]);
 
-  const auto component = kvdm::CreateObject(kvdm::kDataManagerClass, kvdm::MakePosixPlatform({}));
+  // Without a path for it, the study areas go into the registry that all programs of the user
+  // share.
+  const auto platform = kvdm::MakePosixPlatform({.registry_path = argv[2]});
+  const auto component = kvdm::CreateObject(kvdm::kDataManagerClass, platform);
   kvdm::Query<kvdm::IKVDMInitialize>(component)->DMInitialize(host);
   const auto manager = kvdm::Query<kvdm::IKVDataManager>(component);
 

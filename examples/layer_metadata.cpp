@@ -1,15 +1,12 @@
 // Carries an analysis's description from one project to another with the metadata of its layer
-// file, and saves the metadata document in a file of its own.
+// file, and saves the second project's metadata document.
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <string>
 
-#include "datamanager/component.h"
-#include "datamanager/interfaces.h"
-#include "platform/portable/properties_host.h"
-#include "platform/portable/sidecar_metadata.h"
-#include "platform/portable/value_file.h"
-#include "platform/posix/posix_platform.h"
+#include <kvdm/kvdm.h>
+#include <kvdm/platform/posix/posix_platform.h>
 
 namespace {
 
@@ -34,24 +31,23 @@ int main(int argc, char** argv) {
   if (argc != 2) return std::cerr << "usage: layer_metadata FOLDER\n", 2;
   const std::string folder = argv[1];
   std::filesystem::create_directories(folder);
-  const auto platform = kvdm::MakePosixPlatform({});
+  const auto platform = kvdm::MakePosixPlatform({.registry_path = folder + "/registry.db"});
 
   const auto first = Start(platform, folder + "/first");
   const auto sales = CreateSales(*first);
   sales->SetParameter("Radius", "500");
   sales->SetComments("Shops within\r\n500 metres");
-  const auto metadata = std::make_shared<kvdm::SidecarMetadata>(platform.files, platform.xml_parser,
-                                                                sales->LayerFile());
+  const auto metadata = kvdm::MakeSidecarMetadata(platform, sales->LayerFile());
   kvdm::Query<kvdm::IKVMetadata>(sales)->ExportMetadata(metadata);
 
   const auto second = Start(platform, folder + "/second");
   const auto copy = CreateSales(*second);
   kvdm::Query<kvdm::IKVMetadata>(copy)->ImportMetadata(metadata);
 
-  const auto saved = std::make_shared<kvdm::FileVariantStream>(platform.files, platform.xml_parser,
-                                                               folder + "/second.values");
+  // The one value that a host keeps in its saved document.
+  const auto saved = std::make_shared<kvdm::VariantList>();
   kvdm::Query<kvdm::IPersistVariant>(second)->Save(saved);
-  saved->Commit();
+  std::ofstream(folder + "/second.xml") << kvdm::ToText(saved->Values().front());
 
   std::cout << "radius " << copy->GetParameter("Radius") << ", identifier " << copy->AnalysisGUID()
             << '\n';

@@ -7,7 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "datamanager/component.h"
+#include <kvdm/datamanager/component.h>
+
 #include "fuzz/fuzzer.h"
 #include "host/json.h"
 #include "host/project_file.h"

@@ -1,9 +1,10 @@
 // Any bytes as a layer's side-car: an analysis takes what it can from it, and what it writes there
 // can be read.
+#include <kvdm/platform/portable/sidecar_metadata.h>
+
 #include "fuzz/fuzzer.h"
 #include "fuzz/world.h"
 #include "items/metadata_exchange.h"
-#include "platform/portable/sidecar_metadata.h"
 
 namespace kvdm::fuzz {
 
@@ -11,8 +12,7 @@ void Check(std::string_view bytes) {
   World world;
   world.Start();
   world.memory.files->AddFile(R"(D:\Data\a.lyr.xml)", bytes);
-  const auto metadata = std::make_shared<SidecarMetadata>(
-      world.memory.files, world.memory.xml_parser, R"(D:\Data\a.lyr)");
+  const auto metadata = MakeSidecarMetadata(world.memory.Bundle(), R"(D:\Data\a.lyr)");
   world.manager->AnalysisCollection()->CreateAnalysis("Sales");
   const auto analysis = world.manager->AnalysisCollection()->GetAnalysis("Sales");
   const auto exchange = Query<IKVMetadata>(analysis);

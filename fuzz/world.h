@@ -6,12 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "datamanager/kv_data_manager.h"
 #include "fuzz/fuzzer.h"
-#include "platform/error.h"
 #include "platform/memory/memory_platform.h"
-#include "platform/portable/properties_host.h"
-#include "platform/portable/variant_list.h"
 #include "util/registry_strings.h"
 
 namespace kvdm::fuzz {

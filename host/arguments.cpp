@@ -2,8 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <utility>
+
+#include <CLI/CLI.hpp>
 
 namespace kvdm {
 namespace {

@@ -2,13 +2,14 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <new>
 #include <system_error>
+
+#include <CLI/CLI.hpp>
 
 #include "host/commands/groups.h"
 #include "host/os.h"

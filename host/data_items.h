@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <kvdm/datamanager/data_items.h>
+
 #include "host/record.h"
 #include "host/session.h"
 

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 
-#include "datamanager/component.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "host/metadata_text.h"
 #include "host/os.h"
-#include "platform/portable/variant_list.h"
 #include "platform/xml/document.h"
 #include "util/registry_strings.h"
 

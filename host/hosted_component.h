@@ -6,12 +6,13 @@
 #include <string_view>
 #include <vector>
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/data_manager.h>
+#include <kvdm/platform/portable/properties_host.h>
+
 #include "host/output.h"
 #include "host/project.h"
 #include "host/services.h"
 #include "host/set_aside.h"
-#include "platform/portable/properties_host.h"
 
 namespace kvdm {
 

@@ -9,10 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "datamanager/interfaces.h"
+#include <kvdm/kvdm.h>
+#include <kvdm/platform/file_system.h>
+
 #include "host/failure.h"
 #include "host/record.h"
-#include "platform/file_system.h"
 
 namespace kvdm {
 

@@ -1,8 +1,9 @@
 // JSON that came from outside.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string_view>
+
+#include <nlohmann/json.hpp>
 
 namespace kvdm {
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iostream>
+
 #include <nlohmann/json.hpp>
 
 #include "host/text.h"

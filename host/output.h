@@ -6,9 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include <kvdm/platform/error.h>
+
 #include "host/failure.h"
 #include "host/record.h"
-#include "platform/error.h"
 
 namespace kvdm {
 

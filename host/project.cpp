@@ -6,7 +6,8 @@
 #include <charconv>
 #include <sstream>
 
-#include "datamanager/component.h"
+#include <kvdm/datamanager/component.h>
+
 #include "host/failure.h"
 #include "host/json.h"
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/portable/properties_host.h"
-#include "platform/value.h"
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/value.h>
 
 namespace kvdm {
 

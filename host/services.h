@@ -10,8 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include <kvdm/platform/platform.h>
+
 #include "host/output.h"
-#include "platform/platform.h"
 
 namespace kvdm {
 

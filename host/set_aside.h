@@ -8,8 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include <kvdm/platform/file_system.h>
+
 #include "host/os.h"
-#include "platform/file_system.h"
 
 namespace kvdm {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "datamanager/error_sinks.h"
-#include "datamanager/friends.h"
+#include "items/error_sinks.h"
+#include "items/friends.h"
 #include "platform/xml/node.h"
 
 namespace kvdm {

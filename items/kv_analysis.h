@@ -1,7 +1,9 @@
 // One analysis, over its ANALYSIS element.
 #pragma once
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/analyses.h>
+#include <kvdm/datamanager/layers.h>
+
 #include "items/layer_edit.h"
 #include "items/parameterized_item.h"
 

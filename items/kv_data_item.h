@@ -1,7 +1,8 @@
 // One data item, over its DATAITEM element.
 #pragma once
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/data_items.h>
+
 #include "items/parameterized_item.h"
 
 namespace kvdm {

@@ -3,7 +3,8 @@
 // element, and it reports.
 #pragma once
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/layers.h>
+
 #include "items/element_view.h"
 
 namespace kvdm {

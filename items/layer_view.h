@@ -6,7 +6,8 @@
 #include <string_view>
 #include <utility>
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/layers.h>
+
 #include "items/layer_edit.h"
 #include "items/parameterized_item.h"
 #include "util/kvdm_utils.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/gis_core.h"
+#include <kvdm/platform/gis_core.h>
 
 namespace kvdm {
 

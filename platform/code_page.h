@@ -1,12 +1,12 @@
-// The ANSI code page, in which the registry and message boxes hold text.
+// Text in the ANSI code page.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-namespace kvdm {
+#include <kvdm/platform/code_page.h>
 
-enum class CodePage { kUtf8, kWindows1252 };
+namespace kvdm {
 
 // Whether `page` has `character`. In Windows-1252 the five bytes that stand for no character stand
 // for the C1 control of the same number.

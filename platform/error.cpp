@@ -1,9 +1,9 @@
-#include "platform/error.h"
-
 #include <algorithm>
 #include <array>
 #include <new>
 #include <utility>
+
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 namespace {

@@ -1,8 +1,7 @@
-#include "platform/registry.h"
-
 #include <array>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/registry.h>
 
 namespace kvdm {
 namespace {

@@ -1,11 +1,10 @@
-#include "platform/value.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/value.h>
 
 namespace kvdm {
 namespace {

@@ -4,7 +4,7 @@
     check_boundary.py            compares com/kvdm.idl with the headers and with com/frozen.txt
     check_boundary.py --freeze   adds what is new to com/frozen.txt
 
-Every interface of datamanager/interfaces.h, platform/host.h and platform/gis_core.h must have its operations in the IDL in
+Every public interface must have its operations in the IDL in
 the same order, with the same parameters and results. com/frozen.txt holds the identities and slots that clients were
 compiled against; a line in it is final.
 """
@@ -15,7 +15,8 @@ import sys
 from idl import IDL, ROOT, classes as idl_classes, interfaces as idl_interfaces, typelib, without_comments
 
 FROZEN = ROOT / "com/frozen.txt"
-HEADERS = ["datamanager/interfaces.h", "platform/host.h", "platform/gis_core.h"]
+INTERFACES = ROOT / "include/kvdm/datamanager"
+HEADERS = [*sorted(INTERFACES.glob("*.h")), ROOT / "include/kvdm/platform/host.h", ROOT / "include/kvdm/platform/gis_core.h"]
 
 # Classes of the platform headers that clients implement, and the interfaces they are in the IDL.
 CLIENT_OBJECTS = ["Host", "HostPropertySet", "VariantStream", "NamedValueSet", "LayerMetadata", "Identifier"]
@@ -49,9 +50,9 @@ def header_interfaces():
     """Interface name -> its operations in the form of idl_interfaces()."""
     interfaces = {}
     for header in HEADERS:
-        text = without_comments((ROOT / header).read_text())
-        for name, body in re.findall(r"\nclass (\w+)(?: : public virtual Unknown)? \{(.*?)\n\};", text, re.S):
-            if name.startswith("I") and header == HEADERS[0] or name in CLIENT_OBJECTS:
+        text = without_comments(header.read_text())
+        for name, body in re.findall(r"\nclass KVDM_EXPORT (\w+)(?: : public virtual Unknown)? \{(.*?)\n\};", text, re.S):
+            if name.startswith("I") and header.parent == INTERFACES or name in CLIENT_OBJECTS:
                 name = name if name not in CLIENT_OBJECTS else "I" + name
                 interfaces[name] = header_operations(name, body)
     return interfaces

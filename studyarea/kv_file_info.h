@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/study_areas.h>
 
 namespace kvdm {
 

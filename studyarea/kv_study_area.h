@@ -1,7 +1,9 @@
 // One study area, over its STUDYAREA element in the catalogue.
 #pragma once
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/layers.h>
+#include <kvdm/datamanager/study_areas.h>
+
 #include "items/element_view.h"
 #include "items/layer_edit.h"
 

@@ -1,8 +1,9 @@
 // The study areas of the catalogue, over its root element.
 #pragma once
 
+#include <kvdm/datamanager/study_areas.h>
+
 #include "collections/collection_view.h"
-#include "datamanager/interfaces.h"
 
 namespace kvdm {
 

@@ -1,9 +1,10 @@
 // Where the tables of the current study area live.
 #pragma once
 
-#include "datamanager/error_sinks.h"
-#include "datamanager/friends.h"
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/study_areas.h>
+
+#include "items/error_sinks.h"
+#include "items/friends.h"
 
 namespace kvdm {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 

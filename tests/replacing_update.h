@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/registry.h"
+#include <kvdm/platform/registry.h>
 
 namespace kvdm {
 

@@ -7,11 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "datamanager/kv_data_manager.h"
 #include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
-#include "platform/portable/properties_host.h"
-#include "platform/portable/variant_list.h"
 
 namespace kvdm {
 

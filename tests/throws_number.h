@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 // Expects `statement` to fail with the run-time error `expected_number`.
 #define EXPECT_RUNTIME_ERROR(statement, expected_number)  \

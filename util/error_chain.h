@@ -4,7 +4,7 @@
 #include <exception>
 #include <vector>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 

@@ -20,7 +20,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "util/error_sink.h"
 
 namespace kvdm::guard {

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/error.h"
-#include "platform/file_system.h"
-#include "platform/gis_core.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/file_system.h>
+#include <kvdm/platform/gis_core.h>
 
 namespace kvdm {
 

@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-#include "platform/registry.h"
-#include "platform/value.h"
+#include <kvdm/platform/registry.h>
+#include <kvdm/platform/value.h>
 
 namespace kvdm {
 

@@ -3,10 +3,11 @@
 
 #include <algorithm>
 
+#include <kvdm/platform/portable/sidecar_metadata.h>
+
 #include "host/commands/groups.h"
 #include "host/layers.h"
 #include "host/sources.h"
-#include "platform/portable/sidecar_metadata.h"
 #include "platform/portable/value_set.h"
 
 namespace kvdm {
@@ -69,7 +70,7 @@ class LayerChoice {
 
 std::shared_ptr<LayerMetadata> MetadataOf(Session& session, const std::string& layer_file) {
   const Platform& platform = session.Component().GetServices().platform;
-  return std::make_shared<SidecarMetadata>(platform.files, platform.xml_parser, layer_file);
+  return MakeSidecarMetadata(platform, layer_file);
 }
 
 // Failure kNotFound when the layer has no metadata, kUnreadable when they can't be read.

@@ -1,7 +1,9 @@
 // kvdm path: paths in the component's own form.
 #include <fmt/format.h>
 
-#include "datamanager/component.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/datamanager/study_areas.h>
+
 #include "host/commands/groups.h"
 
 namespace kvdm {

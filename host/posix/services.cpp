@@ -1,8 +1,9 @@
 #include "host/services.h"
 
+#include <kvdm/platform/posix/posix_platform.h>
+
 #include "host/os.h"
 #include "host/project_file.h"
-#include "platform/posix/posix_platform.h"
 #include "platform/posix/sqlite_registry.h"
 
 namespace kvdm {

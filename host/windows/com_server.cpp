@@ -10,7 +10,8 @@
 #include <system_error>
 #include <vector>
 
-#include "datamanager/component.h"
+#include <kvdm/datamanager/component.h>
+
 #include "host/failure.h"
 #include "host/os.h"
 #include "platform/windows/utf16.h"

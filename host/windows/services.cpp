@@ -2,9 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "host/failure.h"
 #include "host/os.h"
-#include "platform/portable/portable_siblings.h"
 #include "platform/windows/com_siblings.h"
 #include "platform/windows/windows_platform.h"
 #include "util/registry_strings.h"
@@ -29,12 +30,12 @@ class AvailableSiblings : public Siblings {
       return (registered_.*create)();
     } catch (const RuntimeError& error) {
       if (error.number() != kCannotCreateObject) throw;
-      return (stand_ins_.*create)();
+      return ((*stand_ins_).*create)();
     }
   }
 
   ComSiblings registered_;
-  PortableSiblings stand_ins_;
+  std::shared_ptr<Siblings> stand_ins_ = MakePortableSiblings();
 };
 
 }  // namespace

@@ -6,13 +6,14 @@
 #include <memory>
 #include <utility>
 
-#include "platform/clock.h"
-#include "platform/gis_core.h"
-#include "platform/host.h"
+#include <kvdm/platform/clock.h>
+#include <kvdm/platform/gis_core.h>
+#include <kvdm/platform/host.h>
+#include <kvdm/platform/message_box.h>
+#include <kvdm/platform/registry.h>
+#include <kvdm/platform/siblings.h>
+
 #include "platform/memory/failure_counter.h"
-#include "platform/message_box.h"
-#include "platform/registry.h"
-#include "platform/siblings.h"
 #include "platform/xml_parser.h"
 
 namespace kvdm {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 

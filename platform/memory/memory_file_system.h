@@ -8,9 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include <kvdm/platform/file_system.h>
+
 #include "platform/file_attributes.h"
 #include "platform/file_names.h"
-#include "platform/file_system.h"
 #include "platform/memory/memory_node.h"
 
 namespace kvdm {

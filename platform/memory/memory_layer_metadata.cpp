@@ -1,6 +1,6 @@
 #include "platform/memory/memory_layer_metadata.h"
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 

@@ -1,15 +1,15 @@
 #include "platform/memory/memory_platform.h"
 
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "platform/memory/failing_file_system.h"
 #include "platform/memory/failing_services.h"
-#include "platform/portable/portable_gis_core.h"
-#include "platform/portable/portable_siblings.h"
 
 namespace kvdm {
 namespace {
 
 // Identifiers that count up.
-PortableGisCore::GuidSource SequentialGuids() {
+std::function<std::string()> SequentialGuids() {
   return [last = std::make_shared<std::uint64_t>(0)] {
     std::array<unsigned char, 16> bytes{};
     std::uint64_t number = ++*last;
@@ -28,8 +28,8 @@ MemoryPlatform::MemoryPlatform(CodePage code_page)
       box(std::make_shared<RecordingMessageBox>()),
       xml_parser(MakeXmlParser()),
       clock(std::make_shared<FixedClock>()),
-      gis_core(std::make_shared<PortableGisCore>(SequentialGuids())),
-      siblings(std::make_shared<PortableSiblings>()),
+      gis_core(MakePortableGisCore(SequentialGuids())),
+      siblings(MakePortableSiblings()),
       log(std::make_shared<RecordingLog>()) {}
 
 Platform MemoryPlatform::Bundle() const {

@@ -3,12 +3,13 @@
 
 #include <memory>
 
+#include <kvdm/platform/platform.h>
+
 #include "platform/code_page.h"
 #include "platform/memory/failure_counter.h"
 #include "platform/memory/memory_file_system.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/memory/recording_sinks.h"
-#include "platform/platform.h"
 
 namespace kvdm {
 

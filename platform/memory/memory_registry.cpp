@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 namespace {

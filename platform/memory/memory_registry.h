@@ -7,8 +7,9 @@
 #include <tuple>
 #include <vector>
 
+#include <kvdm/platform/registry.h>
+
 #include "platform/code_page.h"
-#include "platform/registry.h"
 
 namespace kvdm {
 

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/clock.h"
-#include "platform/log.h"
-#include "platform/message_box.h"
+#include <kvdm/platform/clock.h>
+#include <kvdm/platform/log.h>
+#include <kvdm/platform/message_box.h>
 
 namespace kvdm {
 

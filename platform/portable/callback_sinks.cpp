@@ -1,8 +1,10 @@
-#include "platform/portable/callback_sinks.h"
-
 #include <cstdio>
 #include <exception>
 #include <utility>
+
+#include <kvdm/platform/portable/callback_sinks.h>
+
+#include "platform/code_page.h"
 
 namespace kvdm {
 namespace {

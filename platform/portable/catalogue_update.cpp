@@ -8,7 +8,8 @@
 #include <set>
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/file_names.h"
 #include "platform/xml/document.h"
 #include "platform/xml/limits.h"

@@ -7,7 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/registry.h"
+#include <kvdm/platform/registry.h>
+
 #include "platform/xml_parser.h"
 
 namespace kvdm {

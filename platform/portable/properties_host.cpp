@@ -1,4 +1,4 @@
-#include "platform/portable/properties_host.h"
+#include <kvdm/platform/portable/properties_host.h>
 
 namespace kvdm {
 

@@ -7,8 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/log.h"
-#include "platform/registry.h"
+#include <kvdm/platform/log.h>
+#include <kvdm/platform/registry.h>
+
 #include "platform/xml_parser.h"
 
 namespace kvdm {

@@ -1,8 +1,8 @@
-#include "platform/portable/sidecar_metadata.h"
-
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/portable/sidecar_metadata.h>
+
 #include "platform/portable/value_element.h"
 #include "platform/portable/value_set.h"
 #include "platform/xml/limits.h"
@@ -14,13 +14,28 @@ constexpr std::string_view kRoot = "LAYERMETADATA";
 constexpr std::string_view kEntry = "ENTRY";
 constexpr std::string_view kPath = "PATH";
 
-}  // namespace
+class SidecarMetadata : public LayerMetadata {
+ public:
+  SidecarMetadata(const Platform& platform, std::string_view layer_file)
+      : files_(platform.files),
+        parser_(platform.xml_parser),
+        path_(std::string(layer_file) + ".xml") {}
 
-SidecarMetadata::SidecarMetadata(std::shared_ptr<FileSystem> files,
-                                 std::shared_ptr<XmlParser> parser, std::string_view layer_file)
-    : files_(std::move(files)),
-      parser_(std::move(parser)),
-      path_(std::string(layer_file) + ".xml") {}
+  std::shared_ptr<NamedValueSet> ReadDocument() override;
+  void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override;
+
+ private:
+  [[nodiscard]] std::shared_ptr<ValueSet> Parsed(std::string_view bytes) const;
+  [[nodiscard]] bool Exists(const std::string& path) const;
+  // Keeps the present file under another name, unless WriteDocument may replace it.
+  void KeepForeignFile() const;
+  void KeepCopy(std::string_view bytes) const;
+
+  std::shared_ptr<FileSystem> files_;
+  std::shared_ptr<XmlParser> parser_;
+  std::string path_;
+  bool unread_ = false;  // the last attempt to read the file failed
+};
 
 std::shared_ptr<NamedValueSet> SidecarMetadata::ReadDocument() {
   unread_ = true;
@@ -82,6 +97,13 @@ void SidecarMetadata::KeepCopy(std::string_view bytes) const {
   std::string copy = path_ + ".bak";
   for (int number = 1; Exists(copy); ++number) copy = path_ + ".bak" + std::to_string(number);
   files_->WriteFile(copy, bytes);
+}
+
+}  // namespace
+
+std::shared_ptr<LayerMetadata> MakeSidecarMetadata(const Platform& platform,
+                                                   std::string_view layer_file) {
+  return std::make_shared<SidecarMetadata>(platform, layer_file);
 }
 
 }  // namespace kvdm

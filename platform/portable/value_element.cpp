@@ -5,7 +5,8 @@
 #include <charconv>
 #include <cstdio>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/xml/limits.h"
 #include "platform/xml/xml_text.h"
 

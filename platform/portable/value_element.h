@@ -7,7 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/value.h"
+#include <kvdm/platform/value.h>
+
 #include "platform/xml/document.h"
 
 namespace kvdm {

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/gis_core.h"
+#include <kvdm/platform/gis_core.h>
 
 namespace kvdm {
 

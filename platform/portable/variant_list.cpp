@@ -1,6 +1,5 @@
-#include "platform/portable/variant_list.h"
-
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/portable/variant_list.h>
 
 namespace kvdm {
 

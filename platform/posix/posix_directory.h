@@ -6,7 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/file_system.h"
+#include <kvdm/platform/file_system.h>
+
 #include "platform/posix/file_descriptor.h"
 #include "platform/posix/folder_entries.h"
 

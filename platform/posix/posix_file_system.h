@@ -7,7 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/file_system.h"
+#include <kvdm/platform/file_system.h>
+
 #include "platform/posix/posix_paths.h"
 
 namespace kvdm {

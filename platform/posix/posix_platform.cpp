@@ -1,7 +1,6 @@
-#include "platform/posix/posix_platform.h"
+#include <kvdm/platform/portable/portable_services.h>
+#include <kvdm/platform/posix/posix_platform.h>
 
-#include "platform/portable/portable_gis_core.h"
-#include "platform/portable/portable_siblings.h"
 #include "platform/posix/libxml_parser.h"
 #include "platform/posix/posix_clock.h"
 #include "platform/posix/posix_file_system.h"
@@ -20,8 +19,8 @@ Platform MakePosixPlatform(const PosixOptions& options) {
       std::make_shared<CallbackMessageBox>(options.message_box, options.code_page);
   platform.xml_parser = std::make_shared<LibxmlParser>();
   platform.clock = std::make_shared<PosixClock>();
-  platform.gis_core = std::make_shared<PortableGisCore>(RandomGuid);
-  platform.siblings = std::make_shared<PortableSiblings>();
+  platform.gis_core = MakePortableGisCore(RandomGuid);
+  platform.siblings = MakePortableSiblings();
   platform.log = log;
   return platform;
 }

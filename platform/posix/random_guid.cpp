@@ -5,8 +5,8 @@
 #include <array>
 #include <cerrno>
 
-#include "platform/error.h"
-#include "platform/portable/portable_gis_core.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/portable/portable_services.h>
 
 namespace kvdm {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 

@@ -12,7 +12,8 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/posix/file_descriptor.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/sqlite_database.h"

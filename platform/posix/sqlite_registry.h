@@ -8,9 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include <kvdm/platform/log.h>
+#include <kvdm/platform/registry.h>
+
 #include "platform/code_page.h"
-#include "platform/log.h"
-#include "platform/registry.h"
 
 namespace kvdm {
 

@@ -7,7 +7,8 @@
 #include <new>
 #include <type_traits>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/windows/hresult.h"
 #include "platform/windows/utf16.h"
 

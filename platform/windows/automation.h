@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/value.h"
+#include <kvdm/platform/value.h>
 
 namespace kvdm {
 

@@ -2,7 +2,8 @@
 
 #include <objbase.h>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/windows/hresult.h"
 
 namespace kvdm {

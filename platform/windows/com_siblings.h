@@ -8,7 +8,8 @@
 
 #include <utility>
 
-#include "platform/siblings.h"
+#include <kvdm/platform/siblings.h>
+
 #include "platform/windows/late_call.h"
 
 namespace kvdm {

@@ -1,7 +1,7 @@
 // A log that a debugger shows.
 #pragma once
 
-#include "platform/log.h"
+#include <kvdm/platform/log.h>
 
 namespace kvdm {
 

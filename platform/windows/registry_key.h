@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/registry.h"
+#include <kvdm/platform/registry.h>
 
 namespace kvdm {
 

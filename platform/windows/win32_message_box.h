@@ -1,7 +1,7 @@
 // Message boxes of the system.
 #pragma once
 
-#include "platform/message_box.h"
+#include <kvdm/platform/message_box.h>
 
 namespace kvdm {
 

@@ -1,7 +1,7 @@
 // The system's clock in the local time zone.
 #pragma once
 
-#include "platform/clock.h"
+#include <kvdm/platform/clock.h>
 
 namespace kvdm {
 

@@ -6,7 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/file_system.h"
+#include <kvdm/platform/file_system.h>
+
 #include "platform/windows/file_handle.h"
 #include "platform/windows/folder_entries.h"
 

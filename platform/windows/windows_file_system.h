@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/file_system.h"
+#include <kvdm/platform/file_system.h>
 
 namespace kvdm {
 

@@ -1,6 +1,7 @@
 #include "platform/windows/windows_platform.h"
 
-#include "platform/portable/portable_gis_core.h"
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "platform/windows/ansi.h"
 #include "platform/windows/com_siblings.h"
 #include "platform/windows/debugger_log.h"
@@ -41,7 +42,7 @@ Platform MakeWindowsPlatform(const WindowsOptions& options) {
   platform.message_box = MakeMessageBox(options.message_box);
   platform.xml_parser = std::make_shared<MsxmlParser>();
   platform.clock = std::make_shared<WindowsClock>();
-  platform.gis_core = std::make_shared<PortableGisCore>(WindowsGuid);
+  platform.gis_core = MakePortableGisCore(WindowsGuid);
   platform.siblings = OrRegistered(options.siblings);
   return platform;
 }

@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "platform/platform.h"
-#include "platform/portable/callback_sinks.h"
+#include <kvdm/platform/platform.h>
+#include <kvdm/platform/portable/callback_sinks.h>
 
 namespace kvdm {
 

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/log.h"
-#include "platform/registry.h"
+#include <kvdm/platform/log.h>
+#include <kvdm/platform/registry.h>
 
 namespace kvdm {
 

@@ -1,7 +1,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/xml/child_index.h"
 #include "platform/xml/limits.h"
 #include "platform/xml/namespaces.h"

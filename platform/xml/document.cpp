@@ -3,7 +3,8 @@
 #include <exception>
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/xml/serializer.h"
 #include "platform/xml/tree_builder.h"
 

@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/xml/limits.h"
 #include "platform/xml/serializer.h"
 #include "platform/xml/xml_text.h"

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/value.h"
+#include <kvdm/platform/value.h>
 
 namespace kvdm::xml {
 

@@ -1,6 +1,7 @@
 #include "platform/xml/query.h"
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/xml/xml_text.h"
 
 namespace kvdm::xml {

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/utf8.h"
 
 namespace kvdm::xml {

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <span>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/utf8.h"
 #include "platform/xml/limits.h"
 

@@ -1,8 +1,8 @@
 // Which classes and interfaces the component has.
-#include "datamanager/component.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <kvdm/datamanager/component.h>
 
 #include "tests/conformance/results.h"
 #include "tests/conformance/world.h"

@@ -2,8 +2,9 @@
 #include <algorithm>
 #include <map>
 
-#include "datamanager/component.h"
-#include "platform/error.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/platform/error.h>
+
 #include "platform/memory/memory_platform.h"
 #include "tests/conformance/results.h"
 #include "tests/conformance/world.h"

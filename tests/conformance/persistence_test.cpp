@@ -2,7 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/portable/variant_list.h"
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "tests/conformance/results.h"
 #include "tests/conformance/world.h"
 

@@ -7,8 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/error.h"
-#include "platform/gis_core.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/gis_core.h>
+
 #include "platform/portable/value_set.h"
 
 namespace kvdm::conformance {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "datamanager/interfaces.h"
-#include "platform/error.h"
+#include <kvdm/kvdm.h>
+#include <kvdm/platform/error.h>
 
 namespace kvdm::conformance {
 

@@ -1,7 +1,7 @@
 #include "tests/conformance/world.h"
 
-#include "platform/portable/properties_host.h"
-#include "platform/portable/variant_list.h"
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/portable/variant_list.h>
 
 namespace kvdm::conformance {
 namespace {

@@ -11,10 +11,10 @@
 #include <string_view>
 #include <vector>
 
-#include "datamanager/interfaces.h"
-#include "datamanager/unknown.h"
-#include "platform/host.h"
-#include "platform/value.h"
+#include <kvdm/datamanager/data_manager.h>
+#include <kvdm/datamanager/unknown.h>
+#include <kvdm/platform/host.h>
+#include <kvdm/platform/value.h>
 
 namespace kvdm::conformance {
 

@@ -7,7 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "tests/contract/file_worlds.h"
 
 namespace kvdm {

@@ -6,8 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include <kvdm/platform/file_system.h>
+
 #include "platform/file_attributes.h"
-#include "platform/file_system.h"
 
 namespace kvdm {
 

@@ -1,8 +1,9 @@
 // What every host and its property sets do.
 #include <gtest/gtest.h>
 
+#include <kvdm/platform/portable/properties_host.h>
+
 #include "platform/memory/failing_services.h"
-#include "platform/portable/properties_host.h"
 
 namespace kvdm {
 namespace {

@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
+#include <kvdm/platform/platform.h>
+#include <kvdm/platform/portable/callback_sinks.h>
+
 #include "platform/code_page.h"
-#include "platform/platform.h"
-#include "platform/portable/callback_sinks.h"
 
 namespace kvdm {
 

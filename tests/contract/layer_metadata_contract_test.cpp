@@ -2,9 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
+
+#include <kvdm/platform/portable/sidecar_metadata.h>
+
 #include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
-#include "platform/portable/sidecar_metadata.h"
 #include "tests/throws_number.h"
 
 namespace kvdm {
@@ -22,7 +25,7 @@ std::shared_ptr<LayerMetadata> MakeMemory(const MemoryPlatform& /*world*/) {
 }
 
 std::shared_ptr<LayerMetadata> MakeSidecar(const MemoryPlatform& world) {
-  return std::make_shared<SidecarMetadata>(world.files, world.xml_parser, "D:\\stores.shp");
+  return MakeSidecarMetadata(world.Bundle(), "D:\\stores.shp");
 }
 
 class LayerMetadataContractTest : public testing::TestWithParam<Implementation> {
@@ -84,6 +87,47 @@ TEST_P(LayerMetadataContractTest, AnEmptyDocumentIsADocument) {
 TEST_P(LayerMetadataContractTest, WritingNothingFails) {
   EXPECT_RUNTIME_ERROR(metadata_->WriteDocument(nullptr), kObjectNotSet);
   EXPECT_EQ(ReadOrNothing(), nullptr);
+}
+
+TEST_P(LayerMetadataContractTest, ValuesKeepTypeAndContent) {
+  using Doubles = std::numeric_limits<double>;
+  const std::vector<Value> values = {
+      Value(),
+      Null{},
+      true,
+      false,
+      std::numeric_limits<std::int32_t>::min(),
+      std::numeric_limits<std::int32_t>::max(),
+      0.1,
+      -0.0,
+      1.0 / 3,
+      Doubles::max(),
+      Doubles::denorm_min(),
+      Doubles::infinity(),
+      DateTime{},
+      DateTime{2026, 1, 5, 0, 7, 9},
+      "",
+      " blanks ",
+      "lines\r\nand\rmore\n\ttab",
+      "<A B=\"1\">&amp;'\"</A>",
+      "\u00FC\u65E5\U0001F600\uFFFD",
+      std::string("nul\0 and \x01\x1F", 11),
+      "not UTF-8: \xFF\xC3",
+      "\uFFFE\uFFFF",
+  };
+  const auto document = std::make_shared<ValueSet>();
+  for (const Value& value : values) document->AddValue("path", value);
+  metadata_->WriteDocument(document);
+  EXPECT_EQ(metadata_->ReadDocument()->GetValues("path"), values);
+}
+
+TEST_P(LayerMetadataContractTest, LongTextsAreKept) {
+  std::string text;
+  while (text.size() < 4'000'000) text += "<\u00FC\u65E5\U0001F600>\r\n";
+  const auto document = std::make_shared<ValueSet>();
+  document->PutValue("path", text);
+  metadata_->WriteDocument(document);
+  EXPECT_TRUE(metadata_->ReadDocument()->GetValues("path") == std::vector<Value>{text});
 }
 
 }  // namespace

@@ -4,8 +4,9 @@
 
 #include <functional>
 
+#include <kvdm/platform/portable/callback_sinks.h>
+
 #include "platform/memory/recording_sinks.h"
-#include "platform/portable/callback_sinks.h"
 #include "tests/contract/implementations.h"
 
 namespace kvdm {

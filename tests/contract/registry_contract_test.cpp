@@ -1,7 +1,8 @@
 // What every registry does.
 #include <gtest/gtest.h>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/memory/memory_registry.h"
 #include "tests/contract/implementations.h"
 #include "tests/replacing_update.h"

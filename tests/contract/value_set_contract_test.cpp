@@ -2,9 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <kvdm/platform/portable/sidecar_metadata.h>
+
 #include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
-#include "platform/portable/sidecar_metadata.h"
 #include "tests/contract/implementations.h"
 
 namespace kvdm {
@@ -30,9 +31,9 @@ std::shared_ptr<NamedValueSet> MakeSystem() {
 std::shared_ptr<NamedValueSet> MakeFromSidecar() {
   const MemoryPlatform world;
   world.files->AddFile("D:\\stores.shp");
-  SidecarMetadata metadata(world.files, world.xml_parser, "D:\\stores.shp");
-  metadata.WriteDocument(std::make_shared<ValueSet>());
-  return metadata.ReadDocument();
+  const auto metadata = MakeSidecarMetadata(world.Bundle(), "D:\\stores.shp");
+  metadata->WriteDocument(std::make_shared<ValueSet>());
+  return metadata->ReadDocument();
 }
 
 class ValueSetContractTest : public testing::TestWithParam<Implementation> {

@@ -1,10 +1,10 @@
 // Which classes there are, which interfaces each of them answers, and how views are bound.
-#include "datamanager/component.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "datamanager/interfaces.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/kvdm.h>
+
 #include "tests/test_world.h"
 #include "tests/throws_number.h"
 

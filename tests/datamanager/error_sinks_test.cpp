@@ -1,4 +1,4 @@
-#include "datamanager/error_sinks.h"
+#include "items/error_sinks.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

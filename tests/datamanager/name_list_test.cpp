@@ -1,7 +1,7 @@
-#include "datamanager/name_list.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <kvdm/datamanager/name_list.h>
 
 #include "tests/throws_number.h"
 

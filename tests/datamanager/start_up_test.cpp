@@ -4,7 +4,8 @@
 
 #include <new>
 
-#include "platform/portable/portable_siblings.h"
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "tests/test_world.h"
 #include "util/registry_strings.h"
 
@@ -52,11 +53,14 @@ class CountingDatasetManager : public DatasetManager {
   bool fails = false;
 };
 
-class OneDatasetManager : public PortableSiblings {
+class OneDatasetManager : public Siblings {
  public:
   std::shared_ptr<DatasetManager> CreateDatasetManager() override {
     if (!created) throw RuntimeError(kCannotCreateObject);
     return created;
+  }
+  std::shared_ptr<ResourceFinder> CreateResourceFinder() override {
+    return MakePortableSiblings()->CreateResourceFinder();
   }
   std::shared_ptr<CountingDatasetManager> created = std::make_shared<CountingDatasetManager>();
 };

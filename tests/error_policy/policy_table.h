@@ -18,7 +18,7 @@ enum class Policy {
 };
 
 struct PolicyRow {
-  // Interface and operation, as interfaces.h has them.
+  // Interface and operation, as the public headers have them.
   const char* operation;
   Policy policy;
   // The texts with which it reports; each must be seen.

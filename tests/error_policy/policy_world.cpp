@@ -1,10 +1,11 @@
 #include "tests/error_policy/policy_world.h"
 
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "platform/memory/failing_services.h"
 #include "platform/memory/memory_layer_metadata.h"
-#include "platform/portable/properties_host.h"
 #include "platform/portable/value_set.h"
-#include "platform/portable/variant_list.h"
 #include "platform/xml/limits.h"
 #include "util/registry_strings.h"
 

@@ -1,5 +1,6 @@
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "collections/messages.h"
-#include "platform/portable/text_resources.h"
 #include "studyarea/messages.h"
 #include "tests/error_policy/policy_table.h"
 
@@ -124,7 +125,8 @@ std::vector<PolicyRow> StudyAreaRows() {
        RESULT(Query<IKVPropertySet>(w.whole_area)->GetProperty("a\"b"))},
       {"IKVPropertySet.SetProperty",
        kShown,
-       {TextResources().FindString("102"), "Couldn't set TYPE property"},
+       {MakePortableSiblings()->CreateResourceFinder()->FindString("102"),
+        "Couldn't set TYPE property"},
        "False",
        RESULT(Query<IKVPropertySet>(w.bare_area)->SetProperty("TYPE", "rings"))},
       {"IKVPropertySet.SetProperty",

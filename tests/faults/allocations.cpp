@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "platform/memory/memory_layer_metadata.h"
-#include "platform/portable/variant_list.h"
 #include "tests/error_policy/policy_table.h"
 #include "tests/failing_new.h"
 #include "tests/faults/loop.h"

@@ -13,7 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/file_names.h"
 #include "platform/xml/xml_text.h"
 #include "tests/faults/item_kinds.h"

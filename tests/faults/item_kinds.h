@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "datamanager/interfaces.h"
+#include <kvdm/kvdm.h>
 
 namespace kvdm::faults {
 

@@ -2,10 +2,11 @@
 
 #include <utility>
 
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "platform/memory/failing_services.h"
 #include "platform/memory/memory_layer_metadata.h"
 #include "platform/portable/value_set.h"
-#include "platform/portable/variant_list.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {

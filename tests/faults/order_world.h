@@ -6,10 +6,11 @@
 #include <string>
 #include <vector>
 
+#include <kvdm/platform/portable/properties_host.h>
+
 #include "datamanager/kv_data_manager.h"
 #include "platform/memory/failure_counter.h"
 #include "platform/memory/memory_platform.h"
-#include "platform/portable/properties_host.h"
 
 namespace kvdm {
 

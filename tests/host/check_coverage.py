@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares docs/host-coverage.md with the operations of interfaces.h and with the program's commands.
+"""Compares coverage.md with the public operations and with the program's commands.
 
     check_coverage.py PROGRAM SOURCE_FOLDER
 """
@@ -10,12 +10,12 @@ import subprocess
 import sys
 
 
-def declared_operations(header):
+def declared_operations(headers):
     operations, interface = [], None
-    for line in header.read_text().splitlines():
-        if found := re.match(r"class (I\w+) : public", line):
+    for line in "".join(header.read_text() for header in headers).splitlines():
+        if found := re.match(r"class KVDM_EXPORT (\w+)", line):
             interface = found[1]
-        if found := re.match(r"  virtual .*?(\w+)\(", line):
+        if interface != "Unknown" and (found := re.match(r"  virtual .*?(\w+)\(", line)):
             operations.append(f"{interface}.{found[1]}")
     return operations
 
@@ -47,15 +47,15 @@ def row_problem(program, reached_by):
 
 def main(program, source):
     source = pathlib.Path(source)
-    declared = declared_operations(source / "datamanager/interfaces.h")
-    rows = listed_rows(source / "docs/host-coverage.md")
+    declared = declared_operations((source / "include/kvdm/datamanager").glob("*.h"))
+    rows = listed_rows(source / "tests/host/coverage.md")
     problems = []
     if len(declared) < 100:
-        problems.append(f"only {len(declared)} operations were found in interfaces.h")
-    if [operation for operation, _ in rows] != declared:
-        listed = {operation for operation, _ in rows}
-        problems.append(f"not listed: {sorted(set(declared) - listed)}")
-        problems.append(f"listed, not declared, or in another order: {sorted(listed - set(declared))}")
+        problems.append(f"only {len(declared)} operations were found")
+    listed = [operation for operation, _ in rows]
+    if sorted(listed) != sorted(declared):
+        problems.append(f"not listed: {sorted(set(declared) - set(listed))}")
+        problems.append(f"listed, not declared, or listed twice: {sorted(set(listed) - set(declared))}")
     for operation, reached_by in rows:
         if problem := row_problem(program, reached_by):
             problems.append(f"{operation}: {problem}")

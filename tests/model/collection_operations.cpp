@@ -1,3 +1,8 @@
+#include <kvdm/datamanager/analyses.h>
+#include <kvdm/datamanager/data_items.h>
+#include <kvdm/datamanager/layers.h>
+#include <kvdm/datamanager/study_areas.h>
+
 #include "tests/model/commands.h"
 #include "tests/model/describe.h"
 

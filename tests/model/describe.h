@@ -7,8 +7,9 @@
 #include <type_traits>
 #include <vector>
 
-#include "datamanager/name_list.h"
-#include "platform/error.h"
+#include <kvdm/datamanager/name_list.h>
+#include <kvdm/platform/error.h>
+
 #include "tests/model/model.h"
 
 namespace kvdm::model {

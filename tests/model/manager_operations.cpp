@@ -1,5 +1,7 @@
 #include <array>
 
+#include <kvdm/datamanager/study_areas.h>
+
 #include "tests/model/commands.h"
 #include "tests/model/describe.h"
 #include "tests/model/documents.h"

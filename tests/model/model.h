@@ -8,7 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/value.h"
+#include <kvdm/platform/value.h>
+
 #include "tests/model/folders.h"
 #include "tests/model/kinds.h"
 #include "tests/model/tree.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/posix/posix_platform.h"
+#include <kvdm/platform/posix/posix_platform.h>
 
 namespace kvdm::model {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "datamanager/component.h"
-#include "platform/portable/variant_list.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/platform/portable/variant_list.h>
 
 namespace kvdm::model {
 namespace {

@@ -1,8 +1,8 @@
-#include "platform/portable/callback_sinks.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+
+#include <kvdm/platform/portable/callback_sinks.h>
 
 namespace kvdm {
 namespace {

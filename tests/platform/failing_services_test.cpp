@@ -5,9 +5,10 @@
 
 #include <functional>
 
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
-#include "platform/portable/variant_list.h"
 #include "tests/replacing_update.h"
 #include "tests/throws_number.h"
 

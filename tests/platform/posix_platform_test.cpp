@@ -1,9 +1,9 @@
-#include "platform/posix/posix_platform.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+
+#include <kvdm/platform/posix/posix_platform.h>
 
 #include "tests/temp_folder.h"
 

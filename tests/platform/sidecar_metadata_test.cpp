@@ -1,7 +1,7 @@
-#include "platform/portable/sidecar_metadata.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <kvdm/platform/portable/sidecar_metadata.h>
 
 #include "platform/memory/failing_file_system.h"
 #include "platform/memory/memory_platform.h"
@@ -30,11 +30,11 @@ class SidecarMetadataTest : public testing::Test {
   }
 
   MemoryPlatform world_;
-  SidecarMetadata metadata_{world_.files, world_.xml_parser, "D:\\stores.shp"};
+  std::shared_ptr<LayerMetadata> metadata_ = MakeSidecarMetadata(world_.Bundle(), "D:\\stores.shp");
 };
 
 TEST_F(SidecarMetadataTest, IsBesideTheLayerWithOneLineForEachEntry) {
-  metadata_.WriteDocument(SomeDocument());
+  metadata_->WriteDocument(SomeDocument());
   EXPECT_EQ(Text(kSidecar),
             "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n"
             "<LAYERMETADATA>\r\n"
@@ -44,13 +44,13 @@ TEST_F(SidecarMetadataTest, IsBesideTheLayerWithOneLineForEachEntry) {
 }
 
 TEST_F(SidecarMetadataTest, AMissingFileIsNotFound) {
-  EXPECT_RUNTIME_ERROR(metadata_.ReadDocument(), kFileNotFound);
+  EXPECT_RUNTIME_ERROR(metadata_->ReadDocument(), kFileNotFound);
 }
 
 TEST_F(SidecarMetadataTest, AForeignFileIsNamed) {
   world_.files->AddFile(kSidecar, "<metadata/>");
   try {
-    metadata_.ReadDocument();
+    metadata_->ReadDocument();
     ADD_FAILURE() << "a foreign file was read";
   } catch (const RuntimeError& error) {
     EXPECT_EQ(error.number(), kAutomationFailure);
@@ -62,26 +62,26 @@ TEST_F(SidecarMetadataTest, AForeignFileIsNamed) {
 TEST_F(SidecarMetadataTest, AnEntryWithoutAPathIsRefused) {
   world_.files->AddFile(kSidecar,
                         R"(<LAYERMETADATA><ENTRY TYPE="Null" VALUE=""/></LAYERMETADATA>)");
-  EXPECT_RUNTIME_ERROR(metadata_.ReadDocument(), kAutomationFailure);
+  EXPECT_RUNTIME_ERROR(metadata_->ReadDocument(), kAutomationFailure);
 }
 
 TEST_F(SidecarMetadataTest, AnOwnFileIsReplacedWithoutACopy) {
-  metadata_.WriteDocument(SomeDocument());
-  metadata_.WriteDocument(SomeDocument());
+  metadata_->WriteDocument(SomeDocument());
+  metadata_->WriteDocument(SomeDocument());
   EXPECT_THAT(world_.files->Tree("D:\\"), ElementsAre("stores.shp.xml"));
 }
 
 TEST_F(SidecarMetadataTest, AForeignFileIsKeptBeforeItIsReplaced) {
   world_.files->AddFile(kSidecar, "<metadata/>");
-  metadata_.WriteDocument(SomeDocument());
+  metadata_->WriteDocument(SomeDocument());
   EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "<metadata/>");
-  EXPECT_EQ(metadata_.ReadDocument()->EntryCount(), 2);
+  EXPECT_EQ(metadata_->ReadDocument()->EntryCount(), 2);
 }
 
 TEST_F(SidecarMetadataTest, EarlierCopiesAreNeverReplaced) {
   for (const auto* content : {"one", "two", "three"}) {
     world_.files->AddFile(kSidecar, content);
-    metadata_.WriteDocument(SomeDocument());
+    metadata_->WriteDocument(SomeDocument());
   }
   EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "one");
   EXPECT_EQ(Text("D:\\stores.shp.xml.bak1"), "two");
@@ -89,27 +89,28 @@ TEST_F(SidecarMetadataTest, EarlierCopiesAreNeverReplaced) {
 }
 
 TEST_F(SidecarMetadataTest, AFileThatFailedToBeReadIsNotReplaced) {
-  metadata_.WriteDocument(SomeDocument());
+  metadata_->WriteDocument(SomeDocument());
   const std::string before = Text(kSidecar);
   const auto counter = std::make_shared<FailureCounter>();
   counter->fail_at = 1;
-  SidecarMetadata metadata(std::make_shared<FailingFileSystem>(world_.files, counter),
-                           world_.xml_parser, "D:\\stores.shp");
+  auto services = world_.Bundle();
+  services.files = std::make_shared<FailingFileSystem>(world_.files, counter);
+  const auto metadata = MakeSidecarMetadata(services, "D:\\stores.shp");
 
-  EXPECT_RUNTIME_ERROR(metadata.ReadDocument(), kPermissionDenied);
-  EXPECT_RUNTIME_ERROR(metadata.WriteDocument(std::make_shared<ValueSet>()), kPermissionDenied);
+  EXPECT_RUNTIME_ERROR(metadata->ReadDocument(), kPermissionDenied);
+  EXPECT_RUNTIME_ERROR(metadata->WriteDocument(std::make_shared<ValueSet>()), kPermissionDenied);
   EXPECT_EQ(Text(kSidecar), before);
 
   // Read at last, it is known what to keep.
-  EXPECT_EQ(metadata.ReadDocument()->EntryCount(), 2);
-  metadata.WriteDocument(std::make_shared<ValueSet>());
+  EXPECT_EQ(metadata->ReadDocument()->EntryCount(), 2);
+  metadata->WriteDocument(std::make_shared<ValueSet>());
   EXPECT_NE(Text(kSidecar), before);
 }
 
 TEST_F(SidecarMetadataTest, AFileThatCannotBeKeptStays) {
   world_.files->AddFile(kSidecar, "<metadata/>");
   world_.files->RefuseWrites("D:\\");
-  EXPECT_RUNTIME_ERROR(metadata_.WriteDocument(SomeDocument()), kPermissionDenied);
+  EXPECT_RUNTIME_ERROR(metadata_->WriteDocument(SomeDocument()), kPermissionDenied);
   EXPECT_EQ(Text(kSidecar), "<metadata/>");
 }
 

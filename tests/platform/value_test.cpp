@@ -1,11 +1,11 @@
-#include "platform/value.h"
-
 #include <gtest/gtest.h>
 
 #include <new>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <kvdm/platform/value.h>
 
 #include "tests/failing_new.h"
 #include "tests/throws_number.h"

@@ -2,7 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/portable/text_resources.h"
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "studyarea/kv_study_area.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/saves.h"
@@ -120,7 +121,8 @@ TEST_F(StudyAreaPropertiesTest, WithoutThePropertiesElementWritingShowsTwoMessag
   EXPECT_THAT(
       world_.platform.box->Messages(),
       ElementsAre(
-          ShownMessage{TextResources().FindString("102"), "KVDM", MessageStyle::kPlain},
+          ShownMessage{MakePortableSiblings()->CreateResourceFinder()->FindString("102"), "KVDM",
+                       MessageStyle::kPlain},
           ShownMessage{"Couldn't set TYPE property", "Kelvaro", MessageStyle::kExclamation}));
   EXPECT_EQ(node_->Xml(), "<STUDYAREA/>");
 }

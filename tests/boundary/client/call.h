@@ -13,8 +13,9 @@
 #include <tuple>
 #include <utility>
 
+#include <kvdm/kvdm.h>
+
 #include "com/kvdm.h"
-#include "datamanager/interfaces.h"
 #include "platform/windows/automation.h"
 #include "platform/windows/hresult.h"
 #include "tests/boundary/client/objects.h"

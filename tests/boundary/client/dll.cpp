@@ -8,8 +8,9 @@
 #include <map>
 #include <string>
 
-#include "datamanager/component.h"
-#include "platform/error.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/platform/error.h>
+
 #include "platform/windows/automation.h"
 #include "platform/windows/hresult.h"
 #include "tests/boundary/client/objects.h"

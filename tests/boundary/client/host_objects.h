@@ -8,7 +8,7 @@
 
 #include <memory>
 
-#include "platform/gis_core.h"
+#include <kvdm/platform/gis_core.h>
 
 namespace kvdm::client {
 

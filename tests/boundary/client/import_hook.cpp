@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
 
 namespace kvdm::client {
 namespace {

@@ -10,11 +10,11 @@
 #include <typeindex>
 #include <utility>
 
-#include "datamanager/name_list.h"
-#include "datamanager/unknown.h"
-#include "platform/gis_core.h"
-#include "platform/host.h"
-#include "platform/siblings.h"
+#include <kvdm/datamanager/name_list.h>
+#include <kvdm/datamanager/unknown.h>
+#include <kvdm/platform/gis_core.h>
+#include <kvdm/platform/host.h>
+#include <kvdm/platform/siblings.h>
 
 namespace kvdm::client {
 

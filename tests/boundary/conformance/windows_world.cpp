@@ -2,7 +2,8 @@
 // share them.
 #include <optional>
 
-#include "datamanager/component.h"
+#include <kvdm/datamanager/component.h>
+
 #include "platform/file_names.h"
 #include "platform/windows/ansi.h"
 #include "platform/windows/registry_key.h"

@@ -11,10 +11,11 @@
 #include <iterator>
 #include <string>
 
-#include "datamanager/component.h"
-#include "datamanager/interfaces.h"
-#include "platform/portable/properties_host.h"
-#include "platform/portable/variant_list.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/datamanager/data_manager.h>
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/portable/variant_list.h>
+
 #include "platform/windows/ansi.h"
 #include "tests/boundary/client/dll.h"
 #include "tests/boundary/client/pinned_system.h"

@@ -1,5 +1,6 @@
 // The component's DLL, on the services of Windows.
-#include "platform/portable/text_resources.h"
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "platform/windows/windows_file_system.h"
 #include "platform/windows/windows_registry.h"
 #include "tests/boundary/client/disk.h"
@@ -32,8 +33,9 @@ class DllSystem : public model::System {
 
  private:
   client::Disk disk_;
-  client::SiblingClasses siblings_{
-      [](const std::string& number) { return TextResources().FindString(number); }};
+  client::SiblingClasses siblings_{[](const std::string& number) {
+    return MakePortableSiblings()->CreateResourceFinder()->FindString(number);
+  }};
   RegistrySandbox registry_;
   client::PinnedSystem pinned_{[this](auto text, auto caption, int style) {
     Memory().box->Show(text, caption, static_cast<MessageStyle>(style));

@@ -1,7 +1,8 @@
 #include "tests/contract/implementations.h"
 
+#include <kvdm/platform/posix/posix_platform.h>
+
 #include "platform/memory/recording_sinks.h"
-#include "platform/posix/posix_platform.h"
 #include "platform/posix/sqlite_registry.h"
 #include "tests/temp_folder.h"
 

@@ -16,10 +16,11 @@
 #include <string_view>
 #include <vector>
 
-#include "datamanager/component.h"
-#include "datamanager/interfaces.h"
-#include "platform/portable/properties_host.h"
-#include "platform/posix/posix_platform.h"
+#include <kvdm/datamanager/component.h>
+#include <kvdm/datamanager/data_manager.h>
+#include <kvdm/datamanager/study_areas.h>
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/posix/posix_platform.h>
 
 namespace {
 

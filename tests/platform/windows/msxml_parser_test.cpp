@@ -7,7 +7,8 @@
 
 #include <thread>
 
-#include "platform/error.h"
+#include <kvdm/platform/error.h>
+
 #include "platform/xml/limits.h"
 #include "tests/platform/windows/com_environment.h"
 #include "tests/platform/windows/wine.h"

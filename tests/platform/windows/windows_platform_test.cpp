@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "platform/portable/portable_siblings.h"
+#include <kvdm/platform/portable/portable_services.h>
+
 #include "platform/windows/ansi.h"
 #include "platform/windows/com_siblings.h"
 
@@ -36,7 +37,7 @@ TEST(WindowsPlatformTest, LogLinesGoWhereTheHostWants) {
 TEST(WindowsPlatformTest, SiblingsAreTheRegisteredOnesOrTheHosts) {
   const Platform registered = MakeWindowsPlatform({});
   EXPECT_NE(std::dynamic_pointer_cast<ComSiblings>(registered.siblings), nullptr);
-  const auto own = std::make_shared<PortableSiblings>();
+  const auto own = MakePortableSiblings();
   EXPECT_EQ(MakeWindowsPlatform({.siblings = own}).siblings, own);
 }
 
