@@ -22,15 +22,14 @@ std::shared_ptr<Element> Collection(std::int64_t size) {
 
 void LookUp(benchmark::State& state) {
   const auto collection = Collection(state.range(0));
-  const std::string query =
-      "./ANALYSIS[@NAME=\"_Item " + std::to_string(state.range(0) / 2) + "_\"]";
-  for (auto _ : state) benchmark::DoNotOptimize(collection->SelectSingleNode(query));
+  const std::string name = "_Item " + std::to_string(state.range(0) / 2) + "_";
+  for (auto _ : state) benchmark::DoNotOptimize(collection->Child("ANALYSIS", "NAME", name));
 }
 BENCHMARK(LookUp)->RangeMultiplier(10)->Range(100, 100000);
 
 void AppendAndRemove(benchmark::State& state) {
   const auto collection = Collection(state.range(0));
-  benchmark::DoNotOptimize(collection->SelectSingleNode("./ANALYSIS[@NAME=\"none\"]"));
+  benchmark::DoNotOptimize(collection->Child("ANALYSIS", "NAME", "none"));
   for (auto _ : state) {
     const auto item = Item(-1);
     collection->Append(item);

@@ -6,13 +6,8 @@
 
 namespace kvdm {
 
-void CollectionView::SetDataManager(DataManagerRef data_manager) {
-  sink_ = rules_.sink(data_manager);
-  data_manager_ = std::move(data_manager);
-}
-
 NameListRef CollectionView::List(std::string_view attribute) const {
-  return guard::Reported(sink(), rules_.list_failed, [&]() -> NameListRef {
+  return guard::Reported(reporter(), rules_.list_failed, [&]() -> NameListRef {
     if (!node_) return nullptr;
     auto list = std::make_shared<NameList>();
     for (const auto& item : node_->Children(rules_.tag)) {
@@ -22,13 +17,14 @@ NameListRef CollectionView::List(std::string_view attribute) const {
   });
 }
 
-std::shared_ptr<xml::Element> CollectionView::Find(const char* query, std::string_view key) const {
-  return node_ ? node_->SelectSingleNode(QueryFor(query, key)) : nullptr;
+std::shared_ptr<xml::Element> CollectionView::Find(const char* attribute,
+                                                   std::string_view key) const {
+  return node_ ? node_->Child(rules_.tag, attribute, key) : nullptr;
 }
 
-std::shared_ptr<xml::Element> CollectionView::Remove(const char* query,
+std::shared_ptr<xml::Element> CollectionView::Remove(const char* attribute,
                                                      std::string_view key) const {
-  auto element = Find(query, key);
+  auto element = Find(attribute, key);
   if (element) node_->Remove(element);
   return element;
 }
@@ -42,7 +38,7 @@ std::shared_ptr<xml::Element> CollectionView::NewItem(std::string_view stored_na
 
 std::string CollectionView::GenerateNewDirName(const std::function<std::string()>& parent_folder,
                                                std::string_view base) const {
-  return guard::Reported(sink(), messages::kNewDirName, [&] {
+  return guard::Reported(reporter(), messages::kNewDirName, [&] {
     if (!data_manager_) return std::string();
     return FirstFree(base, [&](const std::string& candidate) {
       return services().files->FolderExists(parent_folder() + candidate);
@@ -51,7 +47,7 @@ std::string CollectionView::GenerateNewDirName(const std::function<std::string()
 }
 
 void CollectionView::DeleteFolder(const std::string& folder) const {
-  if (!folder.empty()) DeleteFolderTree(*services().files, folder);
+  if (!folder.empty()) DeleteFolderTree(*services().files, folder, log());
 }
 
 }  // namespace kvdm

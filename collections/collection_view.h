@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "items/error_sinks.h"
 #include "items/friends.h"
 #include "platform/xml/node.h"
 #include "util/guard.h"
@@ -18,17 +17,12 @@ namespace kvdm {
 struct CollectionRules {
   // The tag of an item.
   const char* tag;
-  // Look-ups, up to the quoted key. The existence tests spell theirs with blanks.
-  const char* by_name;
-  const char* by_guid;
-  const char* exists_by_name;
-  const char* exists_by_guid;
   // Reports, and how they travel.
-  SinkFactory sink;
-  const char* list_failed;
-  const char* create_failed;
-  const char* delete_failed;
-  const char* get_failed;
+  ReportStyle reports;
+  const char* list_failed = nullptr;
+  const char* create_failed = nullptr;
+  const char* delete_failed = nullptr;
+  const char* get_failed = nullptr;
 };
 
 // Operations without a guard: errors reach the caller, which names the policy. A view without an
@@ -36,10 +30,10 @@ struct CollectionRules {
 class CollectionView {
  public:
   CollectionView(const CollectionRules& rules, std::shared_ptr<GisCore> gis_core)
-      : rules_(rules), gis_core_(std::move(gis_core)), sink_(rules.sink(nullptr)) {}
+      : rules_(rules), gis_core_(std::move(gis_core)) {}
 
   void SetNode(std::shared_ptr<xml::Element> node) { node_ = std::move(node); }
-  void SetDataManager(DataManagerRef data_manager);
+  void SetDataManager(DataManagerRef data_manager) { data_manager_ = std::move(data_manager); }
 
   [[nodiscard]] const CollectionRules& rules() const { return rules_; }
   [[nodiscard]] const std::shared_ptr<xml::Element>& node() const { return node_; }
@@ -47,7 +41,8 @@ class CollectionView {
   // Neither an element nor a data manager: as created directly by a client.
   [[nodiscard]] bool Unbound() const { return !node_ && !data_manager_; }
   [[nodiscard]] const std::shared_ptr<GisCore>& gis_core() const { return gis_core_; }
-  [[nodiscard]] const ErrorSink& sink() const { return *sink_; }
+  [[nodiscard]] Reporter reporter() const { return {rules_.reports, data_manager_.get()}; }
+  [[nodiscard]] Log* log() const { return reporter().log(); }
   // The data manager's services. Run-time error 91 without one.
   [[nodiscard]] const Platform& services() const { return Required(data_manager_).Services(); }
 
@@ -55,22 +50,24 @@ class CollectionView {
   // lacks the attribute; Nothing without an element.
   [[nodiscard]] NameListRef List(std::string_view attribute) const;
 
-  // The first item that a look-up selects; Nothing when there is none.
-  [[nodiscard]] std::shared_ptr<xml::Element> Find(const char* query, std::string_view key) const;
+  // The first item that has `key` as the value of `attribute`; Nothing when there is none.
+  [[nodiscard]] std::shared_ptr<xml::Element> Find(const char* attribute,
+                                                   std::string_view key) const;
 
-  // A new view of the item that a look-up selects; Nothing when there is none. Reports failures.
+  // A new view of the item that Find finds; Nothing when there is none. Reports failures.
   template <class Item, class Bind>
-  [[nodiscard]] std::shared_ptr<Item> Get(const char* query, std::string_view key,
+  [[nodiscard]] std::shared_ptr<Item> Get(const char* attribute, std::string_view key,
                                           Bind&& bind) const {
-    return guard::Reported(sink(), rules_.get_failed, [&]() -> std::shared_ptr<Item> {
-      const auto element = Find(query, key);
+    return guard::Reported(reporter(), rules_.get_failed, [&]() -> std::shared_ptr<Item> {
+      const auto element = Find(attribute, key);
       return element ? std::forward<Bind>(bind)(element) : nullptr;
     });
   }
 
-  // Takes the item that a look-up selects out of the collection and returns it; Nothing when there
-  // is none.
-  [[nodiscard]] std::shared_ptr<xml::Element> Remove(const char* query, std::string_view key) const;
+  // Takes the item that Find finds out of the collection and returns it; Nothing when there is
+  // none.
+  [[nodiscard]] std::shared_ptr<xml::Element> Remove(const char* attribute,
+                                                     std::string_view key) const;
 
   // A new element for an item, with its name as stored and a new identifier. Not appended yet.
   [[nodiscard]] std::shared_ptr<xml::Element> NewItem(std::string_view stored_name) const;
@@ -91,7 +88,6 @@ class CollectionView {
  private:
   const CollectionRules& rules_;
   std::shared_ptr<GisCore> gis_core_;
-  std::unique_ptr<ErrorSink> sink_;
   std::shared_ptr<xml::Element> node_;
   DataManagerRef data_manager_;
 };

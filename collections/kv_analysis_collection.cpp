@@ -12,11 +12,7 @@ namespace {
 
 constexpr CollectionRules kRules = {
     .tag = tags::kAnalysis,
-    .by_name = "./ANALYSIS[@NAME=",
-    .by_guid = "./ANALYSIS[@GUID=",
-    .exists_by_name = "./ANALYSIS[@NAME = ",
-    .exists_by_guid = "./ANALYSIS[@GUID = ",
-    .sink = &MakeSink<LateBoundSink>,
+    .reports = ReportStyle::kByName,
     .list_failed = messages::kAnalysesList,
     .create_failed = messages::kCreateAnalysis,
     .delete_failed = messages::kDeleteAnalysis,
@@ -36,14 +32,15 @@ NameListRef KVAnalysisCollection::AnalysesGUIDsList() { return view_.List(attrib
 
 bool KVAnalysisCollection::CreateAnalysis(std::string_view name) {
   std::string folder;
-  const bool appended = guard::Reported(view_.sink(), kRules.create_failed, [&] {
+  const bool appended = guard::Reported(view_.reporter(), kRules.create_failed, [&] {
     // The test wraps the wrapped name again, so that a name which exists does not stop creation
     // (AnalysisCollectionTest.CreatesASecondAnalysisOfTheSameName).
     if (!view_.node() || AnalysisExists(WrapName(name))) return false;
     folder = AppendAnalysis(name);
     return true;
   });
-  return appended && guard::Skipping([&] { CreateFolderPath(*view_.services().files, folder); });
+  return appended &&
+         guard::Skipping(view_.log(), [&] { CreateFolderPath(*view_.services().files, folder); });
 }
 
 // Appends the analysis's element and returns the path of its folder, which is not made yet.
@@ -60,16 +57,16 @@ std::string KVAnalysisCollection::AppendAnalysis(std::string_view name) {
 }
 
 bool KVAnalysisCollection::DeleteAnalysis(std::string_view name) {
-  return Delete(kRules.by_name, WrapName(name));
+  return Delete(attributes::kName, WrapName(name));
 }
 
 bool KVAnalysisCollection::DeleteAnalysisByGUID(std::string_view guid) {
-  return Delete(kRules.by_guid, guid);
+  return Delete(attributes::kGuid, guid);
 }
 
-bool KVAnalysisCollection::Delete(const char* query, std::string_view key) {
-  return guard::Reported(view_.sink(), kRules.delete_failed, [&] {
-    const auto analysis = view_.Remove(query, key);
+bool KVAnalysisCollection::Delete(const char* attribute, std::string_view key) {
+  return guard::Reported(view_.reporter(), kRules.delete_failed, [&] {
+    const auto analysis = view_.Remove(attribute, key);
     if (!analysis) return false;
     view_.DeleteFolder(ToText(analysis->GetAttribute(attributes::kDirName)));
     return true;
@@ -77,15 +74,16 @@ bool KVAnalysisCollection::Delete(const char* query, std::string_view key) {
 }
 
 std::shared_ptr<IKVAnalysis> KVAnalysisCollection::GetAnalysis(std::string_view name) {
-  return Get(kRules.by_name, WrapName(name));
+  return Get(attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVAnalysis> KVAnalysisCollection::GetAnalysisByGUID(std::string_view guid) {
-  return Get(kRules.by_guid, guid);
+  return Get(attributes::kGuid, guid);
 }
 
-std::shared_ptr<IKVAnalysis> KVAnalysisCollection::Get(const char* query, std::string_view key) {
-  return view_.Get<IKVAnalysis>(query, key, [&](const std::shared_ptr<xml::Element>& element) {
+std::shared_ptr<IKVAnalysis> KVAnalysisCollection::Get(const char* attribute,
+                                                       std::string_view key) {
+  return view_.Get<IKVAnalysis>(attribute, key, [&](const std::shared_ptr<xml::Element>& element) {
     auto analysis = std::make_shared<KVAnalysis>(view_.gis_core());
     analysis->AttachNode(element);
     analysis->AttachDataManager(view_.data_manager());
@@ -94,11 +92,11 @@ std::shared_ptr<IKVAnalysis> KVAnalysisCollection::Get(const char* query, std::s
 }
 
 bool KVAnalysisCollection::AnalysisExists(std::string_view name) {
-  return view_.Find(kRules.exists_by_name, WrapName(name)) != nullptr;
+  return view_.Find(attributes::kName, WrapName(name)) != nullptr;
 }
 
 bool KVAnalysisCollection::AnalysisExistsByGUID(std::string_view guid) {
-  return view_.Find(kRules.exists_by_guid, guid) != nullptr;
+  return view_.Find(attributes::kGuid, guid) != nullptr;
 }
 
 }  // namespace kvdm

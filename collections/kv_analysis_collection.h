@@ -29,8 +29,8 @@ class KVAnalysisCollection final : public IKVAnalysisCollection {
 
  private:
   std::string AppendAnalysis(std::string_view name);
-  bool Delete(const char* query, std::string_view key);
-  std::shared_ptr<IKVAnalysis> Get(const char* query, std::string_view key);
+  bool Delete(const char* attribute, std::string_view key);
+  std::shared_ptr<IKVAnalysis> Get(const char* attribute, std::string_view key);
 
   CollectionView view_;
 };

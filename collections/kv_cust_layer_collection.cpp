@@ -11,11 +11,7 @@ namespace {
 
 constexpr CollectionRules kRules = {
     .tag = tags::kCustLayer,
-    .by_name = "./CUSTLAYER[@NAME=",
-    .by_guid = "./CUSTLAYER[@GUID=",
-    .exists_by_name = "./CUSTLAYER[@NAME = ",
-    .exists_by_guid = "./CUSTLAYER[@GUID = ",
-    .sink = &MakeSink<LateBoundSink>,
+    .reports = ReportStyle::kByName,
     .list_failed = messages::kCustLayersList,
     .create_failed = messages::kCreateCustLayer,
     .delete_failed = messages::kDeleteCustLayer,
@@ -38,19 +34,19 @@ NameListRef KVCustLayerCollection::CustLayersGUIDsList() {
 bool KVCustLayerCollection::CreateCustLayer(std::string_view name) { return layers_.Create(name); }
 
 bool KVCustLayerCollection::DeleteCustLayer(std::string_view name) {
-  return layers_.Delete(kRules.by_name, WrapName(name));
+  return layers_.Delete(attributes::kName, WrapName(name));
 }
 
 bool KVCustLayerCollection::DeleteCustLayerByGUID(std::string_view guid) {
-  return layers_.Delete(kRules.by_guid, guid);
+  return layers_.Delete(attributes::kGuid, guid);
 }
 
 std::shared_ptr<IKVCustLayer> KVCustLayerCollection::GetCustLayer(std::string_view name) {
-  return layers_.Get<KVCustLayer>(kRules.by_name, WrapName(name));
+  return layers_.Get<KVCustLayer>(attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVCustLayer> KVCustLayerCollection::GetCustLayerByGUID(std::string_view guid) {
-  return layers_.Get<KVCustLayer>(kRules.by_guid, guid);
+  return layers_.Get<KVCustLayer>(attributes::kGuid, guid);
 }
 
 bool KVCustLayerCollection::CustLayerExists(std::string_view name) { return layers_.Exists(name); }

@@ -11,11 +11,7 @@ namespace {
 
 constexpr CollectionRules kRules = {
     .tag = tags::kDataItem,
-    .by_name = "./DATAITEM[@NAME = ",
-    .by_guid = "./DATAITEM[@GUID = ",
-    .exists_by_name = "./DATAITEM[@NAME = ",
-    .exists_by_guid = "./DATAITEM[@GUID = ",
-    .sink = &MakeSink<LateBoundIfBoundSink>,
+    .reports = ReportStyle::kByNameIfBound,
     .list_failed = messages::kDataList,
     .create_failed = messages::kCreateDataItem,
     .delete_failed = messages::kDeleteDataItem,
@@ -30,7 +26,7 @@ KVDataCollection::KVDataCollection(std::shared_ptr<GisCore> gis_core)
     : view_(kRules, std::move(gis_core)) {}
 
 std::string KVDataCollection::DataItemsDir() {
-  return guard::Reported(view_.sink(), messages::kDataDir, [&] {
+  return guard::Reported(view_.reporter(), messages::kDataDir, [&] {
     const auto folder = Required(view_.data_manager()).WorkingDirectory() + kFolderName;
     auto& files = *view_.services().files;
     if (!files.FolderExists(folder)) files.CreateFolder(folder);
@@ -43,7 +39,7 @@ NameListRef KVDataCollection::DataItemsList() { return List(attributes::kName); 
 NameListRef KVDataCollection::DataItemsGUIDsList() { return List(attributes::kGuid); }
 
 NameListRef KVDataCollection::List(const char* attribute) {
-  return guard::Reported(view_.sink(), kRules.list_failed, [&]() -> NameListRef {
+  return guard::Reported(view_.reporter(), kRules.list_failed, [&]() -> NameListRef {
     const auto group = Group(kRules.list_failed);
     if (!group) return nullptr;
     auto list = std::make_shared<NameList>();
@@ -53,8 +49,8 @@ NameListRef KVDataCollection::List(const char* attribute) {
 }
 
 bool KVDataCollection::CreateDataItem(std::string_view name) {
-  return guard::Reported(view_.sink(), kRules.create_failed, [&] {
-    if (!view_.node() || view_.Find(kRules.by_name, name)) return false;
+  return guard::Reported(view_.reporter(), kRules.create_failed, [&] {
+    if (!view_.node() || view_.Find(attributes::kName, name)) return false;
     const auto item = view_.NewItem(name);
     const auto file = UniqueFileName(*view_.services().files, DataItemsDir(), name);
     item->SetAttribute(attributes::kFile, file);
@@ -66,17 +62,17 @@ bool KVDataCollection::CreateDataItem(std::string_view name) {
 }
 
 bool KVDataCollection::DeleteDataItem(std::string_view name) {
-  return Delete(kRules.by_name, name);
+  return Delete(attributes::kName, name);
 }
 
 bool KVDataCollection::DeleteDataItemByGUID(std::string_view guid) {
-  return Delete(kRules.by_guid, guid);
+  return Delete(attributes::kGuid, guid);
 }
 
-bool KVDataCollection::Delete(const char* query, std::string_view key) {
-  return guard::Reported(view_.sink(), kRules.delete_failed, [&] {
+bool KVDataCollection::Delete(const char* attribute, std::string_view key) {
+  return guard::Reported(view_.reporter(), kRules.delete_failed, [&] {
     const auto group = Group(kRules.delete_failed);
-    const auto item = group ? group->SelectSingleNode(QueryFor(query, key)) : nullptr;
+    const auto item = group ? group->Child(kRules.tag, attribute, key) : nullptr;
     if (!item) return false;
     group->Remove(item);
     if (view_.data_manager()) view_.data_manager()->Flush();
@@ -86,22 +82,23 @@ bool KVDataCollection::Delete(const char* query, std::string_view key) {
 
 std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItem(std::string_view name) {
   return view_.Get<IKVDataItem>(
-      kRules.by_name, name,
+      attributes::kName, name,
       [&](const std::shared_ptr<xml::Element>& element) { return View(element); });
 }
 
 std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItemByGUID(std::string_view guid) {
-  return guard::Reported(view_.sink(), kRules.get_failed, [&]() -> std::shared_ptr<IKVDataItem> {
-    const auto group = Group(kRules.get_failed);
-    const auto item = group ? group->SelectSingleNode(QueryFor(kRules.by_guid, guid)) : nullptr;
-    return item ? View(item) : nullptr;
-  });
+  return guard::Reported(
+      view_.reporter(), kRules.get_failed, [&]() -> std::shared_ptr<IKVDataItem> {
+        const auto group = Group(kRules.get_failed);
+        const auto item = group ? group->Child(kRules.tag, attributes::kGuid, guid) : nullptr;
+        return item ? View(item) : nullptr;
+      });
 }
 
 std::shared_ptr<xml::Element> KVDataCollection::Group(const char* message) const {
   if (!view_.node()) return nullptr;
-  auto group = view_.node()->SelectSingleNode(tags::kDataGroup);
-  if (!group) view_.sink().Report(message);
+  auto group = view_.node()->Child(tags::kDataGroup);
+  if (!group) view_.reporter().Report(message);
   return group;
 }
 
@@ -116,11 +113,11 @@ std::shared_ptr<IKVDataItem> KVDataCollection::View(const std::shared_ptr<xml::E
 // The name is wrapped although data items' names are not stored so
 // (DataCollectionTest.ExistsLooksForTheWrappedName).
 bool KVDataCollection::DataItemExists(std::string_view name) {
-  return view_.Find(kRules.exists_by_name, WrapName(name)) != nullptr;
+  return view_.Find(attributes::kName, WrapName(name)) != nullptr;
 }
 
 bool KVDataCollection::DataItemExistsByGUID(std::string_view guid) {
-  return view_.Find(kRules.exists_by_guid, guid) != nullptr;
+  return view_.Find(attributes::kGuid, guid) != nullptr;
 }
 
 }  // namespace kvdm

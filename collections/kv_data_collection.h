@@ -33,7 +33,7 @@ class KVDataCollection final : public IKVDataCollection {
   // The group in which items are listed and deleted; a missing one is reported as `message`.
   std::shared_ptr<xml::Element> Group(const char* message) const;
   NameListRef List(const char* attribute);
-  bool Delete(const char* query, std::string_view key);
+  bool Delete(const char* attribute, std::string_view key);
   std::shared_ptr<IKVDataItem> View(const std::shared_ptr<xml::Element>& element);
 
   CollectionView view_;

@@ -11,11 +11,7 @@ namespace {
 
 constexpr CollectionRules kRules = {
     .tag = tags::kStoreLayer,
-    .by_name = "./STORELAYER[@NAME=",
-    .by_guid = "./STORELAYER[@GUID=",
-    .exists_by_name = "./STORELAYER[@NAME = ",
-    .exists_by_guid = "./STORELAYER[@GUID = ",
-    .sink = &MakeSink<LateBoundSink>,
+    .reports = ReportStyle::kByName,
     .list_failed = messages::kStoreLayersList,
     .create_failed = messages::kCreateStoreLayer,
     .delete_failed = messages::kDeleteStoreLayer,
@@ -40,13 +36,13 @@ bool KVStoreLayerCollection::CreateStoreLayer(std::string_view name) {
 }
 
 bool KVStoreLayerCollection::DeleteStoreLayer(std::string_view name) {
-  return layers_.Delete(kRules.by_name, WrapName(name));
+  return layers_.Delete(attributes::kName, WrapName(name));
 }
 
 bool KVStoreLayerCollection::DeleteStoreLayerByGUID(std::string_view guid) {
   const auto& view = layers_.view();
-  return guard::Reported(view.sink(), kRules.delete_failed, [&] {
-    const auto layer = view.Remove(kRules.by_guid, guid);
+  return guard::Reported(view.reporter(), kRules.delete_failed, [&] {
+    const auto layer = view.Remove(attributes::kGuid, guid);
     if (!layer) return false;
     // An absent DIRNAME counts as "": the folder of all store layers goes
     // (StoreLayerCollectionTest.DeletingByGuidTakesTheWholeFolder).
@@ -59,11 +55,11 @@ bool KVStoreLayerCollection::DeleteStoreLayerByGUID(std::string_view guid) {
 }
 
 std::shared_ptr<IKVStoreLayer> KVStoreLayerCollection::GetStoreLayer(std::string_view name) {
-  return layers_.Get<KVStoreLayer>(kRules.by_name, WrapName(name));
+  return layers_.Get<KVStoreLayer>(attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVStoreLayer> KVStoreLayerCollection::GetStoreLayerByGUID(std::string_view guid) {
-  return layers_.Get<KVStoreLayer>(kRules.by_guid, guid);
+  return layers_.Get<KVStoreLayer>(attributes::kGuid, guid);
 }
 
 bool KVStoreLayerCollection::StoreLayerExists(std::string_view name) {

@@ -16,7 +16,7 @@ std::string LayerCollection::Folder() const {
 }
 
 bool LayerCollection::Create(std::string_view name) const {
-  return guard::Reported(view_.sink(), view_.rules().create_failed, [&] {
+  return guard::Reported(view_.reporter(), view_.rules().create_failed, [&] {
     if (!view_.node() || Exists(name)) return false;
     const auto base_name = UniqueFileName(*view_.services().files, Folder(), name);
     const auto layer = view_.NewItem(WrapName(name));
@@ -28,17 +28,17 @@ bool LayerCollection::Create(std::string_view name) const {
   });
 }
 
-bool LayerCollection::Delete(const char* query, std::string_view key) const {
-  return guard::Reported(view_.sink(), view_.rules().delete_failed,
-                         [&] { return view_.Remove(query, key) != nullptr; });
+bool LayerCollection::Delete(const char* attribute, std::string_view key) const {
+  return guard::Reported(view_.reporter(), view_.rules().delete_failed,
+                         [&] { return view_.Remove(attribute, key) != nullptr; });
 }
 
 bool LayerCollection::Exists(std::string_view name) const {
-  return view_.Find(view_.rules().exists_by_name, WrapName(name)) != nullptr;
+  return view_.Find(attributes::kName, WrapName(name)) != nullptr;
 }
 
 bool LayerCollection::ExistsByGUID(std::string_view guid) const {
-  return view_.Find(view_.rules().exists_by_guid, guid) != nullptr;
+  return view_.Find(attributes::kGuid, guid) != nullptr;
 }
 
 }  // namespace kvdm

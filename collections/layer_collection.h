@@ -27,12 +27,12 @@ class LayerCollection {
   [[nodiscard]] bool Create(std::string_view name) const;
 
   // Takes a layer out of the collection; its file stays. Reports failures.
-  [[nodiscard]] bool Delete(const char* query, std::string_view key) const;
+  [[nodiscard]] bool Delete(const char* attribute, std::string_view key) const;
 
   // A new view of the layer that a look-up selects. Reports failures.
   template <class Layer>
-  [[nodiscard]] std::shared_ptr<Layer> Get(const char* query, std::string_view key) const {
-    return view_.Get<Layer>(query, key, [&](const std::shared_ptr<xml::Element>& element) {
+  [[nodiscard]] std::shared_ptr<Layer> Get(const char* attribute, std::string_view key) const {
+    return view_.Get<Layer>(attribute, key, [&](const std::shared_ptr<xml::Element>& element) {
       auto layer = std::make_shared<Layer>(view_.gis_core());
       layer->AttachNode(element);
       layer->AttachDataManager(view_.data_manager());

@@ -1,9 +1,11 @@
 #include "datamanager/area_registry.h"
 
+#include <algorithm>
+#include <optional>
 #include <utility>
 
-#include "datamanager/area_rules.h"
-#include "datamanager/kv_data_manager.h"
+#include "collections/collection_view.h"
+#include "datamanager/documents.h"
 #include "datamanager/messages.h"
 #include "items/kv_cust_layer.h"
 #include "items/kv_store_layer.h"
@@ -41,9 +43,78 @@ void Bind(Layer& layer, std::shared_ptr<xml::Element> element, DataManagerRef ma
 
 }  // namespace
 
+// The texts with which one operation reports that its collection is missing, and any other error.
+struct AreaReports {
+  const char* collection_missing;
+  const char* failed;
+};
+
+// What differs between the three collections, side by side.
+struct AreaRules {
+  const char* collection;
+  const char* collection_missing;
+  CollectionRules items;
+  const char* exists_by_name_failed;
+  const char* exists_by_guid_failed;
+  AreaReports list;
+  AreaReports create;
+  AreaReports remove;
+  AreaReports get;
+  // The name that the list of names leaves out.
+  std::optional<std::string_view> unlisted = std::nullopt;
+  // Of layers: the folder of their files below the working directory, the first base name there,
+  // and a child that a new layer gets.
+  const char* folder = nullptr;
+  const char* base_name = nullptr;
+  const char* child = nullptr;
+};
+
+constexpr AreaRules kStudyAreaRules = {
+    .collection = tags::kStudyAreaCollection,
+    .collection_missing = "No Study Area Collection found in XML",
+    .items = {.tag = tags::kStudyArea, .reports = ReportStyle::kShown},
+    .exists_by_name_failed = messages::areas::kNoDocumentElement,
+    .exists_by_guid_failed = messages::areas::kNoDocumentElement,
+    .list = {messages::areas::kNoStudyAreasToList, messages::areas::kListStudyAreas},
+    .create = {messages::areas::kNoStudyAreas, messages::areas::kCreateStudyArea},
+    .remove = {messages::areas::kNoStudyAreas, messages::areas::kDeleteStudyArea},
+    .get = {messages::areas::kGetStudyArea, messages::areas::kGetStudyArea},
+    .unlisted = kUnlistedStudyArea,
+};
+
+constexpr AreaRules kCustLayerRules = {
+    .collection = tags::kCustomerCollection,
+    .collection_missing = "No Customer Collection found in XML",
+    .items = {.tag = tags::kCustLayer, .reports = ReportStyle::kShown},
+    .exists_by_name_failed = messages::areas::kCustLayerExists,
+    .exists_by_guid_failed = messages::areas::kCustLayerExistsByGuid,
+    .list = {messages::areas::kListCustLayers, messages::areas::kListCustLayers},
+    .create = {messages::areas::kRegisterCustLayer, messages::areas::kRegisterCustLayer},
+    .remove = {messages::areas::kUnregisterCustLayer, messages::areas::kUnregisterCustLayer},
+    .get = {messages::areas::kGetCustLayer, messages::areas::kGetCustLayer},
+    .folder = "Customers\\",
+    .base_name = "Cust",
+    .child = tags::kLinkField,
+};
+
+constexpr AreaRules kStoreLayerRules = {
+    .collection = tags::kStoreCollection,
+    .collection_missing = "No Store Collection found in XML",
+    .items = {.tag = tags::kStoreLayer, .reports = ReportStyle::kShown},
+    .exists_by_name_failed = messages::areas::kStoreLayerExists,
+    .exists_by_guid_failed = messages::areas::kStoreLayerExistsByGuid,
+    .list = {messages::areas::kListStoreLayers, messages::areas::kListStoreLayers},
+    .create = {messages::areas::kRegisterStoreLayer, messages::areas::kRegisterStoreLayer},
+    .remove = {messages::areas::kUnregisterStoreLayer, messages::areas::kUnregisterStoreLayer},
+    .get = {messages::areas::kGetStoreLayer, messages::areas::kGetStoreLayer},
+    .folder = "Stores\\",
+    .base_name = "Store",
+};
+
 template <class Body>
 auto AreaRegistry::Reported(const AreaReports& reports, Body&& body) {
   return guard::Handled(
+      manager_.ErrorLog(),
       [&](const RuntimeError& error) {
         const bool missing = error.number() == kCollectionMissing;
         manager_.KVDMHandleError(missing ? reports.collection_missing : reports.failed);
@@ -51,27 +122,23 @@ auto AreaRegistry::Reported(const AreaReports& reports, Body&& body) {
       std::forward<Body>(body));
 }
 
-std::shared_ptr<xml::Element> AreaRegistry::Collection(const AreaRules& rules) const {
-  const auto root = Required(manager_.metadata_).DocumentElement();
-  auto collection = Required(root).SelectSingleNode(rules.collection);
+CollectionView AreaRegistry::Collection(const AreaRules& rules) const {
+  const auto root = Required(workspace_.metadata).DocumentElement();
+  auto collection = Required(root).Child(rules.collection);
   if (!collection) {
     throw RuntimeError(kCollectionMissing, kErrorSource, rules.collection_missing);
   }
-  return collection;
-}
-
-std::shared_ptr<xml::Element> AreaRegistry::NewItem(const AreaRules& rules, std::string_view name) {
-  auto item = xml::Element::Create(rules.tag);
-  item->SetAttribute(attributes::kName, WrapName(name));
-  item->SetAttribute(attributes::kGuid, NewGuidString(*manager_.platform_.gis_core));
-  return item;
+  CollectionView view(rules.items, platform_.gis_core);
+  view.SetDataManager(manager_.Reference());
+  view.SetNode(std::move(collection));
+  return view;
 }
 
 template <class Add>
 NameListRef AreaRegistry::List(const AreaRules& rules, Add&& add) {
   const auto list = Reported(rules.list, [&] {
     auto texts = std::make_shared<NameList>();
-    for (const auto& item : Collection(rules)->Children(rules.tag)) add(*item, *texts);
+    for (const auto& item : Collection(rules).node()->Children(rules.items.tag)) add(*item, *texts);
     return texts;
   });
   return list ? list : std::make_shared<NameList>();
@@ -84,33 +151,46 @@ NameListRef AreaRegistry::Names(const AreaRules& rules) {
   });
 }
 
+// As stored, where the other collections unwrap them like names.
 NameListRef AreaRegistry::GUIDs(const AreaRules& rules) {
   return List(rules, [&](const xml::Element& item, NameList& guids) {
     guids.Add(ToText(item.GetAttribute(attributes::kGuid)));
   });
 }
 
-bool AreaRegistry::Exists(const AreaExistenceTest& test, std::string_view key) {
-  return Reported({test.failed, test.failed}, [&] {
-    const auto root = manager_.metadata_ ? manager_.metadata_->DocumentElement() : nullptr;
+// Looks into every collection element there is: a damaged document may have several.
+bool AreaRegistry::Exists(const AreaRules& rules, const char* attribute, std::string_view key,
+                          const char* failed) {
+  return Reported({failed, failed}, [&] {
+    const auto root = workspace_.metadata ? workspace_.metadata->DocumentElement() : nullptr;
     if (!root) {
       manager_.KVDMHandleError(messages::areas::kNoDocumentElement);
-      manager_.metadata_valid_ = false;
+      workspace_.metadata_valid = false;
       return false;
     }
-    return root->SelectSingleNode(QueryFor(test.query, key)) != nullptr;
+    const auto collections = root->Children(rules.collection);
+    return std::ranges::any_of(collections, [&](const auto& collection) {
+      return collection->Child(rules.items.tag, attribute, key) != nullptr;
+    });
   });
 }
 
+bool AreaRegistry::ExistsByName(const AreaRules& rules, std::string_view name) {
+  return Exists(rules, attributes::kName, WrapName(name), rules.exists_by_name_failed);
+}
+
+bool AreaRegistry::ExistsByGUID(const AreaRules& rules, std::string_view guid) {
+  return Exists(rules, attributes::kGuid, guid, rules.exists_by_guid_failed);
+}
+
 template <class Item>
-std::shared_ptr<Item> AreaRegistry::Get(const AreaRules& rules, const char* query,
+std::shared_ptr<Item> AreaRegistry::Get(const AreaRules& rules, const char* attribute,
                                         std::string_view key) {
   return Reported(rules.get, [&]() -> std::shared_ptr<Item> {
-    auto element = Collection(rules)->SelectSingleNode(QueryFor(query, key));
+    auto element = Collection(rules).Find(attribute, key);
     if (!element) return nullptr;
-    auto item = std::make_shared<Item>(manager_.platform_.gis_core);
-    Bind(*item, std::move(element),
-         std::dynamic_pointer_cast<DataManagerFriend>(manager_.shared_from_this()));
+    auto item = std::make_shared<Item>(platform_.gis_core);
+    Bind(*item, std::move(element), manager_.Reference());
     return item;
   });
 }
@@ -126,10 +206,10 @@ bool AreaRegistry::CreateStudyArea(std::string_view name) {
     if (StudyAreaExists(name)) return false;
     const auto folder_name = CreateStudyAreaFolders();
     const auto collection = Collection(kStudyAreaRules);
-    const auto study_area = NewItem(kStudyAreaRules, name);
+    const auto study_area = collection.NewItem(WrapName(name));
     study_area->SetAttribute(attributes::kDirName, folder_name);
     study_area->SetAttribute(attributes::kShapeFile, kStudyAreaFile);
-    collection->Append(study_area);
+    collection.node()->Append(study_area);
     for (const auto* child : {tags::kAnalysisCollection, tags::kLayerCollection, tags::kDataGroup,
                               tags::kStudyAreaProperties}) {
       study_area->Append(xml::Element::Create(child));
@@ -142,8 +222,8 @@ bool AreaRegistry::CreateStudyArea(std::string_view name) {
 // Returns the name of the new folder in the working directory.
 std::string AreaRegistry::CreateStudyAreaFolders() {
   auto folder_name = manager_.GenerateFolderName("", sDefaultDirNames::kStudyAreaPrefix);
-  const auto folder = manager_.working_directory_ + "\\" + folder_name + "\\";
-  auto& files = *manager_.platform_.files;
+  const auto folder = workspace_.directory + "\\" + folder_name + "\\";
+  auto& files = *platform_.files;
   files.CreateFolder(folder);
   for (const auto* name :
        {sDefaultDirNames::kAnalyses, kDataFolder, sDefaultDirNames::kTables, kLayersFolder}) {
@@ -153,25 +233,24 @@ std::string AreaRegistry::CreateStudyAreaFolders() {
 }
 
 bool AreaRegistry::DeleteStudyArea(std::string_view name) {
-  return DeleteStudyArea(kStudyAreaRules.by_name, WrapName(name));
+  return DeleteStudyArea(attributes::kName, WrapName(name));
 }
 
 bool AreaRegistry::DeleteStudyAreaByGUID(std::string_view guid) {
-  return DeleteStudyArea(kStudyAreaRules.by_guid, guid);
+  return DeleteStudyArea(attributes::kGuid, guid);
 }
 
 // The folder's path has no "\" at its end, so a folder that holds others stays
 // (AreaRegistryTest.DeletingLeavesAFolderThatHoldsFolders). An empty name is no folder's,
 // and without a working directory the path would lead to the root of the current drive.
-bool AreaRegistry::DeleteStudyArea(const char* query, std::string_view key) {
+bool AreaRegistry::DeleteStudyArea(const char* attribute, std::string_view key) {
   return Reported(kStudyAreaRules.remove, [&] {
-    const auto collection = Collection(kStudyAreaRules);
-    const auto study_area = collection->SelectSingleNode(QueryFor(query, key));
+    const auto study_area = Collection(kStudyAreaRules).Remove(attribute, key);
     if (!study_area) return false;
-    collection->Remove(study_area);
     const auto folder_name = ToText(study_area->GetAttribute(attributes::kDirName));
-    if (!folder_name.empty() && !manager_.working_directory_.empty()) {
-      DeleteFolderTree(*manager_.platform_.files, manager_.working_directory_ + "\\" + folder_name);
+    if (!folder_name.empty() && !workspace_.directory.empty()) {
+      DeleteFolderTree(*platform_.files, workspace_.directory + "\\" + folder_name,
+                       manager_.ErrorLog());
     }
     manager_.Flush();
     return true;
@@ -179,51 +258,48 @@ bool AreaRegistry::DeleteStudyArea(const char* query, std::string_view key) {
 }
 
 std::shared_ptr<IKVStudyArea> AreaRegistry::GetStudyArea(std::string_view name) {
-  return Get<KVStudyArea>(kStudyAreaRules, kStudyAreaRules.by_name, WrapName(name));
+  return Get<KVStudyArea>(kStudyAreaRules, attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVStudyArea> AreaRegistry::GetStudyAreaByGUID(std::string_view guid) {
-  return Get<KVStudyArea>(kStudyAreaRules, kStudyAreaRules.by_guid, guid);
+  return Get<KVStudyArea>(kStudyAreaRules, attributes::kGuid, guid);
 }
 
 bool AreaRegistry::StudyAreaExists(std::string_view name) {
-  return Exists(kStudyAreaRules.exists_by_name, WrapName(name));
+  return ExistsByName(kStudyAreaRules, name);
 }
 
 bool AreaRegistry::StudyAreaExistsByGUID(std::string_view guid) {
-  return Exists(kStudyAreaRules.exists_by_guid, guid);
+  return ExistsByGUID(kStudyAreaRules, guid);
 }
 
 // Layers.
 
 std::string AreaRegistry::LayersDir(const AreaRules& rules) const {
-  return manager_.metadata_valid_ ? manager_.working_directory_ + rules.folder : std::string();
+  return workspace_.metadata_valid ? workspace_.directory + rules.folder : std::string();
 }
 
 bool AreaRegistry::RegisterLayer(const AreaRules& rules, std::string_view name) {
   return Reported(rules.create, [&] {
-    if (!manager_.metadata_valid_ || Exists(rules.exists_by_name, WrapName(name))) return false;
+    if (!workspace_.metadata_valid || ExistsByName(rules, name)) return false;
     const auto collection = Collection(rules);
-    const auto layer = NewItem(rules, name);
-    const auto base_name =
-        UniqueFileName(*manager_.platform_.files, LayersDir(rules), rules.base_name);
+    const auto layer = collection.NewItem(WrapName(name));
+    const auto base_name = UniqueFileName(*platform_.files, LayersDir(rules), rules.base_name);
     layer->SetAttribute(attributes::kShapeFile, base_name + kLayerFileExtension);
     layer->SetAttribute(attributes::kPathType, path_types::kRelative);
     layer->SetAttribute(attributes::kIsInternal, kInternal);
-    layer->SetAttribute(attributes::kCreationTime, manager_.platform_.clock->Now());
-    collection->Append(layer);
+    layer->SetAttribute(attributes::kCreationTime, platform_.clock->Now());
+    collection.node()->Append(layer);
     if (rules.child != nullptr) layer->Append(xml::Element::Create(rules.child));
     manager_.Flush();
     return true;
   });
 }
 
-bool AreaRegistry::UnregisterLayer(const AreaRules& rules, const char* query,
+bool AreaRegistry::UnregisterLayer(const AreaRules& rules, const char* attribute,
                                    std::string_view key) {
   return Reported(rules.remove, [&] {
-    const auto collection = Collection(rules);
-    const auto layer = collection->SelectSingleNode(QueryFor(query, key));
-    if (layer) collection->Remove(layer);
+    static_cast<void>(Collection(rules).Remove(attribute, key));
     manager_.Flush();
     return true;
   });
@@ -240,27 +316,27 @@ bool AreaRegistry::RegisterCustLayer(std::string_view name) {
 }
 
 bool AreaRegistry::UnregisterCustLayer(std::string_view name) {
-  return UnregisterLayer(kCustLayerRules, kCustLayerRules.by_name, WrapName(name));
+  return UnregisterLayer(kCustLayerRules, attributes::kName, WrapName(name));
 }
 
 bool AreaRegistry::UnregisterCustLayerByGUID(std::string_view guid) {
-  return UnregisterLayer(kCustLayerRules, kCustLayerRules.by_guid, guid);
+  return UnregisterLayer(kCustLayerRules, attributes::kGuid, guid);
 }
 
 std::shared_ptr<IKVCustLayer> AreaRegistry::GetCustLayer(std::string_view name) {
-  return Get<KVCustLayer>(kCustLayerRules, kCustLayerRules.by_name, WrapName(name));
+  return Get<KVCustLayer>(kCustLayerRules, attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVCustLayer> AreaRegistry::GetCustLayerByGUID(std::string_view guid) {
-  return Get<KVCustLayer>(kCustLayerRules, kCustLayerRules.by_guid, guid);
+  return Get<KVCustLayer>(kCustLayerRules, attributes::kGuid, guid);
 }
 
 bool AreaRegistry::CustLayerExists(std::string_view name) {
-  return Exists(kCustLayerRules.exists_by_name, WrapName(name));
+  return ExistsByName(kCustLayerRules, name);
 }
 
 bool AreaRegistry::CustLayerExistsByGUID(std::string_view guid) {
-  return Exists(kCustLayerRules.exists_by_guid, guid);
+  return ExistsByGUID(kCustLayerRules, guid);
 }
 
 std::string AreaRegistry::StoresDir() const { return LayersDir(kStoreLayerRules); }
@@ -274,43 +350,43 @@ bool AreaRegistry::RegisterStoreLayer(std::string_view name) {
 }
 
 bool AreaRegistry::UnregisterStoreLayer(std::string_view name) {
-  return UnregisterLayer(kStoreLayerRules, kStoreLayerRules.by_name, WrapName(name));
+  return UnregisterLayer(kStoreLayerRules, attributes::kName, WrapName(name));
 }
 
 bool AreaRegistry::UnregisterStoreLayerByGUID(std::string_view guid) {
-  return UnregisterLayer(kStoreLayerRules, kStoreLayerRules.by_guid, guid);
+  return UnregisterLayer(kStoreLayerRules, attributes::kGuid, guid);
 }
 
 std::shared_ptr<IKVStoreLayer> AreaRegistry::GetStoreLayer(std::string_view name) {
-  return Get<KVStoreLayer>(kStoreLayerRules, kStoreLayerRules.by_name, WrapName(name));
+  return Get<KVStoreLayer>(kStoreLayerRules, attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVStoreLayer> AreaRegistry::GetStoreLayerByGUID(std::string_view guid) {
-  return Get<KVStoreLayer>(kStoreLayerRules, kStoreLayerRules.by_guid, guid);
+  return Get<KVStoreLayer>(kStoreLayerRules, attributes::kGuid, guid);
 }
 
 bool AreaRegistry::StoreLayerExists(std::string_view name) {
-  return Exists(kStoreLayerRules.exists_by_name, WrapName(name));
+  return ExistsByName(kStoreLayerRules, name);
 }
 
 bool AreaRegistry::StoreLayerExistsByGUID(std::string_view guid) {
-  return Exists(kStoreLayerRules.exists_by_guid, guid);
+  return ExistsByGUID(kStoreLayerRules, guid);
 }
 
 // Aliases.
 
 std::string AreaRegistry::Alias(const char* value_name, const char* otherwise) {
-  const auto alias = guard::Quiet([&] {
-    return ToText(ReadRegistryString(*manager_.platform_.registry, RegistryRoot::kLocalMachine,
-                                     kRegistryKey, value_name));
+  const auto alias = guard::Quiet(manager_.ErrorLog(), [&] {
+    return ToText(ReadRegistryString(*platform_.registry, RegistryRoot::kLocalMachine, kRegistryKey,
+                                     value_name));
   });
   return alias.empty() ? otherwise : alias;
 }
 
 void AreaRegistry::SetAlias(const char* value_name, std::string_view alias) {
-  guard::Reported(manager_.report_, messages::areas::kWriteAlias, [&] {
-    WriteRegistryString(*manager_.platform_.registry, RegistryRoot::kLocalMachine, kRegistryKey,
-                        value_name, alias);
+  guard::Reported(Reporter{ReportStyle::kShown, &manager_}, messages::areas::kWriteAlias, [&] {
+    WriteRegistryString(*platform_.registry, RegistryRoot::kLocalMachine, kRegistryKey, value_name,
+                        alias);
   });
 }
 

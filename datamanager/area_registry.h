@@ -9,14 +9,14 @@
 #include <kvdm/datamanager/layers.h>
 #include <kvdm/datamanager/study_areas.h>
 
-#include "platform/xml/node.h"
+#include "items/friends.h"
 
 namespace kvdm {
 
-class KVDataManager;
-struct AreaExistenceTest;
+class CollectionView;
 struct AreaReports;
 struct AreaRules;
+struct Workspace;
 
 // Works on the children STUDYAREACOLLECTION, CUSTOMERCOLLECTION and STORECOLLECTION of the
 // metadata's root and creates none of them: a fresh metadata document has none, a loaded one may.
@@ -27,8 +27,9 @@ struct AreaRules;
 // existence tests.
 class AreaRegistry {
  public:
-  // A part of `manager`: it lives and dies with it.
-  explicit AreaRegistry(KVDataManager& manager) : manager_(manager) {}
+  // A part of the data manager `manager`, whose workspace it shares: it lives and dies with it.
+  AreaRegistry(const Platform& platform, Workspace& workspace, DataManagerFriend& manager)
+      : platform_(platform), workspace_(workspace), manager_(manager) {}
 
   // Leaves out the study area "Default".
   NameListRef StudyAreaNames();
@@ -84,26 +85,29 @@ class AreaRegistry {
  private:
   template <class Body>
   auto Reported(const AreaReports& reports, Body&& body);
-  // The collection's element. Run-time error 333 when it is missing.
-  [[nodiscard]] std::shared_ptr<xml::Element> Collection(const AreaRules& rules) const;
-  [[nodiscard]] std::shared_ptr<xml::Element> NewItem(const AreaRules& rules,
-                                                      std::string_view name);
+  // Run-time error 333 when its element is missing.
+  [[nodiscard]] CollectionView Collection(const AreaRules& rules) const;
   [[nodiscard]] std::string LayersDir(const AreaRules& rules) const;
   template <class Add>
   NameListRef List(const AreaRules& rules, Add&& add);
   NameListRef Names(const AreaRules& rules);
   NameListRef GUIDs(const AreaRules& rules);
-  bool Exists(const AreaExistenceTest& test, std::string_view key);
+  bool Exists(const AreaRules& rules, const char* attribute, std::string_view key,
+              const char* failed);
+  bool ExistsByName(const AreaRules& rules, std::string_view name);
+  bool ExistsByGUID(const AreaRules& rules, std::string_view guid);
   std::string CreateStudyAreaFolders();
-  bool DeleteStudyArea(const char* query, std::string_view key);
+  bool DeleteStudyArea(const char* attribute, std::string_view key);
   bool RegisterLayer(const AreaRules& rules, std::string_view name);
-  bool UnregisterLayer(const AreaRules& rules, const char* query, std::string_view key);
+  bool UnregisterLayer(const AreaRules& rules, const char* attribute, std::string_view key);
   template <class Item>
-  std::shared_ptr<Item> Get(const AreaRules& rules, const char* query, std::string_view key);
+  std::shared_ptr<Item> Get(const AreaRules& rules, const char* attribute, std::string_view key);
   std::string Alias(const char* value_name, const char* otherwise);
   void SetAlias(const char* value_name, std::string_view alias);
 
-  KVDataManager& manager_;
+  const Platform& platform_;
+  Workspace& workspace_;
+  DataManagerFriend& manager_;
 };
 
 }  // namespace kvdm

@@ -38,11 +38,12 @@ DocumentRef ParseDocument(XmlParser& parser, std::string_view text) {
   return document;
 }
 
-DocumentRef LoadPresets(FileSystem& files, XmlParser& parser, std::string_view folder) {
+DocumentRef LoadPresets(const Platform& platform, std::string_view folder) {
   auto document = std::make_shared<xml::Document>();
-  const auto bytes =
-      guard::Quiet([&] { return files.ReadFile(std::string(folder) + kPresetFile); });
-  if (bytes) document->Load(parser, *bytes);
+  const auto bytes = guard::Quiet(platform.log.get(), [&] {
+    return platform.files->ReadFile(std::string(folder) + kPresetFile);
+  });
+  if (bytes) document->Load(*platform.xml_parser, *bytes);
   return document;
 }
 

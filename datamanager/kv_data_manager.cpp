@@ -40,13 +40,16 @@ KVDataManager::KVDataManager(Platform platform) : platform_(std::move(platform))
 }
 
 void KVDataManager::KVDMHandleError(std::string_view message) {
-  guard::Quiet([&] {
+  guard::Quiet(ErrorLog(), [&] {
     platform_.message_box->Show(message, messages::kCaption, MessageStyle::kExclamation);
   });
 }
 
+DataManagerRef KVDataManager::Reference() { return {shared_from_this(), this}; }
+
 void KVDataManager::Start() {
   guard::Trapped(
+      ErrorLog(), messages::kPresetDirectory,
       [&] {
         KVDMHandleError(messages::kPresetDirectory);
         preset_directory_.clear();
@@ -56,9 +59,9 @@ void KVDataManager::Start() {
         preset_directory_ =
             ToText(ReadRegistryString(*platform_.registry, RegistryRoot::kLocalMachine,
                                       kRegistryKey, kPresetDataDirectoryValue));
-        guard::Skipping([&] { ReadCatalogue(); });
-        metadata_ = NewMetadataDocument();
-        presets_ = LoadPresets(*platform_.files, *platform_.xml_parser, preset_directory_);
+        guard::Skipping(ErrorLog(), [&] { ReadCatalogue(); });
+        workspace_.metadata = NewMetadataDocument();
+        presets_ = LoadPresets(platform_, preset_directory_);
         presets_available_ = true;
         dataset_manager_ = platform_.siblings->CreateDatasetManager();
         static_cast<void>(Required(dataset_manager_).Initialize());
@@ -72,7 +75,7 @@ void KVDataManager::ReadCatalogue() {
 }
 
 void KVDataManager::DMInitialize(const std::shared_ptr<Host>& host) {
-  guard::Reported(report_, messages::kWorkingDirectorySettings, [&] {
+  guard::Reported(reporter_, messages::kWorkingDirectorySettings, [&] {
     host_ = host;
     resources_ = platform_.siblings->CreateResourceFinder();
     if (host_) SettleWorkingDirectory();
@@ -87,32 +90,34 @@ void KVDataManager::SettleWorkingDirectory() {
   if (wanted.empty()) wanted = platform_.files->SystemDrive() + kDefaultWorkingDirectory;
   SetWorkingDirectory(wanted);
   const auto wanted_folder = WithoutTrailingBackslash(platform_.files->FullPath(wanted));
-  const auto held_folder = WithoutTrailingBackslash(platform_.files->FullPath(working_directory_));
+  const auto held_folder =
+      WithoutTrailingBackslash(platform_.files->FullPath(workspace_.directory));
   if (SameName(wanted_folder, held_folder)) return;
   platform_.message_box->Show(Required(resources).FindString(kWrongWorkingDirectoryText),
                               kComponentName, MessageStyle::kPlain);
-  working_directory_.clear();
+  workspace_.directory.clear();
 }
 
 void KVDataManager::SetWorkingDirectory(std::string_view path) {
   guard::Trapped(
+      ErrorLog(), messages::kInvalidWorkingDirectory,
       [&] {
         KVDMHandleError(messages::kInvalidWorkingDirectory);
-        metadata_valid_ = false;
+        workspace_.metadata_valid = false;
       },
       [&] {
         const auto folder = CollapseBackslashes(std::string(path) + "\\");
-        metadata_valid_ = true;
+        workspace_.metadata_valid = true;
         if (!platform_.files->FolderExists(folder) && !CreateWorkingDirectoryStructure(folder)) {
           KVDMHandleError(messages::kInvalidWorkingDirectorySelected);
         }
-        working_directory_ = folder;
+        workspace_.directory = folder;
         CleanTemp();
       });
 }
 
 bool KVDataManager::CreateWorkingDirectoryStructure(const std::string& path) {
-  return guard::Reported(report_, messages::kWorkingDirectoryStructure, [&] {
+  return guard::Reported(reporter_, messages::kWorkingDirectoryStructure, [&] {
     auto& files = *platform_.files;
     if (!files.FolderExists(path)) {
       files.CreateFolder(path);
@@ -122,13 +127,14 @@ bool KVDataManager::CreateWorkingDirectoryStructure(const std::string& path) {
       }
       files.HideFolder(path + "\\" + sDefaultDirNames::kKelvaroTemp);
     }
-    metadata_ = NewMetadataDocument();
+    workspace_.metadata = NewMetadataDocument();
     return true;
   });
 }
 
 bool KVDataManager::Flush() {
   guard::Handled(
+      ErrorLog(),
       [&](const RuntimeError& error) {
         KVDMHandleError(messages::kSaving + NumberText(error.number()) + error.what());
       },
@@ -143,17 +149,17 @@ bool KVDataManager::Flush() {
 }
 
 std::string KVDataManager::GenerateFolderName(std::string_view parent, std::string_view prefix) {
-  return guard::Reported(report_, messages::kNewFolderName, [&] {
-    if (!metadata_valid_) return std::string();
+  return guard::Reported(reporter_, messages::kNewFolderName, [&] {
+    if (!workspace_.metadata_valid) return std::string();
     return FirstFree(prefix, [&](const std::string& candidate) {
-      return platform_.files->FolderExists(working_directory_ + "\\" + std::string(parent) +
+      return platform_.files->FolderExists(workspace_.directory + "\\" + std::string(parent) +
                                            candidate);
     });
   });
 }
 
 std::shared_ptr<Identifier> KVDataManager::ID() {
-  return guard::Quiet([&] {
+  return guard::Quiet(ErrorLog(), [&] {
     auto identifier = platform_.gis_core->CreateIdentifier();
     Required(identifier).PutValue(kDataManagerClass);
     return identifier;
@@ -161,18 +167,18 @@ std::shared_ptr<Identifier> KVDataManager::ID() {
 }
 
 void KVDataManager::Save(const std::shared_ptr<VariantStream>& stream) {
-  guard::Quiet([&] {
-    Required(stream).Write(metadata_ ? metadata_->Xml() : std::string());
+  guard::Quiet(ErrorLog(), [&] {
+    Required(stream).Write(workspace_.metadata ? workspace_.metadata->Xml() : std::string());
     Flush();
   });
 }
 
 void KVDataManager::Load(const std::shared_ptr<VariantStream>& stream) {
-  guard::Quiet([&] {
+  guard::Quiet(ErrorLog(), [&] {
     const auto value = Required(stream).Read();
     if (!value.IsText()) return;
-    metadata_ = ParseDocument(*platform_.xml_parser, ToText(value));
-    if (!metadata_->DocumentElement()) metadata_ = nullptr;
+    workspace_.metadata = ParseDocument(*platform_.xml_parser, ToText(value));
+    if (!workspace_.metadata->DocumentElement()) workspace_.metadata = nullptr;
   });
 }
 

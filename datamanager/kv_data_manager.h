@@ -11,19 +11,19 @@
 #include "datamanager/area_registry.h"
 #include "datamanager/documents.h"
 #include "items/friends.h"
-#include "util/error_sink.h"
 
 namespace kvdm {
 
 // Every operation traps its errors, shows a message and returns its neutral result.
-class KVDataManager final : public DataManagerFriend,
+class KVDataManager final : public IKVDataManager,
                             public IKVDMInitialize,
-                            public IPersistVariant {
+                            public IPersistVariant,
+                            private DataManagerFriend {
  public:
   // Reads the registry and the preset catalogue, and starts a fresh metadata document.
   explicit KVDataManager(Platform platform);
 
-  std::string WorkingDirectory() override { return working_directory_; }
+  std::string WorkingDirectory() override { return workspace_.directory; }
   void SetWorkingDirectory(std::string_view path) override;
   std::shared_ptr<DatasetManager> GetDatasetManager() override { return dataset_manager_; }
   bool Flush() override;
@@ -44,18 +44,17 @@ class KVDataManager final : public DataManagerFriend,
   void Load(const std::shared_ptr<VariantStream>& stream) override;
   void Save(const std::shared_ptr<VariantStream>& stream) override;
 
-  // For the other classes of the component.
+  // For the other classes of the component, and for hosts that are built with it.
   std::shared_ptr<Host> HostObject() override { return host_; }
   void KVDMHandleError(std::string_view message) override;
   std::shared_ptr<ResourceFinder> Resources() override { return resources_; }
+  [[nodiscard]] Log* ErrorLog() const override { return platform_.log.get(); }
   [[nodiscard]] const Platform& Services() const override { return platform_; }
+  DataManagerRef Reference() override;
   // Creates the working directory's folders when it is missing, and starts the metadata afresh in
   // any case.
   bool CreateWorkingDirectoryStructure(const std::string& path);
-  // The first free folder name below `parent` in the working directory: `prefix`, then `prefix`
-  // followed by 1, 2, 3 ...
-  // "" while there is no valid metadata.
-  std::string GenerateFolderName(std::string_view parent, std::string_view prefix);
+  std::string GenerateFolderName(std::string_view parent, std::string_view prefix) override;
   // The identifiers of the preset data items; Nothing after a failed start-up.
   NameListRef PDataGUIDList();
   std::string GetPDataFileByGUID(std::string_view guid);
@@ -63,37 +62,23 @@ class KVDataManager final : public DataManagerFriend,
   AreaRegistry& Areas() { return areas_; }
 
  private:
-  friend class AreaRegistry;
-
-  // Shows a report in a message box.
-  class ReportBox final : public ErrorSink {
-   public:
-    explicit ReportBox(KVDataManager& manager) : manager_(manager) {}
-    void Report(std::string_view message) const override { manager_.KVDMHandleError(message); }
-
-   private:
-    KVDataManager& manager_;
-  };
-
   void Start();
   void ReadCatalogue();
   void SettleWorkingDirectory();
   [[nodiscard]] std::string TempFolder() const;
   NameListRef ListPresets(const char* attribute);
-  std::string PresetFile(const char* query, std::string_view key);
+  std::string PresetFile(const char* attribute, std::string_view key);
   // The collection element `tag` of the metadata, created when it is missing.
   std::shared_ptr<xml::Element> CollectionElement(const char* tag);
   template <class Collection>
   std::shared_ptr<Collection> BindCollection(std::shared_ptr<xml::Element> element);
 
   Platform platform_;
-  ReportBox report_{*this};
-  AreaRegistry areas_{*this};
-  std::string working_directory_;
+  Reporter reporter_{ReportStyle::kShown, this};
+  Workspace workspace_;
+  AreaRegistry areas_{platform_, workspace_, *this};
   std::string preset_directory_;
-  bool metadata_valid_ = false;
   bool presets_available_ = false;
-  DocumentRef metadata_;
   DocumentRef catalogue_ = std::make_shared<xml::Document>();
   DocumentRef presets_ = std::make_shared<xml::Document>();
   std::shared_ptr<DatasetManager> dataset_manager_;

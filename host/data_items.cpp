@@ -27,12 +27,12 @@ std::shared_ptr<xml::Element> CollectionElement(Session& session) {
   XmlParser& parser = *session.Component().GetServices().platform.xml_parser;
   if (!document.LoadXml(parser, ToText(values.front()))) return nullptr;
   const auto root = document.DocumentElement();
-  return root->SelectSingleNode(tags::kDataCollection);
+  return root->Child(tags::kDataCollection);
 }
 
 bool HasGroup(Session& session) {
   const auto collection = CollectionElement(session);
-  return collection && collection->SelectSingleNode(tags::kDataGroup);
+  return collection && collection->Child(tags::kDataGroup);
 }
 
 // A name that holds a double quote can't be looked for.

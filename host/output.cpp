@@ -8,8 +8,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <kvdm/platform/error.h>
+
 #include "host/text.h"
-#include "util/error_chain.h"
 
 namespace kvdm {
 namespace {

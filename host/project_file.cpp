@@ -120,7 +120,8 @@ fs::path GivenProjectFile(std::string_view given) {
 // What to do about a project file that can't be used.
 std::string WayOut(const fs::path& file) {
   const fs::path previous = Beside(file, ".bak");
-  if (!guard::Quiet([&] { return os::Exists(previous); })) return "Restore it from a backup.";
+  if (!guard::Quiet(nullptr, [&] { return os::Exists(previous); }))
+    return "Restore it from a backup.";
   return fmt::format(
       "The state before the last change is in {}: copy that file over {} to return "
       "to it.",

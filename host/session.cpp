@@ -44,7 +44,7 @@ Session::Session(const std::filesystem::path& file, Output& out)
     : file_(file), project_(ReadProjectFile(file_)), component_(Start(file_, project_, out)) {}
 
 Session::~Session() {
-  for (const auto& undo : undos_) guard::Skipping(undo);
+  for (const auto& undo : undos_) guard::Skipping(nullptr, undo);
 }
 
 bool Session::Save() {

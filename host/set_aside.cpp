@@ -50,7 +50,7 @@ void SettingAsideFiles::Expect(std::string_view folder, std::string_view place) 
 std::unique_ptr<Directory> SettingAsideFiles::OpenFolder(std::string_view path) {
   if (!armed_) return files_->OpenFolder(path);
   armed_ = false;
-  if (found_ && IsIn(expected_, path)) guard::Skipping([&] { SetAside(); });
+  if (found_ && IsIn(expected_, path)) guard::Skipping(nullptr, [&] { SetAside(); });
   throw PathError(kPathNotFound, path);
 }
 
@@ -59,9 +59,9 @@ void SettingAsideFiles::SetAside() {
   const std::string parent = ParentOf(*found_);
   const std::string place = parent + place_;
   files_->CreateFolder(place);
-  guard::Skipping([&] { files_->HideFolder(place); });
+  guard::Skipping(nullptr, [&] { files_->HideFolder(place); });
   aside_ = place + "\\" + found_->substr(parent.size());
-  if (!guard::Skipping([&] { os::MoveFolder(drives_, *found_, aside_); })) RemovePlace();
+  if (!guard::Skipping(nullptr, [&] { os::MoveFolder(drives_, *found_, aside_); })) RemovePlace();
 }
 
 bool SettingAsideFiles::Empty() {
@@ -80,7 +80,7 @@ bool SettingAsideFiles::Empty() {
 void SettingAsideFiles::PutBack() {
   armed_ = false;
   if (aside_.empty()) return;
-  if (guard::Skipping([&] { os::MoveFolder(drives_, aside_, *found_); })) RemovePlace();
+  if (guard::Skipping(nullptr, [&] { os::MoveFolder(drives_, aside_, *found_); })) RemovePlace();
 }
 
 void SettingAsideFiles::RemovePlace() {

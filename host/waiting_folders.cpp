@@ -150,7 +150,8 @@ WaitingFolder::Item ItemOf(const PlaceName& name, Session& session, std::string_
 }
 
 void RemovePlace(Session& session, const WaitingFolder& waiting) {
-  guard::Skipping([&] { RemoveEmptyFolder(session.Component().Files(), waiting.place + "\\"); });
+  guard::Skipping(nullptr,
+                  [&] { RemoveEmptyFolder(session.Component().Files(), waiting.place + "\\"); });
 }
 
 // Answers what was done, for people.
@@ -230,13 +231,13 @@ void TellOfWaitingFolders(Session& session) try {
 
 void SettleWaitingFolders(Session& session) {
   std::vector<WaitingFolder> all;
-  guard::Skipping([&] { all = WaitingFolders(session); });
+  guard::Skipping(nullptr, [&] { all = WaitingFolders(session); });
   for (const WaitingFolder& waiting : all) {
     if (waiting.item == WaitingFolder::Item::kOfOtherProject) continue;
     if (waiting.folder.empty()) {
       RemovePlace(session, waiting);
     } else {
-      guard::Skipping([&] { Output::Tell("kvdm: " + Settle(session, waiting)); });
+      guard::Skipping(nullptr, [&] { Output::Tell("kvdm: " + Settle(session, waiting)); });
     }
   }
 }

@@ -5,18 +5,6 @@
 #include "util/tags.h"
 
 namespace kvdm {
-namespace {
-
-constexpr char kCommentsQuery[] = "./COMMENTS";
-constexpr char kParameterQuery[] = "./PARAM[@NAME=";
-
-}  // namespace
-
-void ElementView::AttachDataManager(DataManagerRef data_manager) {
-  sink_ = make_sink_(data_manager);
-  data_manager_ = std::move(data_manager);
-}
-
 void ElementView::Flush() const {
   if (data_manager_) data_manager_->Flush();
 }
@@ -26,7 +14,7 @@ std::string ElementView::Text(std::string_view attribute) const {
 }
 
 std::string ElementView::TextOrNothing(std::string_view attribute) const {
-  return guard::Quiet([&] { return Text(attribute); });
+  return guard::Quiet(log(), [&] { return Text(attribute); });
 }
 
 void ElementView::Set(std::string_view attribute, const Value& value) const {
@@ -40,13 +28,13 @@ void ElementView::SetAndFlush(std::string_view attribute, const Value& value) co
 }
 
 std::string ElementView::Comments() const {
-  const auto comments = node_ ? node_->SelectSingleNode(kCommentsQuery) : nullptr;
+  const auto comments = node_ ? node_->Child(tags::kComments) : nullptr;
   return comments ? WidenLineEnds(comments->Text()) : std::string();
 }
 
 void ElementView::SetComments(std::string_view comments) const {
   if (!node_) return;
-  auto element = node_->SelectSingleNode(kCommentsQuery);
+  auto element = node_->Child(tags::kComments);
   const bool is_new = !element;
   if (is_new) element = xml::Element::Create(tags::kComments);
   // A text that is refused leaves no empty element behind.
@@ -57,7 +45,7 @@ void ElementView::SetComments(std::string_view comments) const {
 
 bool ElementView::SetParameter(std::string_view name, std::string_view value) const {
   if (!node_) return false;
-  auto parameter = node_->SelectSingleNode(QueryFor(kParameterQuery, name));
+  auto parameter = node_->Child(tags::kParameter, attributes::kName, name);
   if (!parameter) {
     parameter = xml::Element::Create(tags::kParameter);
     parameter->SetAttribute(attributes::kName, name);
@@ -69,7 +57,7 @@ bool ElementView::SetParameter(std::string_view name, std::string_view value) co
 }
 
 std::string ElementView::GetParameter(std::string_view name) const {
-  const auto parameter = node_ ? node_->SelectSingleNode(QueryFor(kParameterQuery, name)) : nullptr;
+  const auto parameter = node_ ? node_->Child(tags::kParameter, attributes::kName, name) : nullptr;
   return parameter ? ToText(parameter->GetAttribute(attributes::kValue)) : std::string();
 }
 
@@ -87,16 +75,6 @@ bool ElementView::ClearParameters() const {
   for (const auto& parameter : node_->Children(tags::kParameter)) node_->Remove(parameter);
   Flush();
   return true;
-}
-
-std::shared_ptr<xml::Element> SelectOrAppend(xml::Element& parent, std::string_view query,
-                                             std::string_view tag) {
-  auto element = parent.SelectSingleNode(query);
-  if (!element) {
-    element = xml::Element::Create(tag);
-    parent.Append(element);
-  }
-  return element;
 }
 
 }  // namespace kvdm

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "items/error_sinks.h"
 #include "items/friends.h"
 #include "platform/xml/node.h"
 
@@ -16,14 +15,15 @@ namespace kvdm {
 // element readers return "" or Nothing and writers do nothing.
 class ElementView {
  public:
-  explicit ElementView(SinkFactory make_sink) : make_sink_(make_sink), sink_(make_sink(nullptr)) {}
+  explicit ElementView(ReportStyle reports) : reports_(reports) {}
 
   void AttachNode(std::shared_ptr<xml::Element> node) { node_ = std::move(node); }
-  void AttachDataManager(DataManagerRef data_manager);
+  void AttachDataManager(DataManagerRef data_manager) { data_manager_ = std::move(data_manager); }
 
   [[nodiscard]] const std::shared_ptr<xml::Element>& node() const { return node_; }
   [[nodiscard]] const DataManagerRef& data_manager() const { return data_manager_; }
-  [[nodiscard]] const ErrorSink& sink() const { return *sink_; }
+  [[nodiscard]] Reporter reporter() const { return {reports_, data_manager_.get()}; }
+  [[nodiscard]] Log* log() const { return reporter().log(); }
   [[nodiscard]] bool FullyBound() const { return node_ && data_manager_; }
 
   // Saves, when there is a data manager.
@@ -49,14 +49,9 @@ class ElementView {
   bool ClearParameters() const;
 
  private:
-  SinkFactory make_sink_;
-  std::unique_ptr<ErrorSink> sink_;
+  ReportStyle reports_;
   std::shared_ptr<xml::Element> node_;
   DataManagerRef data_manager_;
 };
-
-// The child that `query` selects in `parent`, or a new last child with the tag `tag`.
-std::shared_ptr<xml::Element> SelectOrAppend(xml::Element& parent, std::string_view query,
-                                             std::string_view tag);
 
 }  // namespace kvdm

@@ -7,7 +7,7 @@
 namespace kvdm {
 namespace {
 
-constexpr ItemReports kReports = {&MakeSink<LateBoundSink>, messages::kSetParameter};
+constexpr ItemReports kReports = {ReportStyle::kByName, messages::kSetParameter};
 constexpr LayerEditMessages kLayerEditMessages = {messages::kAnalysisLayerFile,
                                                   messages::kAnalysisGuid};
 
@@ -27,7 +27,7 @@ KVAnalysis::KVAnalysis(std::shared_ptr<GisCore> gis_core)
 std::string KVAnalysis::Name() { return UnwrapName(view().Text(attributes::kName)); }
 
 void KVAnalysis::SetName(std::string_view name) {
-  guard::Reported(view().sink(), messages::kRenameAnalysis, [&] {
+  guard::Reported(view().reporter(), messages::kRenameAnalysis, [&] {
     if (!view().FullyBound()) return;
     const auto analyses = view().data_manager()->AnalysisCollection();
     if (!Required(analyses).AnalysisExists(name)) view().Set(attributes::kName, WrapName(name));
@@ -41,7 +41,7 @@ void KVAnalysis::SetLayerFile(std::string_view path) {
 }
 
 std::string KVAnalysis::Comments() {
-  return guard::Quiet([&] { return view().Comments(); });
+  return guard::Quiet(view().log(), [&] { return view().Comments(); });
 }
 
 void KVAnalysis::SetComments(std::string_view comments) { view().SetComments(comments); }
@@ -49,7 +49,7 @@ void KVAnalysis::SetComments(std::string_view comments) { view().SetComments(com
 std::string KVAnalysis::CreationTime() { return view().TextOrNothing(attributes::kCreationTime); }
 
 void KVAnalysis::SetCreationTime(std::string_view time) {
-  guard::Quiet([&] { view().Set(attributes::kCreationTime, time); });
+  guard::Quiet(view().log(), [&] { view().Set(attributes::kCreationTime, time); });
 }
 
 std::string KVAnalysis::AnalysisDir() { return view().TextOrNothing(attributes::kDirName); }
@@ -57,7 +57,7 @@ std::string KVAnalysis::AnalysisDir() { return view().TextOrNothing(attributes::
 std::string KVAnalysis::AnalysisGUID() { return view().TextOrNothing(attributes::kGuid); }
 
 bool KVAnalysis::WriteToPropertySet(std::shared_ptr<NamedValueSet>& set) {
-  return guard::Quiet([&] {
+  return guard::Quiet(view().log(), [&] {
     if (!set) set = gis_core_->CreateNamedValueSet();
     if (view().node()) {
       for (const auto& parameter : view().node()->Children(tags::kParameter)) {
@@ -72,12 +72,12 @@ bool KVAnalysis::WriteToPropertySet(std::shared_ptr<NamedValueSet>& set) {
 }
 
 bool KVAnalysis::ReadFromPropertySet(const std::shared_ptr<NamedValueSet>& set) {
-  return guard::Quiet([&] {
+  return guard::Quiet(view().log(), [&] {
     if (!set) return false;
     const auto entries = set->ListAll();
     const int count = set->EntryCount();
     for (int i = 0; i < count; ++i) {
-      guard::Skipping([&] { ApplyEntry(entries.names.at(i), entries.values.at(i)); });
+      guard::Skipping(view().log(), [&] { ApplyEntry(entries.names.at(i), entries.values.at(i)); });
     }
     return true;
   });
@@ -89,12 +89,12 @@ void KVAnalysis::ApplyEntry(const std::string& name, const Value& value) {
   } else if (name == kCommentsEntry) {
     SetComments(ToText(value));
   } else {
-    SetParameter(name, guard::Quiet([&] { return ToText(value); }));
+    SetParameter(name, guard::Quiet(view().log(), [&] { return ToText(value); }));
   }
 }
 
 void KVAnalysis::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
-  ExportDocument(metadata, *gis_core_, [&](NamedValueSet& document) {
+  ExportDocument(metadata, *gis_core_, view().log(), [&](NamedValueSet& document) {
     document.PutValue(metadata_paths::kLayerType, kLayerType);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, AnalysisGUID());
@@ -110,11 +110,13 @@ void KVAnalysis::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) 
 
 void KVAnalysis::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   std::shared_ptr<NamedValueSet> document;
-  guard::Skipping([&] { document = ReadDocumentOf(metadata, kLayerType); });
+  guard::Skipping(view().log(), [&] { document = ReadDocumentOf(metadata, kLayerType); });
   if (!document) return;
-  guard::Skipping([&] { layer_edit_.SetGUID(FirstText(*document, metadata_paths::kGuid)); });
-  guard::Skipping([&] { SetComments(FirstText(*document, metadata_paths::kComments)); });
-  guard::Skipping([&] { ImportParameters(*document); });
+  guard::Skipping(view().log(),
+                  [&] { layer_edit_.SetGUID(FirstText(*document, metadata_paths::kGuid)); });
+  guard::Skipping(view().log(),
+                  [&] { SetComments(FirstText(*document, metadata_paths::kComments)); });
+  guard::Skipping(view().log(), [&] { ImportParameters(*document); });
 }
 
 void KVAnalysis::ImportParameters(NamedValueSet& document) {
@@ -123,8 +125,9 @@ void KVAnalysis::ImportParameters(NamedValueSet& document) {
   for (std::size_t i = 0; i < entries.names.size(); ++i) {
     const std::string_view path = entries.names[i];
     if (!path.starts_with(kPrefix)) continue;
-    guard::Skipping(
-        [&] { SetParameter(path.substr(kPrefix.size()), ToText(entries.values.at(i))); });
+    guard::Skipping(view().log(), [&] {
+      SetParameter(path.substr(kPrefix.size()), ToText(entries.values.at(i)));
+    });
   }
 }
 

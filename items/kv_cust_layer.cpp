@@ -21,7 +21,7 @@ bool KVCustLayer::IsTaken(std::string_view name) {
 }
 
 void KVCustLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
-  ExportDocument(metadata, gis_core(), [&](NamedValueSet& document) {
+  ExportDocument(metadata, gis_core(), view().log(), [&](NamedValueSet& document) {
     document.PutValue(metadata_paths::kLayerType, kLayerType);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, GUID());
@@ -34,7 +34,7 @@ void KVCustLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata)
 }
 
 void KVCustLayer::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
-  guard::Quiet([&] {
+  guard::Quiet(view().log(), [&] {
     const auto document = ReadDocumentOf(metadata, kLayerType);
     if (!document) return;
     SetIDField(FirstText(*document, metadata_paths::kIdField));

@@ -8,7 +8,7 @@ namespace kvdm {
 class KVCustLayer final : public LayerView<IKVCustLayer> {
  public:
   explicit KVCustLayer(std::shared_ptr<GisCore> gis_core)
-      : LayerView(&MakeSink<LateBoundSink>, std::move(gis_core)) {}
+      : LayerView(ReportStyle::kByName, std::move(gis_core)) {}
 
   std::string LinkField() override;
   void SetLinkField(std::string_view field) override;

@@ -6,7 +6,7 @@
 namespace kvdm {
 namespace {
 
-constexpr ItemReports kReports = {&MakeSink<LateBoundSink>, messages::kSetDataItemParameter};
+constexpr ItemReports kReports = {ReportStyle::kByName, messages::kSetDataItemParameter};
 
 }  // namespace
 
@@ -17,7 +17,7 @@ std::string KVDataItem::Name() { return view().TextOrNothing(attributes::kName);
 void KVDataItem::SetName(std::string_view name) { view().SetAndFlush(attributes::kName, name); }
 
 std::string KVDataItem::LayerFile() {
-  return guard::Quiet([&] {
+  return guard::Quiet(view().log(), [&] {
     const auto file = view().Text(attributes::kFile);
     const bool relative = view().TextOrNothing(attributes::kPathType) == path_types::kRelative;
     return relative ? Required(owner_).DataItemsDir() + file : file;

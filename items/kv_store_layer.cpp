@@ -21,7 +21,7 @@ bool KVStoreLayer::IsTaken(std::string_view name) {
 }
 
 void KVStoreLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
-  ExportDocument(metadata, gis_core(), [&](NamedValueSet& document) {
+  ExportDocument(metadata, gis_core(), view().log(), [&](NamedValueSet& document) {
     document.PutValue(metadata_paths::kLayerType, kLayerType);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, GUID());
@@ -33,7 +33,7 @@ void KVStoreLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata
 }
 
 void KVStoreLayer::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
-  guard::Quiet([&] {
+  guard::Quiet(view().log(), [&] {
     const auto document = ReadDocumentOf(metadata, kLayerType);
     if (!document) return;
     SetIDField(FirstText(*document, metadata_paths::kIdField));

@@ -8,7 +8,7 @@ namespace kvdm {
 class KVStoreLayer final : public LayerView<IKVStoreLayer> {
  public:
   explicit KVStoreLayer(std::shared_ptr<GisCore> gis_core)
-      : LayerView(&MakeSink<DirectSink>, std::move(gis_core)) {}
+      : LayerView(ReportStyle::kShown, std::move(gis_core)) {}
 
   // Marks the path as absolute as well.
   void SetLayerFile(std::string_view path) override;

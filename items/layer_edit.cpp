@@ -17,7 +17,7 @@ std::shared_ptr<Unknown> LayerEdit::If(std::type_index interface_type) {
 }
 
 void LayerEdit::Change(const char* attribute, std::string_view value, const char* message) {
-  guard::Reported(view_.sink(), message, [&] {
+  guard::Reported(view_.reporter(), message, [&] {
     if (view_.FullyBound()) view_.SetAndFlush(attribute, value);
   });
 }

@@ -20,8 +20,8 @@ inline constexpr LayerEditMessages kLayerEditTexts = {messages::kLayerFile, mess
 template <class Interface>
 class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
  public:
-  LayerView(SinkFactory sink, std::shared_ptr<GisCore> gis_core)
-      : ParameterizedItem<Interface>({sink, messages::kSetParameter}),
+  LayerView(ReportStyle reports, std::shared_ptr<GisCore> gis_core)
+      : ParameterizedItem<Interface>({reports, messages::kSetParameter}),
         gis_core_(std::move(gis_core)),
         layer_edit_(*this, view(), kLayerEditTexts) {}
 
@@ -57,7 +57,7 @@ class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
     SetQuietly(attributes::kStudyAreaName, name);
   }
   std::string Comments() override {
-    return guard::Quiet([&] { return view().Comments(); });
+    return guard::Quiet(view().log(), [&] { return view().Comments(); });
   }
   void SetComments(std::string_view comments) override { view().SetComments(comments); }
   std::string GUID() override { return view().TextOrNothing(attributes::kGuid); }
@@ -74,7 +74,7 @@ class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
 
   // Without saving.
   void SetQuietly(const char* attribute, std::string_view value) {
-    guard::Quiet([&] { view().Set(attribute, value); });
+    guard::Quiet(view().log(), [&] { view().Set(attribute, value); });
   }
 
   [[nodiscard]] GisCore& gis_core() const { return *gis_core_; }

@@ -4,11 +4,11 @@
 
 namespace kvdm {
 
-void ExportDocument(const std::shared_ptr<LayerMetadata>& metadata, GisCore& gis_core,
+void ExportDocument(const std::shared_ptr<LayerMetadata>& metadata, GisCore& gis_core, Log* log,
                     const std::function<void(NamedValueSet&)>& put) {
-  guard::Quiet([&] {
+  guard::Quiet(log, [&] {
     std::shared_ptr<NamedValueSet> document;
-    guard::Skipping([&] { document = Required(metadata).ReadDocument(); });
+    guard::Skipping(log, [&] { document = Required(metadata).ReadDocument(); });
     if (!document) document = gis_core.CreateNamedValueSet();
     Required(document).PrepareForUpdate();
     put(*document);

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include <kvdm/platform/gis_core.h>
+#include <kvdm/platform/log.h>
 
 namespace kvdm {
 
@@ -31,7 +32,7 @@ inline constexpr char kFeaturesList[] = "Velk/Kelvaro8/FeaturesList";
 
 // Reads the layer's document, or makes an empty one when there is none, has `put` fill it, and
 // writes it back. An error ends it quietly; the layer's metadata is then as before.
-void ExportDocument(const std::shared_ptr<LayerMetadata>& metadata, GisCore& gis_core,
+void ExportDocument(const std::shared_ptr<LayerMetadata>& metadata, GisCore& gis_core, Log* log,
                     const std::function<void(NamedValueSet&)>& put);
 
 // The layer's document when it describes a layer of the kind `layer_type`; Nothing for another

@@ -14,7 +14,7 @@ namespace kvdm {
 
 // How one class of items reports.
 struct ItemReports {
-  SinkFactory sink;
+  ReportStyle style;
   const char* set_parameter;
 };
 
@@ -22,21 +22,21 @@ template <class Interface>
 class ParameterizedItem : public virtual Interface {
  public:
   explicit ParameterizedItem(const ItemReports& reports)
-      : view_(reports.sink), set_parameter_message_(reports.set_parameter) {}
+      : view_(reports.style), set_parameter_message_(reports.set_parameter) {}
 
   bool SetParameter(std::string_view name, std::string_view value) override {
-    return guard::Reported(view_.sink(), set_parameter_message_,
+    return guard::Reported(view_.reporter(), set_parameter_message_,
                            [&] { return view_.SetParameter(name, value); });
   }
   std::string GetParameter(std::string_view name) override {
-    return guard::Quiet([&] { return view_.GetParameter(name); });
+    return guard::Quiet(view_.log(), [&] { return view_.GetParameter(name); });
   }
   NameListRef ParametersList() override {
-    return guard::Reported(view_.sink(), messages::kParametersList,
+    return guard::Reported(view_.reporter(), messages::kParametersList,
                            [&] { return view_.ParametersList(); });
   }
   bool ClearParametersList() override {
-    return guard::Quiet([&] { return view_.ClearParameters(); });
+    return guard::Quiet(view_.log(), [&] { return view_.ClearParameters(); });
   }
 
   // Bound by their collection right after creation.

@@ -15,10 +15,6 @@ namespace {
 constexpr LayerEditMessages kLayerEditMessages = {messages::kSetStudyAreaLayerFile,
                                                   messages::kSetStudyAreaGuid};
 
-// The getter and the setter of a property spell the same look-up differently.
-constexpr char kGetPropertyQuery[] = "./PROPERTY[@NAME=";
-constexpr char kSetPropertyQuery[] = "./PROPERTY[@NAME = ";
-
 constexpr char kLayerType[] = "Study Area";
 constexpr char kTableBaseName[] = "Table";
 constexpr char kComponentName[] = "KVDM";
@@ -39,13 +35,13 @@ constexpr std::array kExchangedProperties = {
 
 KVStudyArea::KVStudyArea(std::shared_ptr<GisCore> gis_core)
     : gis_core_(std::move(gis_core)),
-      view_(&MakeSink<DirectIfBoundSink>),
+      view_(ReportStyle::kShownIfBound),
       layer_edit_(*this, view_, kLayerEditMessages) {}
 
 std::string KVStudyArea::Name() { return UnwrapName(view_.Text(attributes::kName)); }
 
 void KVStudyArea::SetName(std::string_view name) {
-  guard::Reported(view_.sink(), messages::kRenameStudyArea, [&] {
+  guard::Reported(view_.reporter(), messages::kRenameStudyArea, [&] {
     if (!view_.FullyBound()) return;
     const auto study_areas = view_.data_manager()->StudyAreaCollection();
     if (Required(study_areas).StudyAreaExists(name)) return;
@@ -64,16 +60,17 @@ void KVStudyArea::SetStudyAreaDir(std::string_view folder) {
 }
 
 std::string KVStudyArea::Comments() {
-  return guard::Quiet([&] { return view_.Comments(); });
+  return guard::Quiet(view_.log(), [&] { return view_.Comments(); });
 }
 
 void KVStudyArea::SetComments(std::string_view comments) {
-  guard::Handled([&](const RuntimeError& error) { ShowPlain(error.what()); },
-                 [&] { view_.SetComments(comments); });
+  guard::Handled(
+      view_.log(), [&](const RuntimeError& error) { ShowPlain(error.what()); },
+      [&] { view_.SetComments(comments); });
 }
 
 std::string KVStudyArea::Dataset() {
-  return guard::Reported(view_.sink(), messages::kStudyAreaDataset,
+  return guard::Reported(view_.reporter(), messages::kStudyAreaDataset,
                          [&] { return UnwrapName(view_.Text(attributes::kDataset)); });
 }
 
@@ -82,38 +79,38 @@ void KVStudyArea::SetDataset(std::string_view dataset) {
 }
 
 std::string KVStudyArea::GUID() {
-  return guard::Reported(view_.sink(), messages::kStudyAreaGuid,
+  return guard::Reported(view_.reporter(), messages::kStudyAreaGuid,
                          [&] { return view_.Text(attributes::kGuid); });
 }
 
 void KVStudyArea::Change(const char* attribute, std::string_view value, const char* message) {
-  guard::Reported(view_.sink(), message, [&] {
+  guard::Reported(view_.reporter(), message, [&] {
     if (view_.FullyBound()) view_.SetAndFlush(attribute, value);
   });
 }
 
 Value KVStudyArea::GetProperty(std::string_view name) {
   const Value nothing("");
-  const auto value = guard::Quiet([&]() -> Value {
+  const auto value = guard::Quiet(view_.log(), [&]() -> Value {
     if (!view_.node()) return nothing;
     const auto properties = Properties();
     if (!properties) {
-      view_.sink().Report(messages::kCannotFindProperty + std::string(name) +
-                          messages::kPropertyEnd);
+      view_.reporter().Report(messages::kCannotFindProperty + std::string(name) +
+                              messages::kPropertyEnd);
       return nothing;
     }
-    const auto property = properties->SelectSingleNode(QueryFor(kGetPropertyQuery, name));
+    const auto property = properties->Child(tags::kProperty, attributes::kName, name);
     return property ? property->GetAttribute(attributes::kValue) : nothing;
   });
   return value.IsEmpty() ? nothing : value;
 }
 
 bool KVStudyArea::SetProperty(std::string_view name, const Value& value) {
-  return guard::Quiet([&] {
+  return guard::Quiet(view_.log(), [&] {
     if (!view_.node()) return false;
     const auto properties = Properties();
     if (!properties) return ReportMissingProperties(name);
-    auto property = properties->SelectSingleNode(QueryFor(kSetPropertyQuery, name));
+    auto property = properties->Child(tags::kProperty, attributes::kName, name);
     if (property) {
       // A changed value is saved by whatever saves next
       // (StudyAreaPropertiesTest.ChangingAPropertyDoesNotSave).
@@ -130,31 +127,32 @@ bool KVStudyArea::SetProperty(std::string_view name, const Value& value) {
 }
 
 std::shared_ptr<xml::Element> KVStudyArea::Properties() const {
-  return view_.node()->SelectSingleNode(tags::kStudyAreaProperties);
+  return view_.node()->Child(tags::kStudyAreaProperties);
 }
 
 bool KVStudyArea::ReportMissingProperties(std::string_view name) {
   const auto resources = Required(view_.data_manager()).Resources();
   ShowPlain(Required(resources).FindString(kMissingPropertiesText));
-  view_.sink().Report(messages::kCannotSetProperty + std::string(name) + messages::kPropertyEnd);
+  view_.reporter().Report(messages::kCannotSetProperty + std::string(name) +
+                          messages::kPropertyEnd);
   return false;
 }
 
 void KVStudyArea::ShowPlain(std::string_view text) {
   if (!view_.data_manager()) return;
-  guard::Quiet([&] {
+  guard::Quiet(view_.log(), [&] {
     view_.data_manager()->Services().message_box->Show(text, kComponentName, MessageStyle::kPlain);
   });
 }
 
 std::string KVStudyArea::TablesDir() {
-  return guard::Reported(view_.sink(), messages::kStudyAreaTablesDir, [&] {
+  return guard::Reported(view_.reporter(), messages::kStudyAreaTablesDir, [&] {
     return view_.node() ? StudyAreaDir() + sDefaultDirNames::kTables + "\\" : std::string();
   });
 }
 
 std::string KVStudyArea::FreeTablePath() {
-  return guard::Reported(view_.sink(), messages::kFreeTablePath, [&] {
+  return guard::Reported(view_.reporter(), messages::kFreeTablePath, [&] {
     const auto folder = TablesDir();
     auto& files = *Required(view_.data_manager()).Services().files;
     return CollapseBackslashes(folder + "\\" + UniqueFileName(files, folder, kTableBaseName));
@@ -162,7 +160,7 @@ std::string KVStudyArea::FreeTablePath() {
 }
 
 void KVStudyArea::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
-  guard::Quiet([&] {
+  guard::Quiet(view_.log(), [&] {
     const auto document = ReadDocumentOf(metadata, kLayerType);
     if (!document) return;
     for (const auto& [path, property] : kExchangedProperties) {
@@ -173,7 +171,7 @@ void KVStudyArea::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata)
 }
 
 void KVStudyArea::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
-  ExportDocument(metadata, *gis_core_, [&](NamedValueSet& document) {
+  ExportDocument(metadata, *gis_core_, view_.log(), [&](NamedValueSet& document) {
     document.PutValue(metadata_paths::kLayerType, kLayerType);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, GUID());

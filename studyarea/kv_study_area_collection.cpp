@@ -12,11 +12,7 @@ namespace {
 
 constexpr CollectionRules kRules = {
     .tag = tags::kStudyArea,
-    .by_name = "./STUDYAREA[@NAME=",
-    .by_guid = "./STUDYAREA[@GUID=",
-    .exists_by_name = "./STUDYAREA[@NAME = ",
-    .exists_by_guid = "./STUDYAREA[@GUID = ",
-    .sink = &MakeSink<LateBoundSink>,
+    .reports = ReportStyle::kByName,
     .list_failed = messages::kStudyAreasList,
     .create_failed = messages::kCreateStudyArea,
     .delete_failed = messages::kDeleteStudyArea,
@@ -44,16 +40,17 @@ NameListRef KVStudyAreaCollection::StudyAreasGUIDsList() { return view_.List(att
 
 bool KVStudyAreaCollection::CreateStudyArea(std::string_view name) {
   std::string folder_name;
-  const bool appended = guard::Reported(view_.sink(), kRules.create_failed, [&] {
+  const bool appended = guard::Reported(view_.reporter(), kRules.create_failed, [&] {
     if (!view_.node() || StudyAreaExists(name)) return false;
     folder_name = AppendStudyArea(name);
     return true;
   });
   if (!appended) return false;
   auto& files = *view_.services().files;
-  guard::Skipping([&] { files.CreateFolder(StudyAreasFolder()); });
-  const bool created = guard::Skipping([&] { files.CreateFolder(FolderOf(folder_name)); });
-  guard::Skipping([&] { view_.data_manager()->Flush(); });
+  guard::Skipping(view_.log(), [&] { CreateFolderUnlessThere(files, StudyAreasFolder()); });
+  const bool created =
+      guard::Skipping(view_.log(), [&] { files.CreateFolder(FolderOf(folder_name)); });
+  guard::Skipping(view_.log(), [&] { view_.data_manager()->Flush(); });
   return created;
 }
 
@@ -79,16 +76,16 @@ std::string KVStudyAreaCollection::StudyAreasFolder() const {
 }
 
 bool KVStudyAreaCollection::DeleteStudyArea(std::string_view name) {
-  return guard::Reported(view_.sink(), kRules.delete_failed, [&] {
+  return guard::Reported(view_.reporter(), kRules.delete_failed, [&] {
     if (view_.Unbound()) return false;
     CloseIfCurrent(name);
-    return Delete(kRules.by_name, WrapName(name), false);
+    return Delete(attributes::kName, WrapName(name), false);
   });
 }
 
 bool KVStudyAreaCollection::DeleteStudyAreaByGUID(std::string_view guid) {
-  return guard::Reported(view_.sink(), kRules.delete_failed,
-                         [&] { return Delete(kRules.by_guid, guid, true); });
+  return guard::Reported(view_.reporter(), kRules.delete_failed,
+                         [&] { return Delete(attributes::kGuid, guid, true); });
 }
 
 void KVStudyAreaCollection::CloseIfCurrent(std::string_view name) {
@@ -101,9 +98,9 @@ void KVStudyAreaCollection::CloseIfCurrent(std::string_view name) {
 // By name the folder is DIRNAME itself; by identifier DIRNAME is taken as a path below
 // "StudyAreas", which finds nothing for the full path that creation stores
 // (StudyAreaDeletionTest.DeletingByGuidLeavesTheFolder).
-bool KVStudyAreaCollection::Delete(const char* query, std::string_view key,
+bool KVStudyAreaCollection::Delete(const char* attribute, std::string_view key,
                                    bool below_study_areas) {
-  const auto study_area = view_.Remove(query, key);
+  const auto study_area = view_.Remove(attribute, key);
   if (!study_area) return false;
   const auto folder = ToText(study_area->GetAttribute(attributes::kDirName));
   view_.DeleteFolder(below_study_areas && !folder.empty() ? StudyAreasFolder() + folder : folder);
@@ -112,15 +109,16 @@ bool KVStudyAreaCollection::Delete(const char* query, std::string_view key,
 }
 
 std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::GetStudyArea(std::string_view name) {
-  return Get(kRules.by_name, WrapName(name));
+  return Get(attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::GetStudyAreaByGUID(std::string_view guid) {
-  return Get(kRules.by_guid, guid);
+  return Get(attributes::kGuid, guid);
 }
 
-std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::Get(const char* query, std::string_view key) {
-  return view_.Get<IKVStudyArea>(query, key, [&](const std::shared_ptr<xml::Element>& element) {
+std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::Get(const char* attribute,
+                                                         std::string_view key) {
+  return view_.Get<IKVStudyArea>(attribute, key, [&](const std::shared_ptr<xml::Element>& element) {
     auto study_area = std::make_shared<KVStudyArea>(view_.gis_core());
     study_area->SetNode(element);
     study_area->SetDataManager(view_.data_manager());
@@ -129,11 +127,11 @@ std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::Get(const char* query, std:
 }
 
 bool KVStudyAreaCollection::StudyAreaExists(std::string_view name) {
-  return view_.Find(kRules.exists_by_name, WrapName(name)) != nullptr;
+  return view_.Find(attributes::kName, WrapName(name)) != nullptr;
 }
 
 bool KVStudyAreaCollection::StudyAreaExistsByGUID(std::string_view guid) {
-  return view_.Find(kRules.exists_by_guid, guid) != nullptr;
+  return view_.Find(attributes::kGuid, guid) != nullptr;
 }
 
 }  // namespace kvdm

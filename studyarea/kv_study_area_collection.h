@@ -32,8 +32,8 @@ class KVStudyAreaCollection final : public IKVStudyAreaCollection {
   [[nodiscard]] std::string FolderOf(const std::string& folder_name) const;
   std::string AppendStudyArea(std::string_view name);
   void CloseIfCurrent(std::string_view name);
-  bool Delete(const char* query, std::string_view key, bool below_study_areas);
-  std::shared_ptr<IKVStudyArea> Get(const char* query, std::string_view key);
+  bool Delete(const char* attribute, std::string_view key, bool below_study_areas);
+  std::shared_ptr<IKVStudyArea> Get(const char* attribute, std::string_view key);
 
   CollectionView view_;
 };

@@ -22,12 +22,13 @@ std::string KVTablesManager::TablesDir() {
 
 // The folder is looked up afresh at each step.
 std::string KVTablesManager::FreeTablePath() {
-  return guard::Reported(LateBoundSink(data_manager_), messages::kFreeTablePath, [&] {
-    auto& files = *Required(data_manager_).Services().files;
-    CreateFolderPath(files, TablesDir());
-    const auto name = UniqueFileName(files, TablesDir(), kTableBaseName);
-    return CollapseBackslashes(TablesDir() + "\\" + name);
-  });
+  return guard::Reported(Reporter{ReportStyle::kByName, data_manager_.get()},
+                         messages::kFreeTablePath, [&] {
+                           auto& files = *Required(data_manager_).Services().files;
+                           CreateFolderPath(files, TablesDir());
+                           const auto name = UniqueFileName(files, TablesDir(), kTableBaseName);
+                           return CollapseBackslashes(TablesDir() + "\\" + name);
+                         });
 }
 
 }  // namespace kvdm

@@ -3,7 +3,6 @@
 
 #include <kvdm/datamanager/study_areas.h>
 
-#include "items/error_sinks.h"
 #include "items/friends.h"
 
 namespace kvdm {

@@ -119,10 +119,6 @@ std::string NewGuidString(GisCore& gis_core) {
   return identifier->GetValue();
 }
 
-std::string QueryFor(std::string_view prefix, std::string_view key) {
-  return std::string(prefix) + '"' + std::string(key) + "\"]";
-}
-
 std::string WidenLineEnds(std::string_view text) { return Replaced(text, "\n", "\r\n"); }
 
 std::string CollapseBackslashes(std::string_view path) { return Replaced(path, "\\\\", "\\"); }
@@ -133,10 +129,10 @@ std::string UniqueFileName(FileSystem& files, std::string_view folder, std::stri
   });
 }
 
-bool DeleteFolderTree(FileSystem& files, std::string_view path) {
+bool DeleteFolderTree(FileSystem& files, std::string_view path, Log* log) {
   const auto folder = DeletableFolder(path);
   if (!folder) return false;
-  return guard::Quiet([&] {
+  return guard::Quiet(log, [&] {
     const auto place = files.OpenFolder(folder->parent);
     Required(place).Enter(folder->name);
     if (folder->closed) {
@@ -166,6 +162,14 @@ void EmptyFolder(Directory& folder) {
     folder.Enter(inside);
     DeleteFilesIn(folder);
     way.push_back({inside, {}});
+  }
+}
+
+void CreateFolderUnlessThere(FileSystem& files, std::string_view path) {
+  try {
+    files.CreateFolder(path);
+  } catch (const RuntimeError& error) {
+    if (error.number() != kFileExists || !files.FolderExists(path)) throw;
   }
 }
 

@@ -10,6 +10,7 @@
 #include <kvdm/platform/error.h>
 #include <kvdm/platform/file_system.h>
 #include <kvdm/platform/gis_core.h>
+#include <kvdm/platform/log.h>
 
 namespace kvdm {
 
@@ -26,11 +27,6 @@ namespace kvdm {
 
 // A new identifier in registry form with braces, 38 characters.
 [[nodiscard]] std::string NewGuidString(GisCore& gis_core);
-
-// The expression that selects by `key`: a prefix such as `./ANALYSIS[@NAME=`, the key in double
-// quotes, and `]`. A key that itself holds a double quote makes an expression that every look-up
-// refuses.
-[[nodiscard]] std::string QueryFor(std::string_view prefix, std::string_view key);
 
 // `text` with a CR put before every LF, also before one that follows a CR already.
 [[nodiscard]] std::string WidenLineEnds(std::string_view text);
@@ -65,12 +61,16 @@ template <std::predicate<const std::string&> Taken>
 // Refuses, False and nothing touched, a path that is not rooted, names no folder below a drive's or
 // share's root, ends in two backslashes, or has a component of dots only. Without the backslash at
 // the end only a folder without folders inside is deleted: the files go, and False comes at the
-// first folder.
-bool DeleteFolderTree(FileSystem& files, std::string_view path);
+// first folder. A failure is noted in `log`.
+bool DeleteFolderTree(FileSystem& files, std::string_view path, Log* log = nullptr);
 
 // Deletes what is in an open folder, as DeleteFolderTree does, and keeps the folder. Errors reach
 // the caller, at the first thing that can't be deleted; then `folder` may be in a folder inside.
 void EmptyFolder(Directory& folder);
+
+// Creates a folder that may be there already, which costs no further call when it is not. Errors
+// reach the caller.
+void CreateFolderUnlessThere(FileSystem& files, std::string_view path);
 
 // Creates every missing folder along `path`, from the one after its first backslash. Errors reach
 // the caller.

@@ -6,7 +6,8 @@ namespace kvdm {
 
 Value ReadRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
                          std::string_view value_name) {
-  const auto value = guard::Quiet([&] { return registry.Read(root, subkey, value_name); });
+  // The registry itself notes what fails.
+  const auto value = guard::Quiet(nullptr, [&] { return registry.Read(root, subkey, value_name); });
   if (!value || value->type != RegistryType::kText) return {};
   return value->data.substr(0, value->data.find('\0'));
 }

@@ -166,8 +166,8 @@ std::string FolderTakenWith(Session& session, const std::string& guid) {
   metadata.LoadXml(*session.Component().GetServices().platform.xml_parser,
                    ToText(session.GetProject().values.front()));
   const auto root = metadata.DocumentElement();
-  const auto layer = Required(root).SelectSingleNode(QueryFor(
-      fmt::format("./{}/{}[@GUID=", tags::kStoreLayerCollection, tags::kStoreLayer), guid));
+  const auto layers = Required(root).Child(tags::kStoreLayerCollection);
+  const auto layer = layers ? layers->Child(tags::kStoreLayer, attributes::kGuid, guid) : nullptr;
   const Value name = layer ? layer->GetAttribute(attributes::kDirName) : Value();
   return std::invoke(Kind::kFolder, *LayerCollection<Kind>(session)) + "\\" +
          (name.IsNull() ? "" : ToText(name));

@@ -6,7 +6,6 @@
 #include "platform/xml/child_index.h"
 #include "platform/xml/limits.h"
 #include "platform/xml/node.h"
-#include "platform/xml/query.h"
 #include "platform/xml/serializer.h"
 #include "platform/xml/xml_text.h"
 
@@ -121,16 +120,14 @@ std::vector<std::shared_ptr<Element>> Element::Children(std::string_view tag) co
   return children;
 }
 
-std::shared_ptr<Element> Element::SelectSingleNode(std::string_view expression) const {
-  return Shared(Select(ParseQuery(expression), 0));
+std::shared_ptr<Element> Element::Child(std::string_view tag) const {
+  return Shared(FirstMatch(Sanitized(tag), {}, {}));
 }
 
-Element* Element::Select(const Query& query, std::size_t step) const {
-  if (step + 1 == query.tags.size()) return FirstMatch(query);
-  for (const Element* child : ChildrenWithTag(query.tags[step])) {
-    if (Element* found = child->Select(query, step + 1)) return found;
-  }
-  return nullptr;
+std::shared_ptr<Element> Element::Child(std::string_view tag, std::string_view attribute,
+                                        std::string_view key) const {
+  if (key.find('"') != std::string_view::npos) throw RuntimeError(kAutomationFailure);
+  return Shared(FirstMatch(Sanitized(tag), Sanitized(attribute), Sanitized(key)));
 }
 
 std::vector<Element*> Element::ChildrenWithTag(const std::string& tag) const {
@@ -144,13 +141,13 @@ std::vector<Element*> Element::ChildrenWithTag(const std::string& tag) const {
   return children;
 }
 
-Element* Element::FirstMatch(const Query& query) const {
-  const std::string& tag = query.tags.back();
+Element* Element::FirstMatch(const std::string& tag, const std::string& attribute,
+                             const std::string& key) const {
   if (ChildIndex* index = Index()) {
-    return index->First(tag, query.attribute, query.key, first_child_.get());
+    return index->First(tag, attribute, key, first_child_.get());
   }
   for (Element* child : ChildrenWithTag(tag)) {
-    if (query.attribute.empty() || HasValue(*child, query.attribute, query.key)) return child;
+    if (attribute.empty() || HasValue(*child, attribute, key)) return child;
   }
   return nullptr;
 }

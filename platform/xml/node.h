@@ -20,7 +20,6 @@ class Branch;
 class ChildIndex;
 class Element;
 class Serializer;
-struct Query;
 
 enum class NodeType { kElement = 1, kText = 3, kInstruction = 7, kComment = 8, kDocument = 9 };
 
@@ -160,17 +159,16 @@ class Element : public Branch {
   // The child elements with the tag `tag`, in document order, as they now stand.
   [[nodiscard]] std::vector<std::shared_ptr<Element>> Children(std::string_view tag) const;
 
-  // The first element, in document order, that `expression` selects from here; Nothing when there
-  // is none. Takes constant time, however many children there are.
+  // The first child element with the tag `tag`, in document order; Nothing when there is none.
+  // Takes constant time, however many children there are.
+  [[nodiscard]] std::shared_ptr<Element> Child(std::string_view tag) const;
+
+  // The first of them whose attribute `attribute` has the value `key`; comparison is exact.
+  // Run-time error -2147467259 for a key that holds a double quote.
   //
-  //   path      = [ "./" ] tag { "/" tag } [ predicate ]
-  //   predicate = "[@" attribute [ " " ] "=" [ " " ] '"' key '"' "]"
-  //
-  // Comparison is exact. Run-time error -2147467259 for any other expression, and so for a key that
-  // holds a double quote: a key can never become part of the expression.
-  //
-  //   node->SelectSingleNode("./ANALYSIS[@NAME = \"_North_\"]")
-  [[nodiscard]] std::shared_ptr<Element> SelectSingleNode(std::string_view expression) const;
+  //   node->Child("ANALYSIS", "NAME", "_North_")
+  [[nodiscard]] std::shared_ptr<Element> Child(std::string_view tag, std::string_view attribute,
+                                               std::string_view key) const;
 
   // The text form of this element alone, without a line end after it.
   [[nodiscard]] std::string Xml() const;
@@ -186,9 +184,9 @@ class Element : public Branch {
   void AddAttribute(std::string name, std::string text);
   // The index over this element and its siblings; null when there is none.
   [[nodiscard]] ChildIndex* SiblingIndex() const;
-  [[nodiscard]] Element* Select(const Query& query, std::size_t step) const;
   [[nodiscard]] std::vector<Element*> ChildrenWithTag(const std::string& tag) const;
-  [[nodiscard]] Element* FirstMatch(const Query& query) const;
+  [[nodiscard]] Element* FirstMatch(const std::string& tag, const std::string& attribute,
+                                    const std::string& key) const;
 
   std::string tag_;
   std::vector<Attribute> attributes_;

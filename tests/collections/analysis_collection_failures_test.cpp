@@ -40,7 +40,7 @@ TEST(AnalysisCollectionFailuresTest, AnUnboundCollectionAnswersNeutrallyWithoutA
   TestWorld world;
   const auto analyses = Unbound(world);
   ExpectNeutralResults(*analyses);
-  analyses->SetDataManager(world.manager);
+  analyses->SetDataManager(world.manager->Reference());
   ExpectNeutralResults(*analyses);
   EXPECT_THAT(world.Messages(), IsEmpty());
 }

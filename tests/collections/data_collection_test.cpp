@@ -1,11 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <kvdm/platform/error.h>
+
 #include "collections/kv_data_collection.h"
 #include "tests/saves.h"
 #include "tests/test_world.h"
 #include "tests/throws_number.h"
-#include "util/error_chain.h"
 
 namespace kvdm {
 namespace {
@@ -82,7 +83,7 @@ TEST_F(DataCollectionTest, TheFolderIsMadeOnFirstUseAndEndsWithABackslash) {
 
 TEST_F(DataCollectionTest, TheFolderNeedsNoElement) {
   KVDataCollection unbound(world.platform.gis_core);
-  unbound.SetDataManager(std::dynamic_pointer_cast<DataManagerFriend>(world.manager));
+  unbound.SetDataManager(world.manager->Reference());
   EXPECT_EQ(unbound.DataItemsDir(), R"(D:\Data\Data\)");
 }
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/memory/memory_file_system.h"
+#include "platform/memory/memory_platform.h"
 #include "platform/posix/libxml_parser.h"
 
 namespace kvdm {
@@ -42,32 +42,29 @@ TEST(DocumentsTest, TextThatDoesNotParseGivesAnEmptyDocument) {
 }
 
 TEST(DocumentsTest, PresetsComeFromTheirFileInTheFolder) {
-  LibxmlParser parser;
-  MemoryFileSystem files;
-  files.AddFile(R"(D:\Presets\PresetData.xml)", "<P><DATAITEM NAME='a'/></P>");
-  const auto presets = LoadPresets(files, parser, R"(D:\Presets)");
+  const MemoryPlatform world;
+  world.files->AddFile(R"(D:\Presets\PresetData.xml)", "<P><DATAITEM NAME='a'/></P>");
+  const auto presets = LoadPresets(world.Bundle(), R"(D:\Presets)");
   EXPECT_EQ(presets->Xml(), "<P><DATAITEM NAME=\"a\"/></P>\r\n");
 }
 
 TEST(DocumentsTest, PresetsAreReadInTheEncodingThatTheyDeclare) {
-  LibxmlParser parser;
-  MemoryFileSystem files;
-  files.AddFile(R"(D:\PresetData.xml)",
-                "<?xml version='1.0' encoding='windows-1252'?><P NAME='L\xE4"
-                "den'/>");
-  const auto presets = LoadPresets(files, parser, "D:");
+  const MemoryPlatform world;
+  world.files->AddFile(R"(D:\PresetData.xml)",
+                       "<?xml version='1.0' encoding='windows-1252'?><P NAME='L\xE4"
+                       "den'/>");
+  const auto presets = LoadPresets(world.Bundle(), "D:");
   ASSERT_TRUE(presets->DocumentElement());
   EXPECT_EQ(presets->DocumentElement()->GetAttribute("NAME"), Value("Läden"));
 }
 
 TEST(DocumentsTest, PresetsThatCanNotBeReadGiveAnEmptyDocument) {
-  LibxmlParser parser;
-  MemoryFileSystem files;
-  files.AddFolder(R"(D:\Folder\PresetData.xml)");
-  files.AddFile(R"(D:\Damaged\PresetData.xml)", "<P>");
-  files.AddFile(R"(D:\Empty\PresetData.xml)");
+  const MemoryPlatform world;
+  world.files->AddFolder(R"(D:\Folder\PresetData.xml)");
+  world.files->AddFile(R"(D:\Damaged\PresetData.xml)", "<P>");
+  world.files->AddFile(R"(D:\Empty\PresetData.xml)");
   for (const std::string folder : {R"(D:\Folder)", R"(D:\Damaged)", R"(D:\Empty)", R"(D:\Gone)"}) {
-    EXPECT_EQ(LoadPresets(files, parser, folder)->DocumentElement(), nullptr) << folder;
+    EXPECT_EQ(LoadPresets(world.Bundle(), folder)->DocumentElement(), nullptr) << folder;
   }
 }
 

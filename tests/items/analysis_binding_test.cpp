@@ -50,7 +50,7 @@ TEST_F(AnalysisBindingTest, AnUnboundAnalysisAnswersNeutrally) {
 }
 
 TEST_F(AnalysisBindingTest, WithoutAnElementItAnswersNeutrallyAndSavesNothing) {
-  analysis_->AttachDataManager(world_.manager);
+  analysis_->AttachDataManager(world_.manager->Reference());
   EXPECT_FALSE(Saves(world_, [&] {
     ExpectNothingChangeable(*analysis_, *edit_);
     ExpectNothingReadable(*analysis_);

@@ -29,7 +29,7 @@ class AnalysisMetadataTest : public ::testing::Test {
     node_ = xml::Parsed(xml);
     analysis_ = std::make_shared<KVAnalysis>(world_.platform.gis_core);
     analysis_->AttachNode(node_);
-    analysis_->AttachDataManager(world_.manager);
+    analysis_->AttachDataManager(world_.manager->Reference());
   }
   // Metadata of an analysis layer with the entries given.
   static std::shared_ptr<MemoryLayerMetadata> Metadata(

@@ -25,7 +25,7 @@ class AnalysisParametersTest : public ::testing::Test {
     node_ = std::move(node);
     analysis_ = std::make_shared<KVAnalysis>(world_.platform.gis_core);
     analysis_->AttachNode(node_);
-    analysis_->AttachDataManager(world_.manager);
+    analysis_->AttachDataManager(world_.manager->Reference());
   }
 
   TestWorld world_;

@@ -31,7 +31,7 @@ class AnalysisTest : public ::testing::Test {
   [[nodiscard]] std::shared_ptr<KVAnalysis> Bound(std::shared_ptr<xml::Element> node) const {
     auto analysis = std::make_shared<KVAnalysis>(world_.platform.gis_core);
     analysis->AttachNode(std::move(node));
-    analysis->AttachDataManager(world_.manager);
+    analysis->AttachDataManager(world_.manager->Reference());
     return analysis;
   }
 

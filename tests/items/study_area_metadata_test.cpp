@@ -31,7 +31,7 @@ class StudyAreaMetadataTest : public ::testing::Test {
     node_ = xml::Parsed(xml);
     study_area_ = std::make_shared<KVStudyArea>(world_.platform.gis_core);
     study_area_->SetNode(node_);
-    study_area_->SetDataManager(world_.manager);
+    study_area_->SetDataManager(world_.manager->Reference());
   }
   static std::shared_ptr<MemoryLayerMetadata> Metadata(
       const std::vector<std::pair<std::string, Value>>& entries) {

@@ -58,7 +58,7 @@ TEST_F(StudyAreaBindingTest, AnUnboundStudyAreaAnswersNeutrallyWithoutAnError) {
 }
 
 TEST_F(StudyAreaBindingTest, WithoutAnElementItAnswersNeutrallyAndSavesNothing) {
-  study_area_->SetDataManager(world_.manager);
+  study_area_->SetDataManager(world_.manager->Reference());
   EXPECT_FALSE(Saves(world_, [&] {
     SetEverything(*study_area_);
     study_area_->SetComments("x");
@@ -107,7 +107,7 @@ TEST_F(StudyAreaBindingTest, TheTablesFolderIsInTheStudyAreasFolderAndNotCreated
 
 TEST_F(StudyAreaBindingTest, AFreeTablePathIsTheFirstThatNoFileTakes) {
   study_area_->SetNode(xml::Parsed(kNorth));
-  study_area_->SetDataManager(world_.manager);
+  study_area_->SetDataManager(world_.manager->Reference());
   EXPECT_EQ(study_area_->FreeTablePath(), R"(D:\North\Tables\Table)");
   world_.platform.files->AddFile(R"(D:\North\Tables\Table.dbf)");
   world_.platform.files->AddFile(R"(D:\North\Tables\Table1)");
@@ -127,7 +127,7 @@ TEST_F(StudyAreaBindingTest, WhenTableNamesRunOutAMessageIsShown) {
   services.files =
       std::make_shared<AllFilesExist>(services.files, std::make_shared<FailureCounter>());
   study_area_->SetNode(xml::Parsed(kNorth));
-  study_area_->SetDataManager(std::make_shared<KVDataManager>(services));
+  study_area_->SetDataManager(std::make_shared<KVDataManager>(services)->Reference());
   EXPECT_EQ(study_area_->FreeTablePath(), "");
   EXPECT_THAT(world_.Messages(), ElementsAre("Failed to get free table path for the Study Area"));
 }

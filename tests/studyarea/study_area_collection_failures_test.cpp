@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <kvdm/platform/error.h>
+
 #include "platform/memory/failing_file_system.h"
 #include "studyarea/kv_study_area_collection.h"
 #include "tests/late_report.h"
@@ -9,7 +11,6 @@
 #include "tests/saves.h"
 #include "tests/test_world.h"
 #include "tests/throws_number.h"
-#include "util/error_chain.h"
 
 namespace kvdm {
 namespace {

@@ -23,7 +23,7 @@ class StudyAreaPropertiesTest : public ::testing::Test {
     node_ = xml::Parsed(xml);
     study_area_ = std::make_shared<KVStudyArea>(world_.platform.gis_core);
     study_area_->SetNode(node_);
-    study_area_->SetDataManager(world_.manager);
+    study_area_->SetDataManager(world_.manager->Reference());
   }
 
   TestWorld world_;

@@ -29,7 +29,7 @@ class StudyAreaTest : public ::testing::Test {
   [[nodiscard]] std::shared_ptr<KVStudyArea> Bound(std::string_view xml) const {
     auto study_area = std::make_shared<KVStudyArea>(world_.platform.gis_core);
     study_area->SetNode(xml::Parsed(xml));
-    study_area->SetDataManager(world_.manager);
+    study_area->SetDataManager(world_.manager->Reference());
     return study_area;
   }
   [[nodiscard]] std::string StoredNorth() {
@@ -189,7 +189,7 @@ TEST_F(StudyAreaTest, AMissingNameReachesTheCaller) {
 TEST_F(StudyAreaTest, AFailedChangeShowsItsMessageAndSavesNothing) {
   const auto study_area = std::make_shared<KVStudyArea>(world_.platform.gis_core);
   study_area->SetNode(FullElement("STUDYAREA"));
-  study_area->SetDataManager(world_.manager);
+  study_area->SetDataManager(world_.manager->Reference());
   const auto edit = Query<IKVLayerEdit>(study_area);
   EXPECT_FALSE(Saves(world_, [&] {
     study_area->SetName("x");

@@ -1,13 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <kvdm/platform/error.h>
+
 #include "platform/file_attributes.h"
 #include "platform/memory/failing_file_system.h"
 #include "platform/memory/failing_services.h"
 #include "studyarea/kv_tables_manager.h"
 #include "tests/test_world.h"
 #include "tests/throws_number.h"
-#include "util/error_chain.h"
 
 namespace kvdm {
 namespace {

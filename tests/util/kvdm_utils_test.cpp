@@ -58,12 +58,6 @@ TEST(NewGuidStringTest, PassesEveryFailureOn) {
   EXPECT_EQ(counter->calls, 3);
 }
 
-TEST(QueryForTest, PutsTheKeyInDoubleQuotesWithoutEscaping) {
-  EXPECT_EQ(QueryFor("./ANALYSIS[@NAME=", "_North_"), R"(./ANALYSIS[@NAME="_North_"])");
-  EXPECT_EQ(QueryFor("./DATAITEM[@NAME = ", "a<b'c"), R"(./DATAITEM[@NAME = "a<b'c"])");
-  EXPECT_EQ(QueryFor("./A[@B=", "x\"y"), R"(./A[@B="x"y"])");
-}
-
 TEST(WidenLineEndsTest, PutsACarriageReturnBeforeEveryLineFeed) {
   const Pair kTexts[] = {{"", ""},
                          {"a", "a"},

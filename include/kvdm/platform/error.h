@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <kvdm/export.h>
 
@@ -70,6 +71,9 @@ KVDM_EXPORT RuntimeError AsRuntimeError(const std::exception& error);
 // The exception that is being handled, in the same way. One that is no std::exception, as a foreign
 // object may throw, is an automation failure.
 KVDM_EXPORT RuntimeError CurrentError();
+
+// `error` and the failures nested in it, outermost first.
+KVDM_EXPORT std::vector<RuntimeError> ErrorChain(const std::exception& error);
 
 // The object behind `pointer`; run-time error 91 when it is Nothing.
 template <class Pointer>

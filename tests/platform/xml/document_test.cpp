@@ -141,7 +141,7 @@ TEST(DocumentTest, SettingTheRootAgainChangesNothing) {
 TEST(DocumentTest, AnInnerElementCanBecomeTheRoot) {
   Document document;
   ASSERT_TRUE(Load(document, "<A><B/></A>"));
-  document.SetDocumentElement(document.DocumentElement()->SelectSingleNode("B"));
+  document.SetDocumentElement(document.DocumentElement()->Child("B"));
   EXPECT_EQ(document.Xml(), "<B/>\r\n");
 }
 

@@ -215,7 +215,7 @@ TEST(ElementTest, OnlyEmptyTextsMakeAnEmptyElement) {
 
 TEST(ElementTest, XmlOfAnInnerElementIsThatElementAlone) {
   const auto root = Parsed("<A>\n<B N='1'><C/>t</B>\n</A>");
-  EXPECT_EQ(root->SelectSingleNode("B")->Xml(), R"(<B N="1"><C/>t</B>)");
+  EXPECT_EQ(root->Child("B")->Xml(), R"(<B N="1"><C/>t</B>)");
 }
 
 TEST(ElementTest, CommentsAreCreatedAndWritten) {

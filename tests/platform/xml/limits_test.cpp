@@ -179,7 +179,7 @@ TEST(LimitsTest, WholeDocumentsKeepTheirSize) {
   document.SetDocumentElement(root);
   const std::string saved = document.Xml();
   ASSERT_EQ(saved.size(), kMaxDocumentBytes);
-  const auto child = root->SelectSingleNode("C");
+  const auto child = root->Child("C");
 
   EXPECT_RUNTIME_ERROR(document.AddDeclaration(), kOutOfMemory);
   EXPECT_RUNTIME_ERROR(child->SetAttribute("w", ""), kOutOfMemory);
@@ -214,9 +214,9 @@ TEST(LimitsTest, ARefusedMoveLeavesTheChildWhereItIs) {
   const auto full = Sized(kMaxDocumentBytes);
   const auto root = Parsed("<A><B/><C/></A>");
 
-  EXPECT_RUNTIME_ERROR(full->Append(root->SelectSingleNode("B")), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(full->Append(root->Child("B")), kOutOfMemory);
   EXPECT_EQ(root->Xml(), "<A><B/><C/></A>");
-  full->Append(full->SelectSingleNode("B"));
+  full->Append(full->Child("B"));
   EXPECT_EQ(full->Xml().size(), kMaxDocumentBytes);
 }
 

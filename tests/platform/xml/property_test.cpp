@@ -97,12 +97,11 @@ void CheckEveryLookUp(const Element& root) {
     for (const std::string name : {"N", "M"}) {
       for (int value = 0; value < 4; ++value) {
         const std::string key = std::to_string(value);
-        RC_ASSERT(root.SelectSingleNode("./" + tag + "[@" + name + "=\"" + key + "\"]") ==
-                  Scanned(root, tag, name, Value(key)));
+        RC_ASSERT(root.Child(tag, name, key) == Scanned(root, tag, name, Value(key)));
       }
     }
     const auto children = root.Children(tag);
-    RC_ASSERT(root.SelectSingleNode(tag) == (children.empty() ? nullptr : children.front()));
+    RC_ASSERT(root.Child(tag) == (children.empty() ? nullptr : children.front()));
   }
 }
 

@@ -46,7 +46,7 @@ TEST(TreeTest, NodeTypesAreTold) {
 TEST(TreeTest, AppendMovesTheChildFromItsFormerParent) {
   const auto first = Parsed("<A><B N='1'/><C/></A>");
   const auto second = Element::Create("D");
-  second->Append(first->SelectSingleNode("B"));
+  second->Append(first->Child("B"));
 
   EXPECT_EQ(first->Xml(), "<A><C/></A>");
   EXPECT_EQ(second->Xml(), R"(<D><B N="1"/></D>)");
@@ -54,13 +54,13 @@ TEST(TreeTest, AppendMovesTheChildFromItsFormerParent) {
 
 TEST(TreeTest, AppendingAChildAgainMovesItToTheEnd) {
   const auto root = Parsed("<A><B/><C/><D/></A>");
-  root->Append(root->SelectSingleNode("B"));
+  root->Append(root->Child("B"));
   EXPECT_EQ(root->Xml(), "<A><C/><D/><B/></A>");
 }
 
 TEST(TreeTest, AppendRefusesNothingItselfAndWhatHoldsIt) {
   const auto root = Parsed("<A><B><C/></B></A>");
-  const auto inner = root->SelectSingleNode("B/C");
+  const auto inner = root->Child("B")->Child("C");
 
   EXPECT_RUNTIME_ERROR(root->Append(nullptr), kInvalidCall);
   EXPECT_RUNTIME_ERROR(inner->Append(inner), kInvalidCall);
@@ -70,9 +70,9 @@ TEST(TreeTest, AppendRefusesNothingItselfAndWhatHoldsIt) {
 
 TEST(TreeTest, RemoveTakesOutFirstMiddleAndLast) {
   const auto root = Parsed("<A><B/><C/><D/></A>");
-  root->Remove(root->SelectSingleNode("C"));
+  root->Remove(root->Child("C"));
   EXPECT_EQ(root->Xml(), "<A><B/><D/></A>");
-  root->Remove(root->SelectSingleNode("D"));
+  root->Remove(root->Child("D"));
   root->Append(Element::Create("E"));
   EXPECT_EQ(root->Xml(), "<A><B/><E/></A>");
   root->Remove(root->FirstChild());
@@ -82,9 +82,9 @@ TEST(TreeTest, RemoveTakesOutFirstMiddleAndLast) {
 
 TEST(TreeTest, RemoveRefusesWhatIsNoDirectChild) {
   const auto root = Parsed("<A><B><C/></B></A>");
-  const auto child = root->SelectSingleNode("B");
+  const auto child = root->Child("B");
 
-  EXPECT_RUNTIME_ERROR(root->Remove(root->SelectSingleNode("B/C")), kInvalidCall);
+  EXPECT_RUNTIME_ERROR(root->Remove(root->Child("B")->Child("C")), kInvalidCall);
   EXPECT_RUNTIME_ERROR(root->Remove(nullptr), kInvalidCall);
   root->Remove(child);
   EXPECT_RUNTIME_ERROR(root->Remove(child), kInvalidCall);
@@ -92,7 +92,7 @@ TEST(TreeTest, RemoveRefusesWhatIsNoDirectChild) {
 
 TEST(TreeTest, RemovedElementStaysUsable) {
   const auto root = Parsed("<A><B N='1'><C/></B><D/></A>");
-  const auto removed = root->SelectSingleNode("B");
+  const auto removed = root->Child("B");
   root->Remove(removed);
   removed->SetAttribute("N", "2");
   removed->Append(Element::Create("E"));
@@ -100,15 +100,15 @@ TEST(TreeTest, RemovedElementStaysUsable) {
   EXPECT_EQ(removed->Parent(), nullptr);
   EXPECT_EQ(removed->Next(), nullptr);
   EXPECT_EQ(removed->Xml(), R"(<B N="2"><C/><E/></B>)");
-  EXPECT_NE(removed->SelectSingleNode("C"), nullptr);
+  EXPECT_NE(removed->Child("C"), nullptr);
 }
 
 TEST(TreeTest, HeldElementsOutliveTheirDocument) {
   auto document = std::make_unique<Document>();
   ASSERT_TRUE(Load(*document, "<A><B><C/></B><D/></A>"));
-  const auto held = document->DocumentElement()->SelectSingleNode("B");
+  const auto held = document->DocumentElement()->Child("B");
   document.reset();
-  held->SelectSingleNode("C")->SetText("t");
+  held->Child("C")->SetText("t");
 
   EXPECT_EQ(held->Parent(), nullptr);
   EXPECT_EQ(held->Next(), nullptr);
@@ -117,7 +117,7 @@ TEST(TreeTest, HeldElementsOutliveTheirDocument) {
 
 TEST(TreeTest, OrphansCanBeAppendedElsewhere) {
   auto root = Parsed("<A><B/><C/><B/></A>");
-  const auto orphan = root->SelectSingleNode("C");
+  const auto orphan = root->Child("C");
   root.reset();
   const auto other = Element::Create("D");
   other->Append(orphan);
@@ -126,7 +126,7 @@ TEST(TreeTest, OrphansCanBeAppendedElsewhere) {
 
 TEST(TreeTest, ChildrenReplacedByATextBecomeOrphans) {
   const auto root = Parsed("<A><B/><C/></A>");
-  const auto child = root->SelectSingleNode("B");
+  const auto child = root->Child("B");
   root->SetText("t");
 
   EXPECT_EQ(child->Parent(), nullptr);
@@ -136,7 +136,7 @@ TEST(TreeTest, ChildrenReplacedByATextBecomeOrphans) {
 TEST(TreeTest, HandlesKeepNothingAboveThemAlive) {
   auto root = Parsed("<A><B/></A>");
   const std::weak_ptr<Element> watched = root;
-  const auto child = root->SelectSingleNode("B");
+  const auto child = root->Child("B");
   root.reset();
   EXPECT_TRUE(watched.expired());
 }
@@ -149,7 +149,7 @@ TEST(TreeTest, RemovedNodesAreFreedWithTheirLastHandle) {
     child->SetAttribute("N", i);
     child->Append(Element::Create("C"));
     root->Append(child);
-    ASSERT_EQ(root->SelectSingleNode("B[@N=\"" + std::to_string(i) + "\"]"), child);
+    ASSERT_EQ(root->Child("B", "N", std::to_string(i)), child);
     watched.insert(watched.end(), {child, child->FirstChild()});
     if (i >= 20) root->Remove(root->FirstChild());
   }
@@ -199,7 +199,7 @@ TEST(TreeTest, ElementsWithTheirOwnDeclarationsGoAnywhere) {
 
 TEST(TreeTest, TwoPrefixesMustNotMakeTwoAttributesOne) {
   const auto child =
-      Parsed("<A xmlns:p='urn:p' xmlns:q='urn:q'><B p:n='1' q:n='2'/></A>")->SelectSingleNode("B");
+      Parsed("<A xmlns:p='urn:p' xmlns:q='urn:q'><B p:n='1' q:n='2'/></A>")->Child("B");
   const auto same = Parsed("<A xmlns:p='urn:p' xmlns:q='urn:p'/>");
   EXPECT_RUNTIME_ERROR(same->Append(child), kInvalidCall);
 }

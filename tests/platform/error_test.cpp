@@ -1,11 +1,11 @@
-#include "util/error_chain.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <new>
 #include <stdexcept>
+
+#include <kvdm/platform/error.h>
 
 namespace kvdm {
 namespace {
