@@ -32,6 +32,7 @@ struct Outcome {
   std::string result;
   std::optional<RuntimeError> error;
   std::vector<std::string> shown;
+  std::vector<std::string> noted;
 };
 
 Outcome Perform(const PolicyRow& row, PolicyWorld& world) {
@@ -42,6 +43,7 @@ Outcome Perform(const PolicyRow& row, PolicyWorld& world) {
     outcome.error = error;
   }
   for (const auto& message : world.memory.box->Messages()) outcome.shown.push_back(message.text);
+  outcome.noted = world.memory.log->Lines();
   return outcome;
 }
 
@@ -63,6 +65,8 @@ void CheckOutcome(const PolicyRow& row, const Outcome& outcome, std::set<std::st
   if (row.policy == Policy::kByName && outcome.error) {
     EXPECT_EQ(outcome.error->number(), kMemberNotSupported) << outcome.error->what();
     EXPECT_THAT(row.messages, Contains(outcome.error->unsent_message()));
+    EXPECT_THAT(outcome.noted,
+                Contains(::testing::StartsWith(outcome.error->unsent_message() + ": ")));
     seen.insert(outcome.error->unsent_message());
   }
   if (row.policy == Policy::kQuiet && outcome.result == row.neutral) seen.insert("neutral");
