@@ -1,8 +1,10 @@
 #include "collections/collection_view.h"
 
-#include "collections/messages.h"
+#include <kvdm/datamanager/study_areas.h>
+
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/messages.h"
+#include "util/names.h"
 
 namespace kvdm {
 
@@ -48,6 +50,14 @@ std::string CollectionView::GenerateNewDirName(const std::function<std::string()
 
 void CollectionView::DeleteFolder(const std::string& folder) const {
   if (!folder.empty()) DeleteFolderTree(*services().files, folder, log());
+}
+
+std::string CurrentFolder(DataManagerFriend& data_manager) {
+  const auto state = Required(data_manager.HostObject()).CurrentState();
+  const auto name = ToText(Required(state).GetProperty(kStudyAreaNameProperty));
+  if (name.empty()) return data_manager.WorkingDirectory();
+  const auto study_area = Required(data_manager.StudyAreaCollection()).GetStudyArea(name);
+  return study_area ? study_area->StudyAreaDir() : data_manager.WorkingDirectory();
 }
 
 }  // namespace kvdm

@@ -1,10 +1,9 @@
 #include "collections/kv_data_collection.h"
 
-#include "collections/messages.h"
 #include "items/kv_data_item.h"
-#include "items/path_types.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/messages.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

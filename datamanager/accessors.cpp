@@ -1,16 +1,14 @@
 // The collections, preset data and temporary files of the data manager.
 #include "collections/kv_analysis_collection.h"
-#include "collections/kv_cust_layer_collection.h"
 #include "collections/kv_data_collection.h"
-#include "collections/kv_store_layer_collection.h"
+#include "collections/kv_layer_collections.h"
 #include "datamanager/kv_data_manager.h"
-#include "datamanager/messages.h"
 #include "studyarea/kv_study_area_collection.h"
 #include "studyarea/kv_tables_manager.h"
-#include "util/default_dir_names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/messages.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

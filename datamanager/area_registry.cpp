@@ -6,16 +6,13 @@
 
 #include "collections/collection_view.h"
 #include "datamanager/documents.h"
-#include "datamanager/messages.h"
-#include "items/kv_cust_layer.h"
-#include "items/kv_store_layer.h"
-#include "items/path_types.h"
+#include "items/kv_layers.h"
 #include "studyarea/kv_study_area.h"
-#include "util/default_dir_names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
+#include "util/messages.h"
+#include "util/names.h"
 #include "util/registry_strings.h"
-#include "util/tags.h"
 
 namespace kvdm {
 

@@ -5,14 +5,12 @@
 #include <kvdm/datamanager/component.h>
 
 #include "collections/kv_analysis_collection.h"
-#include "collections/kv_cust_layer_collection.h"
 #include "collections/kv_data_collection.h"
-#include "collections/kv_store_layer_collection.h"
+#include "collections/kv_layer_collections.h"
 #include "datamanager/kv_data_manager.h"
 #include "items/kv_analysis.h"
-#include "items/kv_cust_layer.h"
 #include "items/kv_data_item.h"
-#include "items/kv_store_layer.h"
+#include "items/kv_layers.h"
 #include "studyarea/kv_file_info.h"
 #include "studyarea/kv_study_area.h"
 #include "studyarea/kv_study_area_collection.h"

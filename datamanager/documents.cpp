@@ -3,7 +3,7 @@
 #include <string>
 
 #include "util/guard.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -4,12 +4,12 @@
 
 #include <kvdm/datamanager/component.h>
 
-#include "datamanager/messages.h"
 #include "platform/file_names.h"
 #include "platform/portable/shared_catalogue.h"
-#include "util/default_dir_names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
+#include "util/messages.h"
+#include "util/names.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {
@@ -149,7 +149,7 @@ bool KVDataManager::Flush() {
 }
 
 std::string KVDataManager::GenerateFolderName(std::string_view parent, std::string_view prefix) {
-  return guard::Reported(reporter_, messages::kNewFolderName, [&] {
+  return guard::Reported(reporter_, messages::kNewDirName, [&] {
     if (!workspace_.metadata_valid) return std::string();
     return FirstFree(prefix, [&](const std::string& candidate) {
       return platform_.files->FolderExists(workspace_.directory + "\\" + std::string(parent) +

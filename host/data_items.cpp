@@ -4,7 +4,7 @@
 
 #include "host/items.h"
 #include "platform/xml/document.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

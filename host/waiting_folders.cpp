@@ -13,11 +13,10 @@
 #include "host/sources.h"
 #include "platform/file_names.h"
 #include "platform/xml/document.h"
-#include "util/default_dir_names.h"
+#include "util/names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
 #include "util/registry_strings.h"
-#include "util/tags.h"
 
 namespace kvdm {
 namespace {

@@ -2,9 +2,10 @@
 
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
+
 void ElementView::Flush() const {
   if (data_manager_) data_manager_->Flush();
 }
@@ -75,6 +76,23 @@ bool ElementView::ClearParameters() const {
   for (const auto& parameter : node_->Children(tags::kParameter)) node_->Remove(parameter);
   Flush();
   return true;
+}
+
+void LayerEdit::SetLayerFile(std::string_view path) {
+  Change(attributes::kLayerFile, path, messages_.layer_file);
+}
+
+void LayerEdit::SetGUID(std::string_view guid) { Change(attributes::kGuid, guid, messages_.guid); }
+
+std::shared_ptr<Unknown> LayerEdit::If(std::type_index interface_type) {
+  if (interface_type != typeid(IKVLayerEdit)) return nullptr;
+  return {item_.shared_from_this(), this};
+}
+
+void LayerEdit::Change(const char* attribute, std::string_view value, const char* message) {
+  guard::Reported(view_.reporter(), message, [&] {
+    if (view_.FullyBound()) view_.SetAndFlush(attribute, value);
+  });
 }
 
 }  // namespace kvdm

@@ -2,7 +2,7 @@
 
 #include "items/metadata_exchange.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -4,8 +4,7 @@
 #include <kvdm/datamanager/analyses.h>
 #include <kvdm/datamanager/layers.h>
 
-#include "items/layer_edit.h"
-#include "items/parameterized_item.h"
+#include "items/element_view.h"
 
 namespace kvdm {
 

@@ -1,7 +1,6 @@
 #include "items/kv_data_item.h"
 
-#include "items/path_types.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <kvdm/datamanager/data_items.h>
 
-#include "items/parameterized_item.h"
+#include "items/element_view.h"
 
 namespace kvdm {
 

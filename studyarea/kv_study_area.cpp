@@ -3,11 +3,10 @@
 #include <array>
 
 #include "items/metadata_exchange.h"
-#include "studyarea/messages.h"
-#include "util/default_dir_names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/messages.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -5,7 +5,6 @@
 #include <kvdm/datamanager/study_areas.h>
 
 #include "items/element_view.h"
-#include "items/layer_edit.h"
 
 namespace kvdm {
 

@@ -1,11 +1,10 @@
 #include "studyarea/kv_study_area_collection.h"
 
-#include "collections/current_study_area.h"
-#include "collections/messages.h"
+#include "collections/collection_view.h"
 #include "studyarea/kv_study_area.h"
-#include "util/default_dir_names.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/messages.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

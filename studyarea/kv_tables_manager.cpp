@@ -1,10 +1,10 @@
 #include "studyarea/kv_tables_manager.h"
 
-#include "collections/current_study_area.h"
-#include "studyarea/messages.h"
-#include "util/default_dir_names.h"
+#include "collections/collection_view.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
+#include "util/messages.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "collections/current_study_area.h"
+#include "collections/collection_view.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {

@@ -5,7 +5,7 @@
 #include "host/deletion.h"
 #include "host/project_file.h"
 #include "host/sources.h"
-#include "util/default_dir_names.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

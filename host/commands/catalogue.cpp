@@ -4,7 +4,7 @@
 #include "host/commands/groups.h"
 #include "host/project_file.h"
 #include "platform/xml/document.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -8,7 +8,7 @@
 #include "host/deletion.h"
 #include "platform/xml/document.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

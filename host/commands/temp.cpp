@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "host/commands/groups.h"
-#include "util/default_dir_names.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -2,8 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "collections/kv_cust_layer_collection.h"
-#include "collections/kv_store_layer_collection.h"
+#include "collections/kv_layer_collections.h"
 #include "platform/memory/failing_file_system.h"
 #include "tests/saves.h"
 #include "tests/test_world.h"

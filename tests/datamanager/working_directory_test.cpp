@@ -6,7 +6,7 @@
 
 #include "platform/memory/failing_file_system.h"
 #include "tests/test_world.h"
-#include "util/default_dir_names.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -1,6 +1,6 @@
 #include <kvdm/datamanager/component.h>
 
-#include "collections/messages.h"
+#include "util/messages.h"
 #include "tests/error_policy/policy_table.h"
 
 namespace kvdm {

@@ -1,4 +1,4 @@
-#include "items/messages.h"
+#include "util/messages.h"
 #include "tests/error_policy/policy_table.h"
 
 namespace kvdm {

@@ -1,4 +1,4 @@
-#include "datamanager/messages.h"
+#include "util/messages.h"
 #include "tests/error_policy/policy_table.h"
 
 namespace kvdm {

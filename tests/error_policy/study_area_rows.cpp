@@ -1,7 +1,6 @@
 #include <kvdm/platform/portable/portable_services.h>
 
-#include "collections/messages.h"
-#include "studyarea/messages.h"
+#include "util/messages.h"
 #include "tests/error_policy/policy_table.h"
 
 namespace kvdm {

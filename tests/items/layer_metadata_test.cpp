@@ -2,8 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "items/kv_cust_layer.h"
-#include "items/kv_store_layer.h"
+#include "items/kv_layers.h"
 #include "platform/memory/failing_services.h"
 #include "platform/xml/limits.h"
 #include "tests/test_world.h"

@@ -6,7 +6,7 @@
 #include "platform/memory/failing_services.h"
 #include "platform/memory/memory_platform.h"
 #include "tests/throws_number.h"
-#include "util/default_dir_names.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

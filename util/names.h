@@ -1,4 +1,5 @@
-// The names of elements and attributes in the three documents. Upper case, matched exactly.
+// Fixed names: elements and attributes of the three documents, upper case and matched exactly, and
+// folders.
 #pragma once
 
 namespace kvdm::tags {
@@ -49,3 +50,25 @@ inline constexpr char kShapeFile[] = "SHAPEFILE";
 inline constexpr char kIsInternal[] = "ISINTERNAL";
 
 }  // namespace kvdm::attributes
+
+// How PATHTYPE tells the form of a file path.
+namespace kvdm::path_types {
+
+inline constexpr char kRelative[] = "RELATIVE";
+inline constexpr char kAbsolute[] = "ABSOLUTE";
+
+}  // namespace kvdm::path_types
+
+// The folders of a working directory and of a study area.
+namespace kvdm::sDefaultDirNames {
+
+inline constexpr char kCustLayers[] = "CustLayers";
+inline constexpr char kStoreLayers[] = "StoreLayers";
+inline constexpr char kKelvaroTemp[] = "KelvaroTemp";
+inline constexpr char kStudyAreas[] = "StudyAreas";
+inline constexpr char kAnalyses[] = "Analyses";
+inline constexpr char kTables[] = "Tables";
+// The trailing blank belongs to it: numbers are appended directly.
+inline constexpr char kStudyAreaPrefix[] = "Study Area ";
+
+}  // namespace kvdm::sDefaultDirNames

@@ -1,4 +1,4 @@
-// What customer and store layers share, on top of their own interfaces.
+// Store and customer layers, over their STORELAYER and CUSTLAYER elements.
 #pragma once
 
 #include <memory>
@@ -8,15 +8,15 @@
 
 #include <kvdm/datamanager/layers.h>
 
-#include "items/layer_edit.h"
-#include "items/parameterized_item.h"
+#include "items/element_view.h"
 #include "util/kvdm_utils.h"
-#include "util/tags.h"
+#include "util/names.h"
 
 namespace kvdm {
 
 inline constexpr LayerEditMessages kLayerEditTexts = {messages::kLayerFile, messages::kLayerGuid};
 
+// What both share, on top of their own interfaces.
 template <class Interface>
 class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
  public:
@@ -86,6 +86,36 @@ class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
 
   std::shared_ptr<GisCore> gis_core_;
   LayerEdit layer_edit_;
+};
+
+class KVCustLayer final : public LayerView<IKVCustLayer> {
+ public:
+  explicit KVCustLayer(std::shared_ptr<GisCore> gis_core)
+      : LayerView(ReportStyle::kByName, std::move(gis_core)) {}
+
+  std::string LinkField() override;
+  void SetLinkField(std::string_view field) override;
+
+  void ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
+  void ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
+
+ private:
+  bool IsTaken(std::string_view name) override;
+};
+
+class KVStoreLayer final : public LayerView<IKVStoreLayer> {
+ public:
+  explicit KVStoreLayer(std::shared_ptr<GisCore> gis_core)
+      : LayerView(ReportStyle::kShown, std::move(gis_core)) {}
+
+  // Marks the path as absolute as well.
+  void SetLayerFile(std::string_view path) override;
+
+  void ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
+  void ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
+
+ private:
+  bool IsTaken(std::string_view name) override;
 };
 
 }  // namespace kvdm
