@@ -1,6 +1,8 @@
-// KVDM_EXPORT: what programs may use of the library, and all that the shared library exports.
+/// @file
+/// Export marker for public classes and functions.
 #pragma once
 
+/// Stands on what programs may use of the library, and so on all that the shared library exports.
 #ifdef _WIN32
 #define KVDM_EXPORT
 #else

@@ -1,4 +1,5 @@
-// The component registry: objects by class identity.
+/// @file
+/// Class factory: objects by class identity.
 #pragma once
 
 #include <memory>
@@ -11,16 +12,18 @@
 
 namespace kvdm {
 
+/// The class identity of the root object.
 inline constexpr char kDataManagerClass[] = "KVDM.KVDataManager";
 
-// A new object of the class "KVDM." + class name. Views made this way are unbound and answer with
-// their neutral results. Run-time error 429 for a class that the component does not have.
-//
-//   auto manager = Query<IKVDataManager>(CreateObject("KVDM.KVDataManager", platform));
+/// A new object of the class "KVDM." + class name. Only the data manager and "KVDM.KVFileInfo" are
+/// of use so; objects of other classes are unbound. Run-time error 429 for a class that the
+/// component does not have.
+///
+///     auto manager = Query<IKVDataManager>(CreateObject(kDataManagerClass, platform));
 [[nodiscard]] KVDM_EXPORT std::shared_ptr<Unknown> CreateObject(std::string_view class_identity,
                                                                 const Platform& platform);
 
-// The identities of all classes.
+/// The identities of all classes.
 [[nodiscard]] KVDM_EXPORT std::vector<std::string_view> ClassIdentities();
 
 }  // namespace kvdm

@@ -1,4 +1,5 @@
-// The root object of the component, its start and its persistence.
+/// @file
+/// Interfaces of the root object: the data manager, its start and its persistence.
 #pragma once
 
 #include <memory>
@@ -21,50 +22,95 @@ class IKVStoreLayerCollection;
 class IKVStudyAreaCollection;
 class IKVTablesManager;
 
-// The root object. No error ever reaches its caller; each failure shows a message.
+/// The root object. No failure of an operation reaches its caller: most show a message.
+///
+/// Its creation reads the catalogue and the preset data and starts an empty metadata document. When
+/// that fails, or the dataset manager is not there or does not start, it shows a message and has no
+/// preset data.
 class KVDM_EXPORT IKVDataManager : public virtual Unknown {
  public:
-  // The working directory with a trailing "\"; "" until one is set.
+  /// The working directory; "" until one is set. Never fails.
   virtual std::string WorkingDirectory() = 0;
-  // Appends "\" and makes doubled backslashes single, creates the folder with its sub-folders when
-  // it is missing (the metadata then starts afresh), and cleans the temporary folder.
+
+  /// Makes `path` the working directory, with a backslash at its end and doubled backslashes made
+  /// single, then cleans the temporary folder. A folder that is missing is made, with "CustLayers",
+  /// "StoreLayers" and the hidden "KelvaroTemp" in it but not the folders around it; the metadata
+  /// document then starts afresh. Shows: a folder that could not be made whole becomes the
+  /// working directory all the same, and the metadata document stays; after any other failure the
+  /// old working directory stays.
   virtual void SetWorkingDirectory(std::string_view path) = 0;
+
+  /// The dataset manager that was created at the start; Nothing when it is not there. Never fails.
   virtual std::shared_ptr<DatasetManager> GetDatasetManager() = 0;
-  // Writes the study area catalogue to the registry. Always False.
+
+  /// Writes the changes of the catalogue to the registry. Always False. Shows a registry that
+  /// fails; one that refuses goes unseen here, and shows in Registry::Condition.
   virtual bool Flush() = 0;
-  // A free path in the temporary folder, without extension; creates the folder, hidden, but not the
-  // file.
+
+  /// A path in the temporary folder whose base name, "tmp" at first, is free whatever the
+  /// extension; it has none. Makes the folder, hidden, but not the file, so that the next call may
+  /// answer the same. Without a working directory the folder is one of the process's current
+  /// folder. Shows.
   virtual std::string TmpFilePath() = 0;
-  // Empties the temporary folder; what can't be deleted stays. [quiet]
+
+  /// Deletes what is in the temporary folder, as far as it can be deleted. Does nothing without a
+  /// working directory. Quiet.
   virtual void CleanTemp() = 0;
+
+  /// A view of the analyses; adds their element to the metadata document when it is missing. Shows
+  /// when there is no metadata document.
   virtual std::shared_ptr<IKVAnalysisCollection> AnalysisCollection() = 0;
+
+  /// A view of the data items; adds their element to the metadata document when it is missing.
+  /// Shows when there is no metadata document.
   virtual std::shared_ptr<IKVDataCollection> DataCollection() = 0;
+
+  /// A view of the study areas. Unbound when the registry's text is not well-formed. Shows.
   virtual std::shared_ptr<IKVStudyAreaCollection> StudyAreaCollection() = 0;
+
+  /// A new tables manager. Shows.
   virtual std::shared_ptr<IKVTablesManager> TablesManager() = 0;
+
+  /// A view of the customer layers; adds their element to the metadata document when it is missing.
+  /// Shows when there is no metadata document.
   virtual std::shared_ptr<IKVCustLayerCollection> CustLayerCollection() = 0;
+
+  /// A view of the store layers; adds their element to the metadata document when it is missing.
+  /// Shows when there is no metadata document.
   virtual std::shared_ptr<IKVStoreLayerCollection> StoreLayerCollection() = 0;
-  // The names of the preset data items; Nothing after a failed start-up.
+
+  /// The names of the preset data items, Null for one without a name; an empty list when their file
+  /// can't be read; Nothing when the start failed. Shows.
   virtual NameListRef PDataList() = 0;
-  // The full path of a preset data item's file; "" for an unknown name.
+
+  /// The full path of a preset data item's file; "" for a name that is not there, and when the
+  /// start failed. Shows for a double quote in the name.
   virtual std::string GetPDataFile(std::string_view name) = 0;
 };
 
+/// The start by the host.
 class KVDM_EXPORT IKVDMInitialize : public virtual Unknown {
  public:
-  // Settles the working directory from the host's setting "VELKKVDirectory"; without a host only
-  // forgets the last one.
+  /// Keeps the host and makes its setting "VELKKVDirectory" the working directory; when that is
+  /// empty, "My Output Data" on the drive of the system folder. A working directory that is another
+  /// folder than the wanted one is shown and given up. With Nothing, only forgets the last host.
+  /// Shows: the host is kept.
   virtual void DMInitialize(const std::shared_ptr<Host>& host) = 0;
 };
 
-// The persistence of the GIS core library: one object's values in the host's saved document.
+/// The persistence of the GIS core library: one object's values in the host's saved document.
 class KVDM_EXPORT IPersistVariant : public virtual Unknown {
  public:
-  // An identifier that holds the class identity.
+  /// A new identifier whose text is "KVDM.KVDataManager". Quiet.
   virtual std::shared_ptr<Identifier> ID() = 0;
-  // Reads one value and makes it the metadata document; a text that is not well-formed leaves none.
-  // [quiet]
+
+  /// Reads one value and makes it the metadata document. A text that is not well-formed leaves
+  /// none: the collections then answer Nothing. Quiet: a stream that fails, or a value that is no
+  /// text, leaves the document as it was.
   virtual void Load(const std::shared_ptr<VariantStream>& stream) = 0;
-  // Writes the metadata document as one value, then flushes. [quiet]
+
+  /// Writes the metadata document as one text, "" when there is none, then saves the catalogue.
+  /// Quiet: a stream that fails ends it, and the catalogue is not saved.
   virtual void Save(const std::shared_ptr<VariantStream>& stream) = 0;
 };
 
