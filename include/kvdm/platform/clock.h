@@ -1,4 +1,5 @@
-// The local time of day.
+/// @file
+/// Clock service: the local time of day.
 #pragma once
 
 #include <kvdm/export.h>
@@ -6,11 +7,12 @@
 
 namespace kvdm {
 
+/// Tells the time at which something is created.
 class KVDM_EXPORT Clock {
  public:
   virtual ~Clock() = default;
 
-  // The current local date and time, to the second.
+  /// The current local date and time, to the second.
   virtual DateTime Now() = 0;
 };
 

@@ -1,4 +1,5 @@
-// The application that the component is loaded into.
+/// @file
+/// Host: the application that the component is loaded into.
 #pragma once
 
 #include <memory>
@@ -9,24 +10,30 @@
 
 namespace kvdm {
 
-// A set of the host's properties. Names are matched exactly.
+/// A set of the host's properties. Names are matched exactly. What it throws is a failure of the
+/// operation that asked.
 class KVDM_EXPORT HostPropertySet {
  public:
   virtual ~HostPropertySet() = default;
 
-  // The property's value; Empty for one that is not set.
+  /// The property's value; Empty for one that is not set.
   virtual Value GetProperty(std::string_view name) = 0;
+
+  /// Sets the property. The component sets "Study Area Name" to "" when that study area is deleted.
   virtual void SetProperty(std::string_view name, const Value& value) = 0;
 };
 
+/// The application, as IKVDMInitialize::DMInitialize takes it. It is asked again at each use; the
+/// data manager holds it until it is given another one or Nothing, so a host that holds the data
+/// manager in turn breaks the circle with Nothing.
 class KVDM_EXPORT Host {
  public:
   virtual ~Host() = default;
 
-  // What is open now: holds "Study Area Name".
+  /// What is open now: holds "Study Area Name", the name of the current study area or "".
   virtual std::shared_ptr<HostPropertySet> CurrentState() = 0;
 
-  // The user's settings: holds "VELKKVDirectory".
+  /// The user's settings: holds "VELKKVDirectory", the working directory, which may end in "\".
   virtual std::shared_ptr<HostPropertySet> Settings() = 0;
 };
 

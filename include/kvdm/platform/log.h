@@ -1,4 +1,5 @@
-// Where the component notes what callers do not see.
+/// @file
+/// Log service: where the component notes what callers do not see.
 #pragma once
 
 #include <string_view>
@@ -7,11 +8,13 @@
 
 namespace kvdm {
 
+/// Takes notes for whoever looks for the cause of a failure. Nothing depends on them.
 class KVDM_EXPORT Log {
  public:
   virtual ~Log() = default;
 
-  // Notes one line of UTF-8 text. Never fails.
+  /// Notes one line of UTF-8 text, which ends when the call returns. Must not fail: it is called
+  /// while a failure is handled.
   virtual void Note(std::string_view line) = 0;
 };
 

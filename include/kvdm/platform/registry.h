@@ -1,4 +1,5 @@
-// The system registry: typed values under keys under roots.
+/// @file
+/// Registry service: typed values under keys under roots.
 #pragma once
 
 #include <cstddef>
@@ -11,122 +12,144 @@
 
 namespace kvdm {
 
-enum class RegistryRoot { kLocalMachine, kCurrentUser };
+/// The roots that keys stand under. The component uses the machine's.
+enum class RegistryRoot {
+  kLocalMachine,  ///< HKEY_LOCAL_MACHINE
+  kCurrentUser,   ///< HKEY_CURRENT_USER
+};
 
-// The type numbers of registry values; only text is ever interpreted.
-enum class RegistryType : int { kText = 1, kExpandText = 2, kBinary = 3, kNumber = 4 };
+/// The type numbers of registry values; only text is ever interpreted.
+enum class RegistryType : int {
+  kText = 1,        ///< REG_SZ
+  kExpandText = 2,  ///< REG_EXPAND_SZ
+  kBinary = 3,      ///< REG_BINARY
+  kNumber = 4,      ///< REG_DWORD
+};
 
+/// A value as stored.
 struct RegistryValue {
+  /// What it is.
   RegistryType type = RegistryType::kText;
-  // The bytes as stored, converted to UTF-8 from the ANSI code page when `type` is kText. May hold
-  // NULs.
+
+  /// The bytes as stored, converted to UTF-8 from the ANSI code page when `type` is kText. May hold
+  /// NULs.
   std::string data;
+
   bool operator==(const RegistryValue&) const = default;
 };
 
-// A value, or a part of one, that was kept before it was overwritten.
+/// A value, or a part of one, that was kept before it was overwritten.
 struct KeptValue {
-  std::string when;  // UTC, such as "2026-11-15T07:35:30Z".
-  RegistryValue value;
+  std::string when;     ///< in UTC, such as "2026-11-15T07:35:30Z"
+  RegistryValue value;  ///< what it was
 };
 
-// What the last access found, and a read also whether a write would be refused.
+/// What the last access found, and a read also whether a write would be refused.
 enum class RegistryState {
-  kReady,
-  kBusy,          // another program holds it
-  kDamaged,       // its content is not what was written
-  kNotADatabase,  // the file, or whatever is in its place, is something else
-  kForeign,       // it belongs to another program
-  kNewer,         // a newer version of this component wrote it
-  kForbidden,     // the user has no right to it
-  kReadOnly,      // the user has no right to write it
-  kTooLarge,      // what it holds is more than can be read
-  kFailing,       // the system reports an error
+  kReady,         ///< all is well
+  kBusy,          ///< another program holds it
+  kDamaged,       ///< its content is not what was written
+  kNotADatabase,  ///< the file, or whatever is in its place, is something else
+  kForeign,       ///< it belongs to another program
+  kNewer,         ///< a newer version of this component wrote it
+  kForbidden,     ///< the user has no right to it
+  kReadOnly,      ///< the user has no right to write it
+  kTooLarge,      ///< what it holds is more than can be read
+  kFailing,       ///< the system reports an error
 };
 
+/// The state of a registry, with words for people.
 struct KVDM_EXPORT RegistryCondition {
-  RegistryState state = RegistryState::kReady;
-  std::string cause;  // In the words of the system; "" for kReady.
+  RegistryState state = RegistryState::kReady;  ///< what is wrong, if anything
+  std::string cause;                            ///< in the words of the system; "" for kReady
 
-  // The state as one word, as the end of a sentence that begins with the registry's place, and what
-  // can be done about it; the last is "" for kReady.
-  //
-  //   "busy", "is held by another program", "Close the program that holds it ..."
+  /// The state as one word: "busy".
   [[nodiscard]] std::string_view Name() const;
+
+  /// The state as the end of a sentence that begins with the registry's place: "is held by another
+  /// program".
   [[nodiscard]] std::string_view Sentence() const;
+
+  /// What can be done about it, as sentences; "" for kReady.
   [[nodiscard]] std::string_view Advice() const;
 };
 
-// A change of a text that others may have changed since it was read. It knows the text that it
-// started from and the one that it leads to, and decides what to store in place of what is stored
-// by now.
+/// A change of a text that others may have changed since it was read. It knows the text that it
+/// started from and the one that it leads to, and decides what to store in place of what is stored
+/// by now.
 class KVDM_EXPORT TextUpdate {
  public:
-  // A part of a text that changes by itself.
+  /// A part of a text that changes by itself.
   struct Piece {
-    std::string key;        // what tells it from the others; "" for all that is no such part
-    std::size_t place = 0;  // its position among the others, from 0
-    std::string text;
+    std::string key;        ///< what tells it from the others; "" for all that is no such part
+    std::size_t place = 0;  ///< its position among the others, from 0
+    std::string text;       ///< the part itself
+
     bool operator==(const Piece&) const = default;
   };
 
-  // What becomes of the stored value.
+  /// What becomes of the stored value.
   struct Outcome {
-    std::string text;                    // to be stored
-    bool keeps_stored = false;           // whether the stored value is to be kept, to the byte
-    std::vector<std::string> kept = {};  // parts of it that are to be kept
+    std::string text;                    ///< to be stored
+    bool keeps_stored = false;           ///< whether the stored value is to be kept, to the byte
+    std::vector<std::string> kept = {};  ///< parts of it that are to be kept
   };
 
   virtual ~TextUpdate() = default;
 
-  // The two texts in pieces, for stores that keep them so.
+  /// The text that it started from, in pieces, for stores that keep it so.
   [[nodiscard]] virtual std::vector<Piece> Base() const = 0;
+
+  /// The text that it leads to, in pieces.
   [[nodiscard]] virtual std::vector<Piece> Wanted() const = 0;
 
-  // For stores that keep the text as one. An error when the stored value must stand as it is.
+  /// For stores that keep the text as one. An error when the stored value must stand as it is.
   [[nodiscard]] virtual Outcome On(const std::optional<RegistryValue>& stored) const = 0;
 };
 
-// Keys and value names are found whatever the case of their ASCII letters; the system's own
-// registry takes no other letter's case either. A key is a path such as "Software\Velk".
-//
-// What fails is noted in the log and shows in Condition.
+/// Keys and value names are found whatever the case of their ASCII letters; the system's own
+/// registry takes no other letter's case either. A key is a path such as "Software\Velk".
+///
+/// What fails is noted in the log and shows in Condition.
 class KVDM_EXPORT Registry {
  public:
   virtual ~Registry() = default;
 
-  // The value; nothing when the key or the value is missing. Run-time error 68 when it can't be
-  // read, which says nothing about what is there.
+  /// The value; nothing when the key or the value is missing. Run-time error 68 when it can't be
+  /// read, which says nothing about what is there.
   virtual std::optional<RegistryValue> Read(RegistryRoot root, std::string_view key,
                                             std::string_view name) = 0;
 
-  // Stores `text` in the ANSI code page, its length counted in bytes after that conversion; creates
-  // the key. False when the registry refuses; the old value then stands.
+  /// Stores `text` in the ANSI code page, its length counted in bytes after that conversion;
+  /// creates the key. False when the registry refuses; the old value then stands.
   virtual bool WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                          std::string_view text) = 0;
 
-  // Reads the value, keeps and stores what `update` makes of it, in one transaction: nobody writes
-  // in between, and what is to be kept is kept or nothing is stored. False when the registry or the
-  // update refuses; the old value then stands.
+  /// Reads the value, keeps and stores what `update` makes of it, in one transaction: nobody writes
+  /// in between, and what is to be kept is kept or nothing is stored. False when the registry or
+  /// the update refuses; the old value then stands.
   virtual bool Update(RegistryRoot root, std::string_view key, std::string_view name,
                       const TextUpdate& update) = 0;
 
-  // What was kept of a value, the oldest first. The oldest go when there is too much. Run-time
-  // error 68 when it can't be read.
+  /// What was kept of a value, the oldest first. The oldest go when there is too much. Run-time
+  /// error 68 when it can't be read.
   virtual std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
                                       std::string_view name) = 0;
 
+  /// What the last access found.
   [[nodiscard]] virtual RegistryCondition Condition() const = 0;
 
-  // Whether the ANSI code page has `character`; others are stored replaced.
+  /// Whether the ANSI code page has `character`; others are stored replaced.
   [[nodiscard]] virtual bool Holds(char32_t character) const = 0;
 };
 
-// An error of a registry in this condition, for Read and Kept.
+/// An error of a registry in this condition, for Read and Kept.
 [[noreturn]] KVDM_EXPORT void ThrowUnreadable(const RegistryCondition& condition);
 
-// How much is kept of one value: so many entries, of so many bytes together.
+/// How many entries are kept of one value.
 inline constexpr std::size_t kMostKeptValues = 1000;
+
+/// How many bytes they may have together.
 inline constexpr std::size_t kMostKeptBytes = std::size_t{256} << 20U;
 
 }  // namespace kvdm
