@@ -277,17 +277,17 @@ class KVDM_EXPORT IKVLayerEdit : public virtual Unknown {
 class KVDM_EXPORT IKVMetadata : public virtual Unknown {
  public:
   /// Takes over what ExportMetadata wrote, all but the name, if the metadata describe an item of
-  /// this kind; of a study area no comment, only the identifier and the properties TYPE, MAINLAYER
-  /// and FEATURESLIST. Parameters that are not in the metadata stay. Saves, as the setters do.
-  /// Quiet: a customer or store layer or a study area keeps what it took over before a failure; an
-  /// analysis passes over what fails. Nothing is changed when the metadata or their kind can't be
-  /// read.
+  /// this kind. Parameters that are not in the metadata stay. Saves, as the setters do. A customer
+  /// or store layer and a study area keep what they took over before a failure; an analysis passes
+  /// over what fails. Nothing is changed when the metadata or their kind can't be read. Quiet, but
+  /// setters that show do so.
   virtual void ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) = 0;
 
-  /// Writes kind, name, identifier, comment and fields, of an analysis also the parameters, of a
-  /// study area the three properties but no comment. All else that is there stays, parameters of an
-  /// earlier export included. Metadata that can't be read count as missing and are begun anew.
-  /// Quiet: after a failure nothing is written.
+  /// Writes kind, name and identifier; of an analysis the comment and the parameters; of a layer
+  /// the comment, the fields and whether its data are internal; of a study area the properties
+  /// TYPE, MAINLAYER and FEATURESLIST. All else that is there stays, parameters of an earlier
+  /// export included. Metadata that can't be read count as missing and are begun anew. After a
+  /// failure nothing is written. Quiet, but getters that show do so.
   virtual void ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) = 0;
 };
 
