@@ -16,27 +16,27 @@ namespace kvdm {
 /// Run-time error numbers as clients compare them. Numbers without a classic meaning are the
 /// negative code of the service that failed.
 enum ErrorNumber : std::int32_t {
-  kInvalidCall = 5,              ///< an argument that has no meaning there
-  kOverflow = 6,                 ///< no free name is left
-  kOutOfMemory = 7,              ///< memory ran out, or a limit of documents is exceeded
-  kSubscriptOutOfRange = 9,      ///< a position outside a list
-  kTypeMismatch = 13,            ///< a value of another type
-  kBadFileName = 52,             ///< a name that no file can have
-  kFileNotFound = 53,            ///< no such file
-  kFileExists = 58,              ///< the name is taken
-  kInputPastEnd = 62,            ///< nothing left to read
-  kDeviceUnavailable = 68,       ///< a store that can't be read
-  kPermissionDenied = 70,        ///< the system refuses
-  kPathFileAccess = 75,          ///< the system fails
-  kPathNotFound = 76,            ///< no such folder
-  kObjectNotSet = 91,            ///< Nothing where an object is needed
-  kInvalidUseOfNull = 94,        ///< Null where a value is needed
-  kCollectionMissing = 333,      ///< never reaches callers
-  kCannotCreateObject = 429,     ///< an unknown class, or a library that is not there
-  kInterfaceNotSupported = 430,  ///< an object without the interface, from calls by name
-  kMemberNotSupported = 438,     ///< a report that could not be delivered
-  kActionNotSupported = 445,     ///< a call in a way that the object has not, from calls by name
-  kWrongArgumentCount = 450,     ///< too many or too few arguments, from calls by name
+  kInvalidCall = 5,                  ///< an argument that has no meaning there
+  kOverflow = 6,                     ///< no free name is left
+  kOutOfMemory = 7,                  ///< memory ran out, or a limit of documents is exceeded
+  kSubscriptOutOfRange = 9,          ///< a position outside a list
+  kTypeMismatch = 13,                ///< a value of another type
+  kBadFileName = 52,                 ///< a name that no file can have
+  kFileNotFound = 53,                ///< no such file
+  kFileExists = 58,                  ///< the name is taken
+  kInputPastEnd = 62,                ///< nothing left to read
+  kDeviceUnavailable = 68,           ///< a store that can't be read
+  kPermissionDenied = 70,            ///< the system refuses
+  kPathFileAccess = 75,              ///< the system fails
+  kPathNotFound = 76,                ///< no such folder
+  kObjectNotSet = 91,                ///< Nothing where an object is needed
+  kInvalidUseOfNull = 94,            ///< Null where a value is needed
+  kCollectionMissing = 333,          ///< never reaches callers
+  kCannotCreateObject = 429,         ///< an unknown class, or a library that is not there
+  kInterfaceNotSupported = 430,      ///< an object without the interface
+  kMemberNotSupported = 438,         ///< a report that could not be delivered
+  kActionNotSupported = 445,         ///< an operation that an object does not offer
+  kWrongArgumentCount = 450,         ///< too many or too few arguments
   kAutomationFailure = -2147467259,  ///< a look-up for a double quote, or any other failure
 };
 
