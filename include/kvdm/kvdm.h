@@ -46,12 +46,15 @@
 /// the metadata document, which is kept only when the host calls kvdm::IPersistVariant::Save.
 ///
 /// **Failures.** Each operation says what becomes of them, in one of four words:
-/// - *Shows*: a message box appears, and the neutral result comes back.
+/// - *Shows*: the platform's kvdm::MessageBox is shown, and the neutral result comes back.
 /// - *438*: run-time error 438 arrives. Its kvdm::RuntimeError::unsent_message is the report; what
-///   failed is nested in it (`std::rethrow_if_nested`).
+///   failed is nested in it (kvdm::ErrorChain).
 /// - *Errors*: the kvdm::RuntimeError itself arrives, with a number of kvdm::ErrorNumber. Other
 ///   exceptions of the standard library, such as `std::bad_alloc`, arrive as they are.
 /// - *Quiet*: the neutral result comes back.
+///
+/// Each failure that does not arrive is noted once in the platform's kvdm::Log, with what was not
+/// done and its cause: `Couldn't delete Analysis: Permission denied: D:\Data\ (70)`.
 ///
 /// Whatever a service or a client's object throws counts as a failure; an object that answers
 /// Nothing where one is needed fails with 91. Where an operation does not say otherwise, everything
