@@ -13,9 +13,9 @@
 #include "host/sources.h"
 #include "platform/file_names.h"
 #include "platform/xml/document.h"
-#include "util/names.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
+#include "util/names.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {

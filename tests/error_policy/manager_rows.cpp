@@ -1,5 +1,5 @@
-#include "util/messages.h"
 #include "tests/error_policy/policy_table.h"
+#include "util/messages.h"
 
 namespace kvdm {
 

@@ -1,7 +1,7 @@
 #include <kvdm/platform/portable/portable_services.h>
 
-#include "util/messages.h"
 #include "tests/error_policy/policy_table.h"
+#include "util/messages.h"
 
 namespace kvdm {
 

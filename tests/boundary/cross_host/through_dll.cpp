@@ -11,10 +11,7 @@
 #include <iterator>
 #include <string>
 
-#include <kvdm/datamanager/component.h>
-#include <kvdm/datamanager/data_manager.h>
-#include <kvdm/platform/portable/properties_host.h>
-#include <kvdm/platform/portable/variant_list.h>
+#include <kvdm/kvdm.h>
 
 #include "platform/windows/ansi.h"
 #include "tests/boundary/client/dll.h"
