@@ -1,8 +1,11 @@
-# What an installed copy consists of: the library with its headers, and how CMake and pkg-config find it.
+# What an installed copy consists of: the libraries with their headers, and how CMake and pkg-config find it.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kvdm EXPORT kvdmTargets)
-install(EXPORT kvdmTargets NAMESPACE kvdm:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kvdm)
+install(TARGETS kvdm EXPORT kvdmSharedTargets)
+install(TARGETS kvdm_static EXPORT kvdmStaticTargets)
+foreach(kind Shared Static)
+  install(EXPORT kvdm${kind}Targets NAMESPACE kvdm:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kvdm)
+endforeach()
 
 if(KVDM_BUILD_HOST)
   install(TARGETS kvdm_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
