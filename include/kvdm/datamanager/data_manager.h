@@ -53,8 +53,8 @@ class KVDM_EXPORT IKVDataManager : public virtual Unknown {
   /// folder. Shows.
   virtual std::string TmpFilePath() = 0;
 
-  /// Deletes what is in the temporary folder, as far as it can be deleted. Does nothing without a
-  /// working directory. Quiet.
+  /// Deletes what is in the temporary folder, up to the first thing that can't be deleted. Does
+  /// nothing without a working directory. Quiet.
   virtual void CleanTemp() = 0;
 
   /// A view of the analyses; adds their element to the metadata document when it is missing. Shows
