@@ -14,9 +14,9 @@
 
 #include "platform/posix/file_descriptor.h"
 #include "platform/posix/folder_entries.h"
-#include "platform/posix/posix_error.h"
 #include "platform/posix/posix_paths.h"
 #include "platform/posix/replace_file.h"
+#include "platform/system_error.h"
 
 namespace kvdm::os {
 namespace {
@@ -171,7 +171,7 @@ void MoveFolder(const Drives& drives, std::string_view from, std::string_view to
   if (!facts || !facts->is_folder) ThrowSystemError(ENOTDIR);
   if (::renameat(source.folder.get(), name.c_str(), target.folder.get(), target.name.c_str()) !=
       0) {
-    ThrowSystemError(errno);
+    ThrowLastError();
   }
 }
 

@@ -5,10 +5,10 @@
 #include <tuple>
 
 #include "host/os.h"
+#include "platform/system_error.h"
 #include "platform/windows/file_handle.h"
 #include "platform/windows/folder_entries.h"
 #include "platform/windows/save_file.h"
-#include "platform/windows/win32_error.h"
 #include "platform/windows/windows_paths.h"
 
 namespace kvdm::os {
@@ -164,7 +164,7 @@ std::optional<std::string> FindFolder(const Drives&, std::string_view path) {
     std::ignore = OpenFolderAt(resolved, ERROR_DIRECTORY, FILE_READ_ATTRIBUTES);
     return resolved.Text();
   } catch (const std::system_error& error) {
-    if (MeansMissing(static_cast<DWORD>(error.code().value()))) return std::nullopt;
+    if (MeansMissing(error.code().value())) return std::nullopt;
     Fail(ToPath(path), error.code().default_error_condition());
   }
 }

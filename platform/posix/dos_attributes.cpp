@@ -7,7 +7,7 @@
 #include <charconv>
 #include <cstdint>
 
-#include "platform/posix/posix_error.h"
+#include "platform/system_error.h"
 
 namespace kvdm {
 namespace {
@@ -84,7 +84,7 @@ unsigned ReadDosAttributes(int file) {
 void WriteDosAttributes(int file, unsigned attributes) {
   const std::string record = FormatDosAttributes(attributes);
   const int result = ::fsetxattr(file, kAttributeName, record.data(), record.size(), 0);
-  if (result != 0 && errno != ENOTSUP) ThrowSystemError(errno);
+  if (result != 0 && errno != ENOTSUP) ThrowLastError();
 }
 
 }  // namespace kvdm

@@ -11,7 +11,7 @@
 #include "platform/file_attributes.h"
 #include "platform/file_names.h"
 #include "platform/posix/dos_attributes.h"
-#include "platform/posix/posix_error.h"
+#include "platform/system_error.h"
 
 namespace kvdm {
 namespace {
@@ -23,7 +23,7 @@ using FolderStream = std::unique_ptr<DIR, FolderCloser>;
 
 FolderStream OpenStream(FileDescriptor folder) {
   FolderStream stream(::fdopendir(folder.get()));
-  if (!stream) ThrowSystemError(errno);
+  if (!stream) ThrowLastError();
   folder.Release();
   return stream;
 }
@@ -38,7 +38,7 @@ std::optional<struct stat> StatusOf(int folder, const std::string& name) {
   struct stat status {};
   if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return status;
   if (errno == ENOENT) return std::nullopt;
-  ThrowSystemError(errno);
+  ThrowLastError();
 }
 
 // Attributes that the system does not let us read, or of an entry that has just changed its kind,
@@ -49,7 +49,7 @@ unsigned StoredAttributes(int folder, const std::string& name) {
   const FileDescriptor file(::openat(folder, name.c_str(), flags));
   if (file.get() >= 0) return ReadDosAttributes(file.get());
   if (errno == ENOENT || errno == EACCES || errno == ELOOP) return 0;
-  ThrowSystemError(errno);
+  ThrowLastError();
 }
 
 // A place where a file system begins in the tree, and its device: one folder may be in the tree at
@@ -84,20 +84,20 @@ FileDescriptor OpenAt(int folder, const std::string& name, int flags) {
   do {
     file = ::openat(folder, name.c_str(), flags | O_CLOEXEC);
   } while (file < 0 && errno == EINTR);
-  if (file < 0) ThrowSystemError(errno);
+  if (file < 0) ThrowLastError();
   return FileDescriptor(file);
 }
 
 std::vector<std::string> EntryNames(int folder) {
   const int own = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (own < 0 && errno == ENOENT) return {};
-  if (own < 0) ThrowSystemError(errno);
+  if (own < 0) ThrowLastError();
   const FolderStream stream = OpenStream(FileDescriptor(own));
   std::vector<std::string> names;
   while (true) {
     errno = 0;
     const dirent* entry = ::readdir(stream.get());
-    if (entry == nullptr && errno != 0) ThrowSystemError(errno);
+    if (entry == nullptr && errno != 0) ThrowLastError();
     if (entry == nullptr) break;
     if (IsEntryName(entry->d_name)) names.emplace_back(entry->d_name);
   }
@@ -114,7 +114,7 @@ std::optional<std::string> FindEntry(int folder, std::string_view name, NameFind
 
 FileIdentity IdentityOf(int file) {
   struct stat status {};
-  if (::fstat(file, &status) != 0) ThrowSystemError(errno);
+  if (::fstat(file, &status) != 0) ThrowLastError();
   return {status.st_dev, status.st_ino};
 }
 

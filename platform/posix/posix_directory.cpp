@@ -7,7 +7,7 @@
 
 #include "platform/file_names.h"
 #include "platform/posix/leftovers.h"
-#include "platform/posix/posix_error.h"
+#include "platform/system_error.h"
 
 namespace kvdm {
 namespace {
@@ -37,7 +37,7 @@ std::vector<std::string> NamesOf(int folder, Chosen chosen) {
 // Removes a folder, unless there is something in it.
 bool WasEmpty(int folder, const std::string& name) {
   if (::unlinkat(folder, name.c_str(), AT_REMOVEDIR) == 0) return true;
-  if (errno != ENOTEMPTY && errno != EEXIST) ThrowSystemError(errno);
+  if (errno != ENOTEMPTY && errno != EEXIST) ThrowLastError();
   return false;
 }
 
@@ -72,12 +72,12 @@ void PosixDirectory::DeleteFiles() {
   if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
   for (const std::string& name : names) {
     const bool gone = ::unlinkat(Here(), name.c_str(), 0) == 0 || errno == ENOENT;
-    if (!gone) throw PosixError(errno, PathOf(name));
+    if (!gone) throw SystemErrorAt(PathOf(name), errno);
   }
 }
 
 void PosixDirectory::Enter(std::string_view name) {
-  Translating(name, [&] {
+  TranslatingErrors(PathOf(name), [&] {
     const std::string real_name = RealName(name);
     FileDescriptor inside = OpenFolderIn(Here(), real_name);
     const FileIdentity identity = IdentityOf(inside.get());
@@ -102,7 +102,7 @@ void PosixDirectory::Leave() {
 }
 
 void PosixDirectory::RemoveFolder(std::string_view name) {
-  Translating(name, [&] {
+  TranslatingErrors(PathOf(name), [&] {
     const std::string real_name = RealName(name);
     const auto facts = ExamineEntry(Here(), real_name);
     if (!facts) ThrowSystemError(ENOENT);
@@ -117,15 +117,6 @@ void PosixDirectory::RemoveFolder(std::string_view name) {
 
 std::string PosixDirectory::PathOf(std::string_view name) const {
   return path_ + (path_.ends_with('\\') ? "" : "\\") + std::string(name);
-}
-
-template <class Body>
-void PosixDirectory::Translating(std::string_view name, Body body) const {
-  try {
-    body();
-  } catch (const std::system_error& error) {
-    throw PosixError(error.code().value(), PathOf(name));
-  }
 }
 
 std::string PosixDirectory::RealName(std::string_view name) const {

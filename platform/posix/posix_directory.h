@@ -38,9 +38,6 @@ class PosixDirectory : public Directory {
 
   [[nodiscard]] int Here() const { return way_.back().folder.get(); }
   [[nodiscard]] std::string PathOf(std::string_view name) const;
-  // Calls `body`; a system error in it becomes the run-time error about `name` in this folder.
-  template <class Body>
-  void Translating(std::string_view name, Body body) const;
   // The real name of an entry. Throws std::system_error ENOENT when it is missing.
   [[nodiscard]] std::string RealName(std::string_view name) const;
   // Throws std::system_error ENOTDIR unless `found` is what is known by this name, if anything.

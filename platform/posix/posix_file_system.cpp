@@ -11,8 +11,8 @@
 #include "platform/posix/dos_attributes.h"
 #include "platform/posix/folder_entries.h"
 #include "platform/posix/posix_directory.h"
-#include "platform/posix/posix_error.h"
 #include "platform/posix/replace_file.h"
+#include "platform/system_error.h"
 #include "platform/xml/limits.h"
 
 namespace kvdm {
@@ -22,25 +22,14 @@ FileDescriptor Readable(const FileDescriptor& folder) {
   return OpenAt(folder.get(), ".", O_RDONLY | O_DIRECTORY);
 }
 
-// What `body` answers about what is at `path`; the empty answer when there is nothing.
-template <class Answer, class Body>
-Answer OfWhatIsThere(std::string_view path, Body body) {
-  try {
-    return body();
-  } catch (const std::system_error& error) {
-    if (MeansMissing(error.code().value())) return {};
-    throw PosixError(error.code().value(), path);
-  }
-}
-
 // A pipe without a writer must not block, hence O_NONBLOCK. Of a file that is longer than documents
 // may be enough is read for whoever parses it to see that.
 std::optional<std::string> ReadRegularFile(int folder, const std::string& name) {
   struct stat status {};
-  if (::fstatat(folder, name.c_str(), &status, 0) != 0) ThrowSystemError(errno);
+  if (::fstatat(folder, name.c_str(), &status, 0) != 0) ThrowLastError();
   if (!S_ISREG(status.st_mode)) return std::nullopt;
   const FileDescriptor file = OpenAt(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-  if (::fstat(file.get(), &status) != 0) ThrowSystemError(errno);
+  if (::fstat(file.get(), &status) != 0) ThrowLastError();
   if (!S_ISREG(status.st_mode)) return std::nullopt;
   return ReadAll(file.get(), xml::kMaxInputBytes + 1);
 }
@@ -68,7 +57,7 @@ void PosixFileSystem::CreateFolder(std::string_view path) {
     const PosixPlace place = paths_.PlaceOf(path, EEXIST);
     if (place.entry) throw PathError(kFileExists, path);
     if (!IsCreatableName(place.name)) throw PathError(kBadFileName, path);
-    if (::mkdirat(place.folder.get(), place.name.c_str(), 0777) != 0) ThrowSystemError(errno);
+    if (::mkdirat(place.folder.get(), place.name.c_str(), 0777) != 0) ThrowLastError();
   });
 }
 
@@ -95,7 +84,7 @@ std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
   const std::string_view path = search.folder.empty() ? "." : search.folder;
   const bool wants_dots = search.name.starts_with('.');
-  return OfWhatIsThere<std::vector<std::string>>(path, [&] {
+  return AnswerUnlessMissing<std::vector<std::string>>(path, [&] {
     DrivePath resolved = PosixPaths::Resolve(path);
     const FileDescriptor folder = paths_.Open(resolved, ENOENT);
     std::vector<std::string> names = EntryNames(folder.get());
@@ -117,7 +106,7 @@ std::unique_ptr<Directory> PosixFileSystem::OpenFolder(std::string_view path) {
 }
 
 std::optional<std::string> PosixFileSystem::ReadFile(std::string_view path) {
-  return OfWhatIsThere<std::optional<std::string>>(path, [&] {
+  return AnswerUnlessMissing<std::optional<std::string>>(path, [&] {
     const PosixPlace place = paths_.PlaceOf(path, ENOENT);
     if (!place.entry) return std::optional<std::string>();
     return ReadRegularFile(place.folder.get(), *place.entry);

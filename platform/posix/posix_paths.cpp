@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "platform/posix/folder_entries.h"
-#include "platform/posix/posix_error.h"
 #include "platform/posix/user_folders.h"
+#include "platform/system_error.h"
 
 namespace kvdm {
 namespace {
@@ -31,7 +31,7 @@ bool IsFolder(int parent, const std::string& name) {
   struct stat status {};
   if (::fstatat(parent, name.c_str(), &status, 0) == 0) return S_ISDIR(status.st_mode);
   if (MeansMissing(errno)) return false;
-  ThrowSystemError(errno);
+  ThrowLastError();
 }
 
 }  // namespace

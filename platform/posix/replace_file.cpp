@@ -11,7 +11,7 @@
 
 #include "platform/file_names.h"
 #include "platform/posix/dos_attributes.h"
-#include "platform/posix/posix_error.h"
+#include "platform/system_error.h"
 
 namespace kvdm {
 namespace {
@@ -29,7 +29,7 @@ class TemporaryFile {
       name_ = TemporaryFileName();
       file_ = FileDescriptor(::openat(folder, name_.c_str(), kFlags, permissions));
     } while (file_.get() < 0 && errno == EEXIST);
-    if (file_.get() < 0) ThrowSystemError(errno);
+    if (file_.get() < 0) ThrowLastError();
     // One that nobody holds was left behind, and goes with its folder. Not all systems have locks.
     ::flock(file_.get(), LOCK_EX | LOCK_NB);
     if (old) KeepProperties(*old);
@@ -44,16 +44,16 @@ class TemporaryFile {
   void Write(std::string_view bytes) {
     for (std::string_view rest = bytes; !rest.empty();) {
       const ssize_t written = ::write(file_.get(), rest.data(), rest.size());
-      if (written < 0 && errno != EINTR) ThrowSystemError(errno);
+      if (written < 0 && errno != EINTR) ThrowLastError();
       if (written > 0) rest.remove_prefix(static_cast<std::size_t>(written));
     }
-    if (::fsync(file_.get()) != 0) ThrowSystemError(errno);
-    if (::lseek(file_.get(), 0, SEEK_SET) != 0) ThrowSystemError(errno);
+    if (::fsync(file_.get()) != 0) ThrowLastError();
+    if (::lseek(file_.get(), 0, SEEK_SET) != 0) ThrowLastError();
     if (ReadAll(file_.get(), bytes.size() + 1) != bytes) ThrowSystemError(EIO);
   }
 
   void MoveTo(const std::string& name) {
-    if (::renameat(folder_, name_.c_str(), folder_, name.c_str()) != 0) ThrowSystemError(errno);
+    if (::renameat(folder_, name_.c_str(), folder_, name.c_str()) != 0) ThrowLastError();
     moved_ = true;
   }
 
@@ -108,7 +108,7 @@ std::string ReadAll(int file, std::size_t most) {
     const std::size_t wanted = std::min(buffer.size(), most - content.size());
     const ssize_t size = ::read(file, buffer.data(), wanted);
     if (size == 0) break;
-    if (size < 0 && errno != EINTR) ThrowSystemError(errno);
+    if (size < 0 && errno != EINTR) ThrowLastError();
     if (size > 0) content.append(buffer.data(), static_cast<std::size_t>(size));
   }
   return content;

@@ -15,9 +15,9 @@
 #include <kvdm/platform/error.h>
 
 #include "platform/posix/file_descriptor.h"
-#include "platform/posix/posix_error.h"
 #include "platform/posix/sqlite_database.h"
 #include "platform/posix/user_folders.h"
+#include "platform/system_error.h"
 
 namespace kvdm {
 namespace {
@@ -101,7 +101,7 @@ void RequireStore(const SqliteDatabase& database) {
 bool IsThere(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
-    if (errno != ENOENT) ThrowSystemError(errno);
+    if (errno != ENOENT) ThrowLastError();
     // A link may lead to a disk that is missing for now.
     if (::lstat(path.c_str(), &status) != 0) return false;
     throw UnusableFile(RegistryState::kFailing, "a link in its place leads nowhere");
@@ -175,7 +175,7 @@ void CreateFolders(const fs::path& folder) {
   if (folder.empty() || fs::is_directory(folder)) return;
   CreateFolders(folder.parent_path());
   constexpr mode_t kOwnerOnly = 0700;
-  if (::mkdir(folder.c_str(), kOwnerOnly) != 0 && errno != EEXIST) ThrowSystemError(errno);
+  if (::mkdir(folder.c_str(), kOwnerOnly) != 0 && errno != EEXIST) ThrowLastError();
 }
 
 // A file of its own name beside `path`, which goes again unless it was renamed.
@@ -183,7 +183,7 @@ class NewFile {
  public:
   explicit NewFile(const std::string& path) : path_(path + ".new-XXXXXX") {
     descriptor_ = FileDescriptor(::mkostemp(path_.data(), O_CLOEXEC));
-    if (descriptor_.get() < 0) ThrowSystemError(errno);
+    if (descriptor_.get() < 0) ThrowLastError();
   }
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
@@ -204,7 +204,7 @@ bool RenameUnlessTaken(const std::string& from, const std::string& to) {
   // Not every file system can do that in one step.
   if (errno == EINVAL && ::link(from.c_str(), to.c_str()) == 0) return true;
   if (errno == EEXIST) return false;
-  ThrowSystemError(errno);
+  ThrowLastError();
 }
 
 void SyncFolderOf(const std::string& path) {
@@ -212,7 +212,7 @@ void SyncFolderOf(const std::string& path) {
   const FileDescriptor open(
       ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   // Some file systems can't sync a folder; they say so with EINVAL.
-  if (open.get() < 0 || (::fsync(open.get()) != 0 && errno != EINVAL)) ThrowSystemError(errno);
+  if (open.get() < 0 || (::fsync(open.get()) != 0 && errno != EINVAL)) ThrowLastError();
 }
 
 std::string UtcStamp() {
@@ -229,7 +229,7 @@ std::string JournalOf(const std::string& path) { return path + "-journal"; }
 // beside the journal of another one would be changed by it.
 void MoveJournal(const std::string& from, const std::string& to) {
   if (::rename(JournalOf(from).c_str(), JournalOf(to).c_str()) != 0 && errno != ENOENT) {
-    ThrowSystemError(errno);
+    ThrowLastError();
   }
 }
 

@@ -1,8 +1,8 @@
 #include "platform/windows/registry_key.h"
 
+#include "platform/system_error.h"
 #include "platform/windows/ansi.h"
 #include "platform/windows/utf16.h"
-#include "platform/windows/win32_error.h"
 
 namespace kvdm {
 namespace {

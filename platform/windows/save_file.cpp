@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "platform/file_names.h"
+#include "platform/system_error.h"
 #include "platform/windows/folder_entries.h"
 #include "platform/windows/utf16.h"
-#include "platform/windows/win32_error.h"
 
 namespace kvdm {
 namespace {

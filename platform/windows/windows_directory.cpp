@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "platform/file_names.h"
+#include "platform/system_error.h"
 #include "platform/windows/utf16.h"
-#include "platform/windows/win32_error.h"
 
 namespace kvdm {
 namespace {

@@ -8,31 +8,16 @@
 #include <utility>
 
 #include "platform/file_names.h"
+#include "platform/system_error.h"
 #include "platform/windows/file_handle.h"
 #include "platform/windows/folder_entries.h"
 #include "platform/windows/save_file.h"
 #include "platform/windows/utf16.h"
-#include "platform/windows/win32_error.h"
 #include "platform/windows/windows_directory.h"
 #include "platform/windows/windows_paths.h"
 #include "platform/xml/limits.h"
 
 namespace kvdm {
-namespace {
-
-// What `body` answers about what is at `path`; the empty answer when there is nothing.
-template <class Answer, class Body>
-Answer OfWhatIsThere(std::string_view path, Body body) {
-  try {
-    return body();
-  } catch (const std::system_error& error) {
-    const auto code = static_cast<DWORD>(error.code().value());
-    if (MeansMissing(code)) return {};
-    throw Win32Error(code, path);
-  }
-}
-
-}  // namespace
 
 bool WindowsFileSystem::FolderExists(std::string_view path) {
   try {
@@ -74,17 +59,17 @@ void WindowsFileSystem::HideFolder(std::string_view path) {
 }
 
 std::string WindowsFileSystem::SystemDrive() {
-  std::array<wchar_t, MAX_PATH> folder{};
-  if (::GetSystemWindowsDirectoryW(folder.data(), MAX_PATH) == 0) {
-    throw Win32Error(::GetLastError(), {});
-  }
-  return ToUtf8({folder.data(), 2});
+  return TranslatingErrors({}, [] {
+    std::array<wchar_t, MAX_PATH> folder{};
+    if (::GetSystemWindowsDirectoryW(folder.data(), MAX_PATH) == 0) ThrowLastError();
+    return ToUtf8({folder.data(), 2});
+  });
 }
 
 std::vector<std::string> WindowsFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
   const std::string_view folder = search.folder.empty() ? "." : search.folder;
-  auto names = OfWhatIsThere<std::vector<std::string>>(folder, [&] {
+  auto names = AnswerUnlessMissing<std::vector<std::string>>(folder, [&] {
     DrivePath resolved = ResolveWindowsPath(folder);
     FileHandle found = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess);
     return WindowsDirectory(std::move(found), resolved.Text()).Files();
@@ -103,7 +88,7 @@ std::unique_ptr<Directory> WindowsFileSystem::OpenFolder(std::string_view path) 
 
 std::optional<std::string> WindowsFileSystem::ReadFile(std::string_view path) {
   using Bytes = std::optional<std::string>;
-  return OfWhatIsThere<Bytes>(path, [&] {
+  return AnswerUnlessMissing<Bytes>(path, [&] {
     const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
     if (!place.attributes || place.IsFolder()) return Bytes();
     const FileHandle file(::CreateFileW(SystemPath(place.path).c_str(), GENERIC_READ, kShareAll,

@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include "platform/system_error.h"
 #include "platform/windows/device_names.h"
 #include "platform/windows/folder_entries.h"
 #include "platform/windows/utf16.h"
-#include "platform/windows/win32_error.h"
 
 namespace kvdm {
 namespace {

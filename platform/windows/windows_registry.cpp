@@ -13,10 +13,10 @@
 #include <system_error>
 #include <tuple>
 
+#include "platform/system_error.h"
 #include "platform/windows/ansi.h"
 #include "platform/windows/registry_key.h"
 #include "platform/windows/utf16.h"
-#include "platform/windows/win32_error.h"
 
 namespace kvdm {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/posix/posix_error.h"
+#include "platform/system_error.h"
 
 #include <cerrno>
 #include <string>
@@ -47,11 +47,13 @@ std::int32_t NumberOf(int error) {
 
 void ThrowSystemError(int error) { throw std::system_error(error, std::generic_category()); }
 
+void ThrowLastError() { ThrowSystemError(errno); }
+
 bool MeansMissing(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-RuntimeError PosixError(int error, std::string_view path) {
+RuntimeError SystemErrorAt(std::string_view path, int error) {
   const std::int32_t number = NumberOf(error);
   if (number != kAutomationFailure) return PathError(number, path);
   return {number, {}, std::string(path) + ": " + std::generic_category().message(error)};

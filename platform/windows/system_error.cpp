@@ -1,4 +1,6 @@
-#include "platform/windows/win32_error.h"
+#include "platform/system_error.h"
+
+#include <windows.h>
 
 #include <string>
 
@@ -7,7 +9,7 @@
 namespace kvdm {
 namespace {
 
-std::int32_t NumberOf(DWORD error) {
+std::int32_t NumberOf(int error) {
   switch (error) {
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND:
@@ -59,18 +61,16 @@ std::int32_t NumberOf(DWORD error) {
 
 }  // namespace
 
-void ThrowSystemError(DWORD error) {
-  throw std::system_error(static_cast<int>(error), std::system_category());
-}
+void ThrowSystemError(int error) { throw std::system_error(error, std::system_category()); }
 
-void ThrowLastError() { ThrowSystemError(::GetLastError()); }
+void ThrowLastError() { ThrowSystemError(static_cast<int>(::GetLastError())); }
 
-bool MeansMissing(DWORD error) {
+bool MeansMissing(int error) {
   const std::int32_t number = NumberOf(error);
   return number == kPathNotFound || number == kBadFileName || error == ERROR_DIRECTORY;
 }
 
-RuntimeError Win32Error(DWORD error, std::string_view path) {
+RuntimeError SystemErrorAt(std::string_view path, int error) {
   const std::int32_t number = NumberOf(error);
   if (number != kAutomationFailure) return PathError(number, path);
   return {number, {}, std::string(path) + ": system error " + std::to_string(error)};

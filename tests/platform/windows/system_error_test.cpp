@@ -1,13 +1,14 @@
-#include "platform/windows/win32_error.h"
+#include "platform/system_error.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 namespace kvdm {
 namespace {
 
-TEST(Win32ErrorTest, ErrorsHaveTheNumbersThatClientsKnow) {
+TEST(SystemErrorTest, ErrorsHaveTheNumbersThatClientsKnow) {
   const struct {
-    DWORD error;
+    int error;
     int number;
   } rows[] = {
       {ERROR_FILE_NOT_FOUND, kPathNotFound},
@@ -29,21 +30,21 @@ TEST(Win32ErrorTest, ErrorsHaveTheNumbersThatClientsKnow) {
       {ERROR_NOT_ENOUGH_MEMORY, kOutOfMemory},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(Win32Error(row.error, "D:\\x").number(), row.number) << row.error;
+    EXPECT_EQ(SystemErrorAt("D:\\x", row.error).number(), row.number) << row.error;
   }
 }
 
-TEST(Win32ErrorTest, ErrorsNameThePath) {
-  EXPECT_STREQ(Win32Error(ERROR_FILE_NOT_FOUND, R"(D:\x)").what(), R"(Path not found: D:\x)");
+TEST(SystemErrorTest, ErrorsNameThePath) {
+  EXPECT_STREQ(SystemErrorAt(R"(D:\x)", ERROR_FILE_NOT_FOUND).what(), R"(Path not found: D:\x)");
 }
 
-TEST(Win32ErrorTest, AnErrorWithoutAClassicNumberTellsItsCode) {
-  const RuntimeError error = Win32Error(ERROR_CRC, R"(D:\x)");
+TEST(SystemErrorTest, AnErrorWithoutAClassicNumberTellsItsCode) {
+  const RuntimeError error = SystemErrorAt(R"(D:\x)", ERROR_CRC);
   EXPECT_EQ(error.number(), kAutomationFailure);
   EXPECT_STREQ(error.what(), R"(D:\x: system error 23)");
 }
 
-TEST(Win32ErrorTest, SystemErrorsInABodyAreTranslated) {
+TEST(SystemErrorTest, SystemErrorsInABodyAreTranslated) {
   try {
     TranslatingErrors("D:\\x", [] { ThrowSystemError(ERROR_DIR_NOT_EMPTY); });
     FAIL() << "no error";
