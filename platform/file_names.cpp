@@ -4,7 +4,6 @@
 #include <random>
 #include <utility>
 
-#include "platform/letter_case.h"
 #include "platform/utf8.h"
 
 namespace kvdm {
@@ -143,7 +142,7 @@ SearchPattern SplitPattern(std::string_view pattern) {
   std::size_t name = separator == std::string_view::npos ? 0 : separator + 1;
   if (name == 0 && StartsWithDrive(pattern)) name = 2;
   const std::string_view last = pattern.substr(name);
-  return {pattern.substr(0, name), last.empty() ? "*" : last};
+  return {name == 0 ? "." : pattern.substr(0, name), last.empty() ? "*" : last};
 }
 
 bool IsCreatableName(std::string_view name) {
@@ -156,6 +155,10 @@ bool IsCreatableName(std::string_view name) {
 
 std::string_view TrimmedName(std::string_view name) {
   return name.substr(0, name.find_last_not_of(" .") + 1);
+}
+
+std::string PathIn(std::string_view folder, std::string_view name) {
+  return std::string(folder).append(folder.ends_with('\\') ? "" : "\\").append(name);
 }
 
 bool SameName(std::string_view a, std::string_view b) { return Folded(a) == Folded(b); }

@@ -1,4 +1,4 @@
-// The rules for names and paths of files, as text. The file systems share them.
+// Names, paths and attributes of files, as all file systems understand them.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,14 @@
 #include <kvdm/platform/error.h>
 
 namespace kvdm {
+
+// The attributes of files and folders. Combined with `|`, as the attribute numbers of files are.
+enum FileAttribute : unsigned {
+  kReadOnlyAttribute = 1,
+  kHiddenAttribute = 2,
+  kSystemAttribute = 4,
+  kFolderAttribute = 16,
+};
 
 // Where a path starts.
 enum class PathStart {
@@ -45,7 +53,7 @@ struct DrivePath {
 
 // A search pattern as the folder path in front and the name pattern; "*" when it has none.
 struct SearchPattern {
-  std::string_view folder;  // "" for the current folder.
+  std::string_view folder;  // "." for the current folder.
   std::string_view name;
 };
 [[nodiscard]] SearchPattern SplitPattern(std::string_view pattern);
@@ -56,6 +64,13 @@ struct SearchPattern {
 
 // `name` without trailing blanks and dots.
 [[nodiscard]] std::string_view TrimmedName(std::string_view name);
+
+// The path of `name` in a folder.
+[[nodiscard]] std::string PathIn(std::string_view folder, std::string_view name);
+
+// `unit`, a UTF-16 unit, in upper case as file names are compared; itself when it has no other
+// case. Each operating system brings its own table.
+[[nodiscard]] char16_t UpperCase(char16_t unit);
 
 // Whether two names or paths are equal without regard to letter case.
 [[nodiscard]] bool SameName(std::string_view a, std::string_view b);

@@ -1,6 +1,7 @@
-// UTF-8 text, code point by code point.
+// UTF-8 text, code point by code point, and from other encodings.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,12 @@ CodePoint TakeCodePoint(std::string_view& rest);
 void AppendUtf8(char32_t code_point, std::string& text);
 
 [[nodiscard]] bool IsValidUtf8(std::string_view text);
+
+// The UTF-8 form of `bytes` in `encoding`, such as "windows-1252"; letter case doesn't matter.
+// Nothing when the encoding is unknown or doesn't fit the bytes. The operating system brings the
+// encodings.
+[[nodiscard]] std::optional<std::string> Utf8From(std::string_view encoding,
+                                                  std::string_view bytes);
 
 // The number of UTF-16 units that `text` has, as the component's clients count lengths.
 [[nodiscard]] std::size_t Utf16Length(std::string_view text);

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "platform/file_attributes.h"
 #include "platform/file_names.h"
 
 namespace kvdm {

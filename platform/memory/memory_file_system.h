@@ -10,7 +10,6 @@
 
 #include <kvdm/platform/file_system.h>
 
-#include "platform/file_attributes.h"
 #include "platform/file_names.h"
 #include "platform/memory/memory_node.h"
 

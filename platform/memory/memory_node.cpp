@@ -1,6 +1,6 @@
 #include "platform/memory/memory_node.h"
 
-#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 
 namespace kvdm {
 

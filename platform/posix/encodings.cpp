@@ -1,11 +1,11 @@
-#include "platform/encodings.h"
-
 #include <iconv.h>
 
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <memory>
+
+#include "platform/utf8.h"
 
 namespace kvdm {
 namespace {

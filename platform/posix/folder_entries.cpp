@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/file_attributes.h"
 #include "platform/file_names.h"
 #include "platform/posix/dos_attributes.h"
 #include "platform/system_error.h"

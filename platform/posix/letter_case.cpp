@@ -1,6 +1,6 @@
-#include "platform/letter_case.h"
-
 #include <utf8proc.h>
+
+#include "platform/file_names.h"
 
 namespace kvdm {
 

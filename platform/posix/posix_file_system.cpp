@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/file_attributes.h"
 #include "platform/file_names.h"
 #include "platform/posix/dos_attributes.h"
 #include "platform/posix/folder_entries.h"

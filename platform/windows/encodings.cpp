@@ -1,5 +1,3 @@
-#include "platform/encodings.h"
-
 #include <windows.h>
 
 #include <algorithm>

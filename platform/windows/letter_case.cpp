@@ -1,6 +1,6 @@
-#include "platform/letter_case.h"
-
 #include <windows.h>
+
+#include "platform/file_names.h"
 
 namespace kvdm {
 

@@ -1,6 +1,5 @@
 #include "platform/xml/xml_input.h"
 
-#include "platform/encodings.h"
 #include "platform/utf8.h"
 #include "platform/xml/attribute_scan.h"
 #include "platform/xml/declaration.h"

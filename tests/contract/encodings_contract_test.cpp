@@ -1,7 +1,7 @@
 // What every system's encodings do.
 #include <gtest/gtest.h>
 
-#include "platform/encodings.h"
+#include "platform/utf8.h"
 
 namespace kvdm {
 namespace {

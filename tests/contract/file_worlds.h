@@ -8,7 +8,7 @@
 
 #include <kvdm/platform/file_system.h>
 
-#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 
 namespace kvdm {
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 #include "platform/memory/failing_file_system.h"
 #include "tests/test_world.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 
 namespace kvdm {
 namespace {

@@ -65,10 +65,10 @@ TEST(FileNamesTest, PatternsSplitAfterTheFolder) {
       {"/a/tmp", "/a/", "tmp"},
       {R"(\tmp)", R"(\)", "tmp"},
       {"D:tmp", "D:", "tmp"},
-      {"tmp.*", "", "tmp.*"},
+      {"tmp.*", ".", "tmp.*"},
       {R"(D:\a\)", R"(D:\a\)", "*"},
       {"D:", "D:", "*"},
-      {"", "", "*"},
+      {"", ".", "*"},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(SplitPattern(row.pattern).folder, row.folder) << row.pattern;

@@ -3,7 +3,7 @@
 
 #include <kvdm/platform/error.h>
 
-#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 #include "platform/memory/failing_file_system.h"
 #include "platform/memory/failing_services.h"
 #include "studyarea/kv_tables_manager.h"

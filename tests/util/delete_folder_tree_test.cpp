@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 #include "platform/memory/failing_file_system.h"
 #include "platform/memory/memory_file_system.h"
 #include "util/kvdm_utils.h"

@@ -1,7 +1,7 @@
 // UniqueFileName on the file system in memory.
 #include <gtest/gtest.h>
 
-#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 #include "platform/memory/failing_file_system.h"
 #include "platform/memory/memory_file_system.h"
 #include "tests/throws_number.h"
