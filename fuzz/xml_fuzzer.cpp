@@ -5,25 +5,25 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/posix/libxml_parser.h"
 #include "platform/xml/document.h"
 #include "platform/xml/namespace_check.h"
 #include "platform/xml/pieces.h"
+#include "platform/xml_parser.h"
 #include "tests/xml_notes.h"
 
 namespace kvdm::xml {
 namespace {
 
 void CheckSavedForm(const Document& document) {
-  LibxmlParser parser;
+  const auto parser = MakeXmlParser();
   Document again;
   const std::string saved = document.Xml();
-  if (!again.LoadXml(parser, saved) || again.Xml() != saved) std::abort();
+  if (!again.LoadXml(*parser, saved) || again.Xml() != saved) std::abort();
 }
 
 void CheckPieces(std::string_view text) {
   XmlNotes parsed;
-  if (!LibxmlParser().Parse(text, XmlEncoding::kUtf8, parsed)) return;
+  if (!MakeXmlParser()->Parse(text, XmlEncoding::kUtf8, parsed)) return;
   constexpr std::string_view kMark = "\xEF\xBB\xBF";
   const std::string lines = WithLineFeeds(text.substr(text.starts_with(kMark) ? kMark.size() : 0));
   XmlNotes read;
@@ -37,8 +37,8 @@ void CheckPieces(std::string_view text) {
 
 void kvdm::fuzz::Check(std::string_view bytes) {
   xml::CheckPieces(bytes);
-  LibxmlParser parser;
+  const auto parser = MakeXmlParser();
   xml::Document document;
-  if (document.LoadXml(parser, bytes)) xml::CheckSavedForm(document);
-  if (document.Load(parser, bytes)) xml::CheckSavedForm(document);
+  if (document.LoadXml(*parser, bytes)) xml::CheckSavedForm(document);
+  if (document.Load(*parser, bytes)) xml::CheckSavedForm(document);
 }

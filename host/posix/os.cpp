@@ -12,10 +12,8 @@
 #include <optional>
 #include <system_error>
 
-#include "platform/posix/file_descriptor.h"
-#include "platform/posix/folder_entries.h"
-#include "platform/posix/posix_paths.h"
-#include "platform/posix/replace_file.h"
+#include "platform/posix/files.h"
+#include "platform/posix/posix_file_system.h"
 #include "platform/system_error.h"
 
 namespace kvdm::os {
@@ -64,8 +62,8 @@ std::vector<std::filesystem::path> ListedFiles(const std::filesystem::path& fold
 }
 
 // What is at `name`. It must be a regular file.
-std::optional<EntryFacts> RegularFile(int folder, const std::string& name) {
-  const auto facts = ExamineEntry(folder, name);
+std::optional<FileStatus> RegularFile(int folder, const std::string& name) {
+  const auto facts = StatusOf(folder, name);
   if (facts && facts->is_link) ThrowSystemError(ELOOP);
   if (facts && !facts->is_regular_file) ThrowSystemError(facts->is_folder ? EISDIR : EINVAL);
   return facts;
@@ -120,7 +118,7 @@ bool Replace(const std::filesystem::path& file, std::string_view bytes,
       Naming(file, [&] { return OpenAt(AT_FDCWD, absolute.parent_path(), O_PATH | O_DIRECTORY); });
   const std::string kept = previous.filename();
   Naming(previous, [&] {
-    const auto facts = kept.empty() ? std::nullopt : ExamineEntry(folder.get(), kept);
+    const auto facts = kept.empty() ? std::nullopt : StatusOf(folder.get(), kept);
     if (facts && facts->is_folder) ThrowSystemError(EISDIR);
   });
   return Naming(file, [&] {
@@ -131,7 +129,7 @@ bool Replace(const std::filesystem::path& file, std::string_view bytes,
 }
 
 bool IsReadOnly(const std::filesystem::path& file) {
-  const auto facts = Naming(file, [&] { return ExamineEntry(AT_FDCWD, file); });
+  const auto facts = Naming(file, [&] { return StatusOf(AT_FDCWD, file); });
   return facts && facts->is_read_only;
 }
 
@@ -155,7 +153,7 @@ std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
     std::vector<std::string> names = EntryNames(folder.get());
     std::erase_if(names, [&](const std::string& name) {
       if (!name.starts_with(prefix)) return true;
-      const auto facts = ExamineEntry(folder.get(), name);
+      const auto facts = StatusOf(folder.get(), name);
       return !facts || !facts->is_folder;
     });
     return names;
@@ -167,7 +165,7 @@ void MoveFolder(const Drives& drives, std::string_view from, std::string_view to
   const PosixPlace source = paths.PlaceOf(from, EBUSY);
   const PosixPlace target = paths.PlaceOf(to, EBUSY);
   const std::string name = source.entry.value_or(source.name);
-  const auto facts = ExamineEntry(source.folder.get(), name);
+  const auto facts = StatusOf(source.folder.get(), name);
   if (!facts || !facts->is_folder) ThrowSystemError(ENOTDIR);
   if (::renameat(source.folder.get(), name.c_str(), target.folder.get(), target.name.c_str()) !=
       0) {

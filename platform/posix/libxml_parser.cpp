@@ -1,5 +1,4 @@
-#include "platform/posix/libxml_parser.h"
-
+// XML parser of libxml2, as a stream of events.
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
@@ -11,6 +10,7 @@
 
 #include "platform/xml/limits.h"
 #include "platform/xml/xml_input.h"
+#include "platform/xml_parser.h"
 
 namespace kvdm {
 namespace {
@@ -185,15 +185,21 @@ void Run::OnError(void* user_data, xmlErrorPtr error) {
   run.context_->disableSAX = 1;
 }
 
-}  // namespace
+// Besides what XmlParser promises, refuses without reading on: texts larger than documents get,
+// elements within elements deeper, and attributes of one element more, than documents have. Keeps
+// no state and changes none of the process.
+class LibxmlParser final : public XmlParser {
+ public:
+  bool Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) override {
+    return ParseDecoded(text, encoding, [&handler](std::string_view utf8) {
+      const Context context(xmlNewParserCtxt());
+      if (!context) FailForMemory();
+      return Run(context.get(), handler).Parse(utf8);
+    });
+  }
+};
 
-bool LibxmlParser::Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) {
-  return ParseDecoded(text, encoding, [&handler](std::string_view utf8) {
-    const Context context(xmlNewParserCtxt());
-    if (!context) FailForMemory();
-    return Run(context.get(), handler).Parse(utf8);
-  });
-}
+}  // namespace
 
 std::shared_ptr<XmlParser> MakeXmlParser() { return std::make_shared<LibxmlParser>(); }
 

@@ -5,17 +5,169 @@
 
 #include <cerrno>
 #include <utility>
+#include <vector>
 
-#include "platform/file_names.h"
-#include "platform/posix/dos_attributes.h"
-#include "platform/posix/folder_entries.h"
-#include "platform/posix/posix_directory.h"
-#include "platform/posix/replace_file.h"
 #include "platform/system_error.h"
 #include "platform/xml/limits.h"
 
 namespace kvdm {
 namespace {
+
+// The folders of one way down that are kept open.
+constexpr std::size_t kMostOpen = 64;
+
+// What is in a folder and is seen and `chosen`, by name in the order of a listing.
+template <class Chosen>
+std::vector<std::pair<std::string, FileIdentity>> SeenEntries(int folder, Chosen chosen) {
+  std::vector<std::pair<std::string, FileIdentity>> entries;
+  for (std::string& name : EntryNames(folder)) {
+    const auto status = StatusOf(folder, name);
+    if (status && status->is_seen && chosen(*status)) {
+      entries.emplace_back(std::move(name), status->identity);
+    }
+  }
+  return entries;
+}
+
+template <class Chosen>
+std::vector<std::string> NamesOf(int folder, Chosen chosen) {
+  std::vector<std::string> names;
+  for (auto& [name, identity] : SeenEntries(folder, chosen)) names.push_back(std::move(name));
+  return names;
+}
+
+// Removes a folder, unless there is something in it.
+bool WasEmpty(int folder, const std::string& name) {
+  if (::unlinkat(folder, name.c_str(), AT_REMOVEDIR) == 0) return true;
+  if (errno != ENOTEMPTY && errno != EEXIST) ThrowLastError();
+  return false;
+}
+
+// An open folder of the system. On a long way down it keeps only the first folders and the last one
+// open; the others are opened again on the way back, from the one inside.
+class PosixDirectory final : public Directory {
+ public:
+  // `path` is what errors name.
+  PosixDirectory(FileDescriptor folder, std::string path);
+
+  std::vector<std::string> Files() override;
+  std::vector<std::string> Entries() override;
+  void DeleteFiles() override;
+  void Enter(std::string_view name) override;
+  void Leave() override;
+  // What replacements of files that were broken off left in the folder does not keep it.
+  void RemoveFolder(std::string_view name) override;
+
+ private:
+  struct Level {
+    FileDescriptor folder;
+    FileIdentity identity;
+    std::size_t path_length;
+    std::map<std::string, FileIdentity> known;  // What was listed or entered, by name.
+  };
+
+  [[nodiscard]] int Here() const { return way_.back().folder.get(); }
+  [[nodiscard]] std::string PathOf(std::string_view name) const { return PathIn(path_, name); }
+  // The real name of an entry. Throws std::system_error ENOENT when it is missing.
+  [[nodiscard]] std::string RealName(std::string_view name) const;
+  // Throws std::system_error ENOTDIR unless `found` is what is known by this name, if anything.
+  void RequireKnown(const std::string& name, const FileIdentity& found) const;
+  [[nodiscard]] std::vector<std::string> DeletableFiles() const;
+
+  std::vector<Level> way_;  // The last one is where it is.
+  std::string path_;
+};
+
+PosixDirectory::PosixDirectory(FileDescriptor folder, std::string path) : path_(std::move(path)) {
+  const FileIdentity identity = IdentityOf(folder.get());
+  way_.push_back({std::move(folder), identity, path_.size(), {}});
+}
+
+std::vector<std::string> PosixDirectory::Files() {
+  return TranslatingErrors(path_, [&] {
+    return NamesOf(Here(), [](const FileStatus& status) { return !status.is_folder; });
+  });
+}
+
+std::vector<std::string> PosixDirectory::Entries() {
+  return TranslatingErrors(path_, [&] {
+    std::vector<std::string> names;
+    auto& known = way_.back().known;
+    known.clear();
+    for (auto& [name, identity] : SeenEntries(Here(), [](const FileStatus&) { return true; })) {
+      known[name] = identity;
+      names.push_back(std::move(name));
+    }
+    return names;
+  });
+}
+
+void PosixDirectory::DeleteFiles() {
+  const std::vector<std::string> names = DeletableFiles();
+  if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
+  for (const std::string& name : names) {
+    const bool gone = ::unlinkat(Here(), name.c_str(), 0) == 0 || errno == ENOENT;
+    if (!gone) throw SystemErrorAt(PathOf(name), errno);
+  }
+}
+
+void PosixDirectory::Enter(std::string_view name) {
+  TranslatingErrors(PathOf(name), [&] {
+    const std::string real_name = RealName(name);
+    FileDescriptor inside = OpenFolderIn(Here(), real_name);
+    const FileIdentity identity = IdentityOf(inside.get());
+    RequireKnown(real_name, identity);
+    way_.back().known[real_name] = identity;
+    if (way_.size() >= kMostOpen) way_.back().folder = FileDescriptor(-1);
+    path_ = PathOf(real_name);
+    way_.push_back({std::move(inside), identity, path_.size(), {}});
+  });
+}
+
+void PosixDirectory::Leave() {
+  TranslatingErrors(path_, [&] {
+    const Level inside = std::move(way_.back());
+    way_.pop_back();
+    path_.resize(way_.back().path_length);
+    if (Here() >= 0) return;
+    FileDescriptor around = OpenAt(inside.folder.get(), "..", O_RDONLY | O_DIRECTORY);
+    if (IdentityOf(around.get()) != way_.back().identity) ThrowSystemError(ENOENT);
+    way_.back().folder = std::move(around);
+  });
+}
+
+void PosixDirectory::RemoveFolder(std::string_view name) {
+  TranslatingErrors(PathOf(name), [&] {
+    const std::string real_name = RealName(name);
+    const auto status = StatusOf(Here(), real_name);
+    if (!status) ThrowSystemError(ENOENT);
+    RequireKnown(real_name, status->identity);
+    if (!WasEmpty(Here(), real_name)) {
+      DeleteStaleTemporaryFiles(OpenFolderIn(Here(), real_name).get());
+      if (!WasEmpty(Here(), real_name)) ThrowSystemError(ENOTEMPTY);
+    }
+    way_.back().known.erase(real_name);
+  });
+}
+
+std::string PosixDirectory::RealName(std::string_view name) const {
+  auto entry = FindEntry(Here(), name, FindSameName);
+  if (!entry) ThrowSystemError(ENOENT);
+  return *std::move(entry);
+}
+
+void PosixDirectory::RequireKnown(const std::string& name, const FileIdentity& found) const {
+  const auto& known = way_.back().known;
+  const auto entry = known.find(name);
+  if (entry != known.end() && entry->second != found) ThrowSystemError(ENOTDIR);
+}
+
+std::vector<std::string> PosixDirectory::DeletableFiles() const {
+  return TranslatingErrors(path_, [&] {
+    return NamesOf(
+        Here(), [](const FileStatus& status) { return !status.is_folder && !status.is_read_only; });
+  });
+}
 
 FileDescriptor Readable(const FileDescriptor& folder) {
   return OpenAt(folder.get(), ".", O_RDONLY | O_DIRECTORY);
@@ -33,14 +185,28 @@ std::optional<std::string> ReadRegularFile(int folder, const std::string& name) 
   return ReadAll(file.get(), xml::kMaxInputBytes + 1);
 }
 
-void RequireReplaceable(const EntryFacts& old, std::string_view path) {
+void RequireReplaceable(const FileStatus& old, std::string_view path) {
   if (!old.is_regular_file && !old.is_link) throw PathError(kPathFileAccess, path);
   if (old.is_read_only) throw PathError(kPermissionDenied, path);
 }
 
-}  // namespace
+class PosixFileSystem final : public FileSystem {
+ public:
+  explicit PosixFileSystem(const PosixFileOptions& options) : paths_(options) {}
 
-PosixFileSystem::PosixFileSystem(const PosixFileOptions& options) : paths_(options) {}
+  bool FolderExists(std::string_view path) override;
+  void CreateFolder(std::string_view path) override;
+  std::string FullPath(std::string_view path) override;
+  void HideFolder(std::string_view path) override;
+  std::string SystemDrive() override;
+  std::vector<std::string> FindFiles(std::string_view pattern) override;
+  std::unique_ptr<Directory> OpenFolder(std::string_view path) override;
+  std::optional<std::string> ReadFile(std::string_view path) override;
+  void WriteFile(std::string_view path, std::string_view bytes) override;
+
+ private:
+  PosixPaths paths_;
+};
 
 bool PosixFileSystem::FolderExists(std::string_view path) {
   try {
@@ -81,16 +247,15 @@ std::string PosixFileSystem::SystemDrive() { return "C:"; }
 
 std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
-  const std::string_view path = search.folder.empty() ? "." : search.folder;
   const bool wants_dots = search.name.starts_with('.');
-  return AnswerUnlessMissing<std::vector<std::string>>(path, [&] {
-    DrivePath resolved = PosixPaths::Resolve(path);
+  return AnswerUnlessMissing<std::vector<std::string>>(search.folder, [&] {
+    DrivePath resolved = PosixPaths::Resolve(search.folder);
     const FileDescriptor folder = paths_.Open(resolved, ENOENT);
     std::vector<std::string> names = EntryNames(folder.get());
     std::erase_if(names, [&](const std::string& name) {
       if (!MatchesPattern(name, search.name)) return true;
-      const auto facts = ExamineEntry(folder.get(), name);
-      return !facts || facts->is_folder || !(facts->is_seen || (wants_dots && facts->has_dot));
+      const auto status = StatusOf(folder.get(), name);
+      return !status || status->is_folder || !(status->is_seen || (wants_dots && status->has_dot));
     });
     return names;
   });
@@ -117,10 +282,16 @@ void PosixFileSystem::WriteFile(std::string_view path, std::string_view bytes) {
     const PosixPlace place = paths_.PlaceOf(path, EISDIR);
     if (!place.entry && !IsCreatableName(place.name)) throw PathError(kBadFileName, path);
     const std::string name = place.entry.value_or(place.name);
-    const auto old = ExamineEntry(place.folder.get(), name);
+    const auto old = StatusOf(place.folder.get(), name);
     if (old) RequireReplaceable(*old, path);
     ReplaceFile(place.folder.get(), name, bytes, old);
   });
+}
+
+}  // namespace
+
+std::shared_ptr<FileSystem> MakePosixFileSystem(const PosixFileOptions& options) {
+  return std::make_shared<PosixFileSystem>(options);
 }
 
 }  // namespace kvdm

@@ -1,17 +1,24 @@
-// Folders and files of a POSIX system, by the component's paths.
+// The file system of POSIX, by the component's paths: drives are folders.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <kvdm/platform/file_system.h>
 
-#include "platform/posix/posix_paths.h"
+#include "platform/file_names.h"
+#include "platform/posix/files.h"
 
 namespace kvdm {
+
+// The folders that stand for drives, by capital letter. Z: is always "/"; C: is "kvdm/drive_c" in
+// the user's data folder unless it is given here. Other letters that are not given are missing.
+struct PosixFileOptions {
+  std::map<char, std::string> drives;
+};
 
 // A drive is a folder (PosixFileOptions); a POSIX path such as "/home/x" works too and has the full
 // path "Z:\home\x". Links in a path are followed; as the last name, a link is what FindFiles lists
@@ -20,22 +27,40 @@ namespace kvdm {
 // Hidden and system attributes are those of the extended attribute "user.DOSATTRIB", and a name
 // with a leading dot is hidden, but for FindFiles with a pattern that has one too. A file without
 // any write permission is read-only; WriteFile refuses to replace it (70).
-class PosixFileSystem : public FileSystem {
- public:
-  explicit PosixFileSystem(const PosixFileOptions& options = {});
+[[nodiscard]] std::shared_ptr<FileSystem> MakePosixFileSystem(const PosixFileOptions& options = {});
 
-  bool FolderExists(std::string_view path) override;
-  void CreateFolder(std::string_view path) override;
-  std::string FullPath(std::string_view path) override;
-  void HideFolder(std::string_view path) override;
-  std::string SystemDrive() override;
-  std::vector<std::string> FindFiles(std::string_view pattern) override;
-  std::unique_ptr<Directory> OpenFolder(std::string_view path) override;
-  std::optional<std::string> ReadFile(std::string_view path) override;
-  void WriteFile(std::string_view path, std::string_view bytes) override;
+// The place for a file or folder: its parent folder, open, and a name in it.
+struct PosixPlace {
+  FileDescriptor folder;
+  std::string name;                  // As given.
+  std::optional<std::string> entry;  // The name of what is there, if anything.
+};
+
+// Finds places and folders. Links on the way are followed. Errors are std::system_error: ENOENT for
+// whatever is missing or starts nowhere.
+class PosixPaths {
+ public:
+  explicit PosixPaths(const PosixFileOptions& options);
+
+  // The drive and the names that `path` means. "/x" and "\x" are on Z:, as the process's current
+  // folder is.
+  [[nodiscard]] static DrivePath Resolve(std::string_view path);
+
+  // Opens a folder, not for listing, and puts the real names on the way, found by `find`, into
+  // `path`. Throws `no_folder` (an errno value) when the path leads to a file.
+  [[nodiscard]] FileDescriptor Open(DrivePath& path, int no_folder,
+                                    NameFinder find = FindName) const;
+
+  // Throws `root_error` (an errno value) for the root of a drive.
+  [[nodiscard]] PosixPlace PlaceOf(std::string_view path, int root_error) const;
 
  private:
-  PosixPaths paths_;
+  [[nodiscard]] FileDescriptor OpenRoot(char drive) const;
+
+  std::map<char, std::string> drives_;
 };
+
+// $XDG_DATA_HOME when it is an absolute path, else .local/share in the home folder.
+[[nodiscard]] std::string UserDataFolder();
 
 }  // namespace kvdm

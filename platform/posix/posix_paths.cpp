@@ -1,15 +1,17 @@
-#include "platform/posix/posix_paths.h"
-
+// Paths of the component, and the folders of the system that they lead to.
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
-#include "platform/posix/folder_entries.h"
-#include "platform/posix/user_folders.h"
+#include "platform/posix/posix_file_system.h"
 #include "platform/system_error.h"
 
 namespace kvdm {
@@ -32,6 +34,16 @@ bool IsFolder(int parent, const std::string& name) {
   if (::fstatat(parent, name.c_str(), &status, 0) == 0) return S_ISDIR(status.st_mode);
   if (MeansMissing(errno)) return false;
   ThrowLastError();
+}
+
+std::string HomeFolder() {
+  const char* home = std::getenv("HOME");
+  if (home != nullptr && *home != '\0') return home;
+  std::array<char, 4096> buffer{};
+  passwd entry{};
+  passwd* found = nullptr;
+  getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
+  return found == nullptr ? "" : found->pw_dir;
 }
 
 }  // namespace
@@ -84,6 +96,12 @@ FileDescriptor PosixPaths::OpenRoot(char drive) const {
     std::filesystem::create_directories(found->second, ignored);
   }
   return OpenAt(AT_FDCWD, found->second, O_PATH | O_DIRECTORY);
+}
+
+std::string UserDataFolder() {
+  const char* chosen = std::getenv("XDG_DATA_HOME");
+  if (chosen != nullptr && *chosen == '/') return chosen;
+  return HomeFolder() + "/.local/share";
 }
 
 }  // namespace kvdm

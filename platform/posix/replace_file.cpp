@@ -1,16 +1,16 @@
-#include "platform/posix/replace_file.h"
-
+// Replacement of files as a whole, and the temporary files that it leaves behind when it is killed.
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <tuple>
 
-#include "platform/file_names.h"
-#include "platform/posix/dos_attributes.h"
+#include "platform/posix/files.h"
 #include "platform/system_error.h"
 
 namespace kvdm {
@@ -22,7 +22,7 @@ constexpr mode_t kNewFilePermissions = 0666;
 class TemporaryFile {
  public:
   // For the place of `old`, which nobody may read meanwhile who may not read that.
-  TemporaryFile(int folder, const std::optional<EntryFacts>& old) : folder_(folder), file_(-1) {
+  TemporaryFile(int folder, const std::optional<FileStatus>& old) : folder_(folder), file_(-1) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     const mode_t permissions = old ? old->permissions & S_IRWXU : kNewFilePermissions;
     do {
@@ -60,7 +60,7 @@ class TemporaryFile {
  private:
   // The owner, or else the group, stays where this process may give the file away. Where the file
   // system has no permissions or attributes of its own, the content is still saved.
-  void KeepProperties(const EntryFacts& old) {
+  void KeepProperties(const FileStatus& old) {
     constexpr auto kAnyOwner = static_cast<uid_t>(-1);
     if (::fchown(file_.get(), old.owner, old.group) != 0) {
       std::ignore = ::fchown(file_.get(), kAnyOwner, old.group);
@@ -75,12 +75,12 @@ class TemporaryFile {
   bool moved_ = false;
 };
 
-// Where files can't have two names, a copy does.
-void KeepAs(int folder, const std::string& name, const EntryFacts& facts,
-            const std::string& second) {
+// Gives a file a second name; where files can't have two, a copy does.
+void LinkOrCopy(int folder, const std::string& name, const FileStatus& status,
+                const std::string& second) {
   const std::string link = TemporaryFileName();
   if (::linkat(folder, name.c_str(), folder, link.c_str(), 0) != 0) {
-    TemporaryFile copy(folder, facts);
+    TemporaryFile copy(folder, status);
     copy.Write(ReadAll(OpenAt(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK).get()));
     return copy.MoveTo(second);
   }
@@ -99,6 +99,46 @@ bool SyncFolder(int folder) {
   return ::fsync(readable.get()) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
+constexpr std::string_view kDigits = "0123456789";
+
+bool IsOf(std::string_view text, std::string_view characters) {
+  return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
+}
+
+// What makes a temporary file's name its own: ".kvdm-" stands before it and ".tmp" after it.
+std::optional<std::string_view> OwnPart(std::string_view name) {
+  constexpr std::string_view kBefore = ".kvdm-";
+  constexpr std::string_view kAfter = ".tmp";
+  if (!name.starts_with(kBefore) || !name.ends_with(kAfter)) return std::nullopt;
+  name.remove_prefix(kBefore.size());
+  name.remove_suffix(std::min(kAfter.size(), name.size()));
+  return name;
+}
+
+// Whether the process with this number is there; a number too large is nobody's.
+bool Runs(std::string_view process) {
+  pid_t number = 0;
+  const auto read = std::from_chars(process.begin(), process.end(), number);
+  return read.ec == std::errc() && (::kill(number, 0) == 0 || errno != ESRCH);
+}
+
+// Whether nobody writes a temporary file any more. A name is the writing process and a count, or 16
+// digits of chance; then the writer has a lock.
+bool IsStale(int folder, const std::string& name) {
+  const auto own = OwnPart(name);
+  if (!own) return false;
+  const std::size_t dash = own->find('-');
+  if (dash != std::string_view::npos) {
+    const auto process = own->substr(0, dash);
+    return IsOf(process, kDigits) && IsOf(own->substr(dash + 1), kDigits) && !Runs(process);
+  }
+  constexpr std::size_t kChanceDigits = 16;
+  if (own->size() != kChanceDigits || !IsOf(*own, "0123456789abcdef")) return false;
+  const FileDescriptor file(
+      ::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  return file.get() >= 0 && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
 }  // namespace
 
 std::string ReadAll(int file, std::size_t most) {
@@ -115,13 +155,22 @@ std::string ReadAll(int file, std::size_t most) {
 }
 
 bool ReplaceFile(int folder, const std::string& name, std::string_view bytes,
-                 const std::optional<EntryFacts>& old, const std::string& previous) {
+                 const std::optional<FileStatus>& old, const std::string& previous) {
   const auto kept = old && !old->is_link ? old : std::nullopt;
   TemporaryFile temporary(folder, kept);
   temporary.Write(bytes);
-  if (kept && !previous.empty()) KeepAs(folder, name, *kept, previous);
+  if (kept && !previous.empty()) LinkOrCopy(folder, name, *kept, previous);
   temporary.MoveTo(name);
   return SyncFolder(folder);
+}
+
+void DeleteStaleTemporaryFiles(int folder) {
+  for (const std::string& name : EntryNames(folder)) {
+    const auto status = StatusOf(folder, name);
+    if (status && status->is_regular_file && IsStale(folder, name)) {
+      ::unlinkat(folder, name.c_str(), 0);
+    }
+  }
 }
 
 }  // namespace kvdm

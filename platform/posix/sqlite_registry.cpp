@@ -14,9 +14,9 @@
 
 #include <kvdm/platform/error.h>
 
-#include "platform/posix/file_descriptor.h"
+#include "platform/posix/files.h"
+#include "platform/posix/posix_file_system.h"
 #include "platform/posix/sqlite_database.h"
-#include "platform/posix/user_folders.h"
 #include "platform/system_error.h"
 
 namespace kvdm {

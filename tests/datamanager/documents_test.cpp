@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/memory/memory_platform.h"
-#include "platform/posix/libxml_parser.h"
+#include "platform/xml_parser.h"
 
 namespace kvdm {
 namespace {
@@ -26,8 +26,8 @@ TEST(DocumentsTest, EveryFreshDocumentIsAnother) {
 }
 
 TEST(DocumentsTest, AFreshMetadataDocumentReloadsByteForByte) {
-  LibxmlParser parser;
-  EXPECT_EQ(ParseDocument(parser, kFreshMetadata)->Xml(), kFreshMetadata);
+  const auto parser = MakeXmlParser();
+  EXPECT_EQ(ParseDocument(*parser, kFreshMetadata)->Xml(), kFreshMetadata);
 }
 
 TEST(DocumentsTest, AFreshCatalogueIsAnEmptyCollectionWithoutADeclaration) {
@@ -35,9 +35,9 @@ TEST(DocumentsTest, AFreshCatalogueIsAnEmptyCollectionWithoutADeclaration) {
 }
 
 TEST(DocumentsTest, TextThatDoesNotParseGivesAnEmptyDocument) {
-  LibxmlParser parser;
+  const auto parser = MakeXmlParser();
   for (const std::string text : {"", "text", "<A", "<A></B>", "<A/><B/>"}) {
-    EXPECT_EQ(ParseDocument(parser, text)->DocumentElement(), nullptr) << text;
+    EXPECT_EQ(ParseDocument(*parser, text)->DocumentElement(), nullptr) << text;
   }
 }
 

@@ -262,7 +262,7 @@ int Run(const Options& options) {
   const Paths outside_paths = PathsOn(outside.Path());
   for (int number = 0; number < options.CasesOf(300, 50'000); ++number, ++counts.tried) {
     const TemporaryDrive drive;
-    PosixFileSystem files(drive.Options());
+    const auto files = MakePosixFileSystem(drive.Options());
     Node tree = RandomTree(chance, 3);
     const Target target = RandomTarget(tree, chance);
     Write(drive, tree, "", outside.Path());
@@ -271,7 +271,7 @@ int Run(const Options& options) {
     };
     const Paths before = PathsOn(drive.root());
     const bool expected = ExpectedAnswer(tree, target);
-    const bool answer = DeleteFolderTree(files, target.path);
+    const bool answer = DeleteFolderTree(*files, target.path);
     if (answer != expected) {
       tell("wrong answer", answer ? "True" : "False");
       ++counts.wrong;

@@ -217,8 +217,8 @@ class Swaps {
   Counts counts_;
   Area area_;
   MemoryPlatform memory_;
-  std::shared_ptr<PosixFileSystem> files_ =
-      std::make_shared<PosixFileSystem>(PosixFileOptions{{{'D', (area_.root / "drive").string()}}});
+  std::shared_ptr<FileSystem> files_ =
+      MakePosixFileSystem({{{'D', (area_.root / "drive").string()}}});
   std::unique_ptr<KVDataManager> manager_;
 };
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/libxml_parser.h"
 #include "platform/xml/limits.h"
+#include "platform/xml_parser.h"
 #include "tests/throws_number.h"
 
 namespace kvdm {
@@ -32,10 +32,10 @@ struct CatalogueUpdateTest : testing::Test {
   static bool IsAscii(char32_t character) { return character < 0x80; }
 
   CatalogueUpdate Update(const std::string& base, const std::string& wanted) {
-    return {parser, base, wanted, &IsAscii};
+    return {*parser, base, wanted, &IsAscii};
   }
 
-  LibxmlParser parser;
+  std::shared_ptr<XmlParser> parser = MakeXmlParser();
 };
 
 // A text that is replaced as a whole, or stays as a whole.

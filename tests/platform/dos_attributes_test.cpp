@@ -1,10 +1,8 @@
-#include "platform/posix/dos_attributes.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "platform/file_names.h"
+#include "platform/posix/files.h"
 
 namespace kvdm {
 namespace {

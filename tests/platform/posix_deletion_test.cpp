@@ -47,7 +47,8 @@ class PosixDeletionTest : public ::testing::Test {
   }
 
   TemporaryDrive drive_;
-  PosixFileSystem files_{drive_.Options()};
+  std::shared_ptr<FileSystem> made_ = MakePosixFileSystem(drive_.Options());
+  FileSystem& files_ = *made_;
 };
 
 // --- Links

@@ -38,7 +38,8 @@ int ErrorOf(const std::function<void()>& act) {
 class PosixFileSystemTest : public ::testing::Test {
  protected:
   TemporaryDrive drive_;
-  PosixFileSystem files_{drive_.Options()};
+  std::shared_ptr<FileSystem> made_ = MakePosixFileSystem(drive_.Options());
+  FileSystem& files_ = *made_;
 };
 
 // --- Drives
@@ -54,14 +55,14 @@ TEST_F(PosixFileSystemTest, PathsOfTheSystemAreOnDriveZ) {
 }
 
 TEST_F(PosixFileSystemTest, DriveZIsAlwaysTheRoot) {
-  PosixFileSystem files({{{'Z', drive_.root().string()}}});
-  EXPECT_TRUE(files.FolderExists(R"(Z:\proc)"));
+  const auto files = MakePosixFileSystem({{{'Z', drive_.root().string()}}});
+  EXPECT_TRUE(files->FolderExists(R"(Z:\proc)"));
 }
 
 TEST_F(PosixFileSystemTest, ADriveWhoseFolderIsMissingIsMissing) {
-  PosixFileSystem files({{{'E', drive_.At("missing").string()}}});
-  EXPECT_FALSE(files.FolderExists(R"(E:\)"));
-  EXPECT_EQ(ErrorOf([&] { files.CreateFolder(R"(E:\North)"); }), kPathNotFound);
+  const auto files = MakePosixFileSystem({{{'E', drive_.At("missing").string()}}});
+  EXPECT_FALSE(files->FolderExists(R"(E:\)"));
+  EXPECT_EQ(ErrorOf([&] { files->CreateFolder(R"(E:\North)"); }), kPathNotFound);
   EXPECT_FALSE(drive_.Has("missing"));
 }
 
@@ -75,9 +76,9 @@ TEST_F(PosixFileSystemTest, TheSystemDriveIsInTheDataFolder) {
   const char* old = std::getenv("XDG_DATA_HOME");
   const std::optional<std::string> saved = old == nullptr ? std::nullopt : std::optional(old);
   ::setenv("XDG_DATA_HOME", drive_.root().c_str(), 1);
-  PosixFileSystem files;
+  const auto files = MakePosixFileSystem();
   saved ? ::setenv("XDG_DATA_HOME", saved->c_str(), 1) : ::unsetenv("XDG_DATA_HOME");
-  files.WriteFile(R"(C:\a.xml)", "x");
+  files->WriteFile(R"(C:\a.xml)", "x");
   EXPECT_EQ(drive_.Get("kvdm/drive_c/a.xml"), "x");
 }
 

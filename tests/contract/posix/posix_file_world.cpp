@@ -1,7 +1,6 @@
 // The file system contract on a folder of a POSIX system.
 #include <filesystem>
 
-#include "platform/posix/dos_attributes.h"
 #include "tests/contract/file_worlds.h"
 #include "tests/platform/temporary_drive.h"
 
@@ -10,13 +9,14 @@ namespace {
 
 class PosixFileWorld : public FileWorld {
  public:
-  PosixFileWorld() : start_(std::filesystem::current_path()), files_(drive_.Options()) {}
+  PosixFileWorld()
+      : start_(std::filesystem::current_path()), files_(MakePosixFileSystem(drive_.Options())) {}
   ~PosixFileWorld() override {
     std::error_code ignored;
     std::filesystem::current_path(start_, ignored);
   }
 
-  FileSystem& files() override { return files_; }
+  FileSystem& files() override { return *files_; }
   void SetAttributes(const std::string& path, unsigned attributes) override {
     using std::filesystem::perm_options;
     const auto writing = std::filesystem::perms(0222);
@@ -40,7 +40,7 @@ class PosixFileWorld : public FileWorld {
  private:
   std::filesystem::path start_;
   TemporaryDrive drive_;
-  PosixFileSystem files_;
+  std::shared_ptr<FileSystem> files_;
 };
 
 }  // namespace

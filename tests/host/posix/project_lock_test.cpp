@@ -8,7 +8,7 @@
 
 #include "host/os.h"
 #include "host/project_file.h"
-#include "platform/posix/file_descriptor.h"
+#include "platform/posix/files.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm {

@@ -96,9 +96,9 @@ TEST(DocumentTest, FilesAreReadInTheirDeclaredEncoding) {
        Declared("<A/>\r\n")},
   };
   for (const auto& [bytes, form] : rows) {
-    LibxmlParser parser;
+    const auto parser = MakeXmlParser();
     Document document;
-    EXPECT_TRUE(document.Load(parser, bytes));
+    EXPECT_TRUE(document.Load(*parser, bytes));
     EXPECT_EQ(document.Xml(), form);
   }
 }

@@ -7,14 +7,14 @@
 #include <string>
 #include <string_view>
 
-#include "platform/posix/libxml_parser.h"
 #include "platform/xml/document.h"
+#include "platform/xml_parser.h"
 
 namespace kvdm::xml {
 
 inline bool Load(Document& document, std::string_view text) {
-  LibxmlParser parser;
-  return document.LoadXml(parser, text);
+  const auto parser = MakeXmlParser();
+  return document.LoadXml(*parser, text);
 }
 
 // The root of a document that is gone.

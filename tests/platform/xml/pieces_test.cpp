@@ -23,7 +23,7 @@ std::optional<std::vector<std::string>> PiecesOf(std::string_view text) {
 
 std::vector<std::string> Parsed(std::string_view text) {
   XmlNotes handler;
-  EXPECT_TRUE(LibxmlParser().Parse(text, XmlEncoding::kUtf8, handler)) << text;
+  EXPECT_TRUE(MakeXmlParser()->Parse(text, XmlEncoding::kUtf8, handler)) << text;
   return handler.notes;
 }
 

@@ -1,10 +1,13 @@
+// Text encodings and letter case, by the libraries of the system.
 #include <iconv.h>
+#include <utf8proc.h>
 
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <memory>
 
+#include "platform/file_names.h"
 #include "platform/utf8.h"
 
 namespace kvdm {
@@ -42,6 +45,11 @@ std::optional<std::string> Utf8From(std::string_view encoding, std::string_view 
     text.append(buffer.data(), output);
   }
   return text;
+}
+
+char16_t UpperCase(char16_t unit) {
+  const auto upper = utf8proc_toupper(static_cast<utf8proc_int32_t>(unit));
+  return upper > 0xFFFF ? unit : static_cast<char16_t>(upper);
 }
 
 }  // namespace kvdm
