@@ -1,7 +1,15 @@
+// Ready-made services for hosts that do not bring their own.
+#include <cstdio>
+#include <exception>
 #include <utility>
 
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/portable/callback_sinks.h>
 #include <kvdm/platform/portable/portable_services.h>
+#include <kvdm/platform/portable/properties_host.h>
+#include <kvdm/platform/portable/variant_list.h>
 
+#include "platform/code_page.h"
 #include "platform/portable/value_set.h"
 
 namespace kvdm {
@@ -69,6 +77,12 @@ class PortableSiblings : public Siblings {
   }
 };
 
+void PrintError(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); }
+
+void PrintMessage(std::string_view text, std::string_view caption, MessageStyle /*style*/) {
+  PrintError(std::string(caption) + ": " + std::string(text));
+}
+
 }  // namespace
 
 std::string GuidText(std::array<unsigned char, 16> bytes) {
@@ -91,5 +105,47 @@ std::shared_ptr<GisCore> MakePortableGisCore(GuidSource new_guid) {
 }
 
 std::shared_ptr<Siblings> MakePortableSiblings() { return std::make_shared<PortableSiblings>(); }
+
+CallbackMessageBox::CallbackMessageBox(Callback show, CodePage code_page)
+    : show_(show ? std::move(show) : PrintMessage), code_page_(code_page) {}
+
+void CallbackMessageBox::Show(std::string_view text, std::string_view caption, MessageStyle style) {
+  const auto shown = [this](std::string_view utf8) {
+    return Decode(Encode(utf8, code_page_), code_page_);
+  };
+  show_(shown(text), shown(caption), style);
+}
+
+CallbackLog::CallbackLog(Callback note) : note_(std::move(note)) {}
+
+void CallbackLog::Note(std::string_view line) {
+  if (!note_) return;
+  try {
+    note_(line);
+  } catch (const std::exception& error) {
+    PrintError(std::string(line) + " (not logged: " + error.what() + ")");
+  }
+}
+
+Value PropertySetMap::GetProperty(std::string_view name) {
+  const auto found = properties_.find(name);
+  return found == properties_.end() ? Value() : found->second;
+}
+
+void PropertySetMap::SetProperty(std::string_view name, const Value& value) {
+  properties_.insert_or_assign(std::string(name), value);
+}
+
+PropertiesHost::PropertiesHost()
+    : PropertiesHost(std::make_shared<PropertySetMap>(), std::make_shared<PropertySetMap>()) {}
+
+PropertiesHost::PropertiesHost(std::shared_ptr<HostPropertySet> current_state,
+                               std::shared_ptr<HostPropertySet> settings)
+    : current_state_(std::move(current_state)), settings_(std::move(settings)) {}
+
+Value VariantList::Read() {
+  if (next_ == values_.size()) throw RuntimeError(kInputPastEnd);
+  return values_[next_++];
+}
 
 }  // namespace kvdm
