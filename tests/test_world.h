@@ -11,7 +11,6 @@
 #include <kvdm/platform/portable/variant_list.h>
 
 #include "datamanager/kv_data_manager.h"
-#include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
 
 namespace kvdm {

@@ -3,9 +3,47 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/memory/memory_directory.h"
-
 namespace kvdm {
+
+// A folder, a file or a link. Open folders share their node, so they outlive renaming and removal.
+struct MemoryNode {
+  enum class Kind { kFolder, kFile, kLink };
+
+  Kind kind = Kind::kFolder;
+  unsigned attributes = 0;
+  bool refuses_writes = false;
+  std::string content;
+  std::map<std::string, std::shared_ptr<MemoryNode>, std::less<>> children;
+
+  [[nodiscard]] bool IsFolder() const { return kind == Kind::kFolder; }
+
+  // The names inside, in the order of a listing.
+  [[nodiscard]] std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    names.reserve(children.size());
+    for (const auto& [name, node] : children) names.push_back(name);
+    SortNames(names);
+    return names;
+  }
+
+  // Those that are seen: neither hidden nor system, and without a leading dot unless `with_dots`.
+  [[nodiscard]] std::vector<std::string> SeenNames(bool with_dots = false) const {
+    std::vector<std::string> names = Names();
+    std::erase_if(names, [&](const std::string& name) {
+      const bool has_attribute =
+          (children.at(name)->attributes & (kHiddenAttribute | kSystemAttribute)) != 0;
+      return has_attribute || (name.starts_with('.') && !with_dots);
+    });
+    return names;
+  }
+
+  // The name of the entry that `name` means, by `find`; nothing when there is none.
+  [[nodiscard]] std::optional<std::string> Find(std::string_view name, NameFinder find) const {
+    if (children.contains(name)) return std::string(name);
+    return find(Names(), name);
+  }
+};
+
 namespace {
 
 std::shared_ptr<MemoryNode> NewNode(MemoryNode::Kind kind, std::string_view content = {}) {
@@ -21,6 +59,91 @@ void AppendTree(const MemoryNode& folder, const std::string& prefix,
     tree.push_back(prefix + name + (node->IsFolder() ? "\\" : ""));
     AppendTree(*node, prefix + name + "\\", tree);
   }
+}
+
+// An open folder.
+class MemoryDirectory final : public Directory {
+ public:
+  // `path` is what errors name.
+  MemoryDirectory(std::shared_ptr<MemoryNode> folder, std::string path);
+
+  std::vector<std::string> Files() override;
+  std::vector<std::string> Entries() override;
+  void DeleteFiles() override;
+  void Enter(std::string_view name) override;
+  void Leave() override;
+  void RemoveFolder(std::string_view name) override;
+
+ private:
+  using Nodes = std::map<std::string, std::shared_ptr<MemoryNode>, std::less<>>;
+  struct Level {
+    std::shared_ptr<MemoryNode> folder;
+    Nodes known;  // What was listed or entered, by name.
+    std::string path;
+  };
+
+  [[nodiscard]] MemoryNode& Here() const { return *way_.back().folder; }
+  [[nodiscard]] std::string PathOf(std::string_view name) const {
+    return PathIn(way_.back().path, name);
+  }
+  // A folder inside, by its real name; run-time error 76 or 75.
+  [[nodiscard]] Nodes::const_iterator FolderNamed(std::string_view name) const;
+
+  std::vector<Level> way_;  // The last one is where it is.
+};
+
+MemoryDirectory::MemoryDirectory(std::shared_ptr<MemoryNode> folder, std::string path) {
+  way_.push_back({std::move(folder), {}, std::move(path)});
+}
+
+std::vector<std::string> MemoryDirectory::Files() {
+  std::vector<std::string> names = Here().SeenNames();
+  std::erase_if(names,
+                [&](const std::string& name) { return Here().children.at(name)->IsFolder(); });
+  return names;
+}
+
+std::vector<std::string> MemoryDirectory::Entries() {
+  std::vector<std::string> names = Here().SeenNames();
+  way_.back().known.clear();
+  for (const std::string& name : names) way_.back().known[name] = Here().children.at(name);
+  return names;
+}
+
+void MemoryDirectory::DeleteFiles() {
+  std::vector<std::string> names = Files();
+  std::erase_if(names, [&](const std::string& name) {
+    return (Here().children.at(name)->attributes & kReadOnlyAttribute) != 0;
+  });
+  if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
+  if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(names.front()));
+  for (const std::string& name : names) Here().children.erase(name);
+}
+
+void MemoryDirectory::Enter(std::string_view name) {
+  const auto [real_name, folder] = *FolderNamed(name);
+  way_.back().known[real_name] = folder;
+  way_.push_back({folder, {}, PathOf(real_name)});
+}
+
+void MemoryDirectory::Leave() { way_.pop_back(); }
+
+void MemoryDirectory::RemoveFolder(std::string_view name) {
+  const auto found = FolderNamed(name);
+  if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(name));
+  if (!found->second->children.empty()) throw PathError(kPathFileAccess, PathOf(name));
+  way_.back().known.erase(found->first);
+  Here().children.erase(found);
+}
+
+MemoryDirectory::Nodes::const_iterator MemoryDirectory::FolderNamed(std::string_view name) const {
+  const auto real_name = Here().Find(name, FindSameName);
+  if (!real_name) throw PathError(kPathNotFound, PathOf(name));
+  const auto found = Here().children.find(*real_name);
+  const auto known = way_.back().known.find(*real_name);
+  const bool replaced = known != way_.back().known.end() && known->second != found->second;
+  if (!found->second->IsFolder() || replaced) throw PathError(kPathFileAccess, PathOf(name));
+  return found;
 }
 
 }  // namespace
@@ -57,8 +180,7 @@ std::string MemoryFileSystem::SystemDrive() { return "C:"; }
 
 std::vector<std::string> MemoryFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
-  const std::string_view folder = search.folder.empty() ? "." : search.folder;
-  const auto node = Find(folder);
+  const auto node = Find(search.folder);
   if (node == nullptr || !node->IsFolder()) return {};
   std::vector<std::string> names = node->SeenNames(search.name.starts_with('.'));
   std::erase_if(names, [&](const auto& name) {
@@ -101,17 +223,17 @@ void MemoryFileSystem::AddFolder(std::string_view path) {
   DrivePath folder{resolved->drive, {}};
   for (const std::string& name : resolved->names) {
     folder.names.push_back(name);
-    if (!FolderExists(folder.Text())) AddEntry(folder.Text(), MemoryNode::Kind::kFolder, {});
+    if (!FolderExists(folder.Text())) AddEntry(folder.Text(), NewNode(MemoryNode::Kind::kFolder));
   }
 }
 
 void MemoryFileSystem::AddFile(std::string_view path, std::string_view content) {
   AddFolder(std::string(path) + R"(\..)");
-  AddEntry(path, MemoryNode::Kind::kFile, content);
+  AddEntry(path, NewNode(MemoryNode::Kind::kFile, content));
 }
 
 void MemoryFileSystem::AddLink(std::string_view path) {
-  AddEntry(path, MemoryNode::Kind::kLink, {});
+  AddEntry(path, NewNode(MemoryNode::Kind::kLink));
 }
 
 void MemoryFileSystem::SetAttributes(std::string_view path, unsigned attributes) {
@@ -191,10 +313,9 @@ MemoryFileSystem::Place MemoryFileSystem::PlaceOf(std::string_view path,
   return {parent, name, parent->Find(name, FindName)};
 }
 
-void MemoryFileSystem::AddEntry(std::string_view path, MemoryNode::Kind kind,
-                                std::string_view content) {
+void MemoryFileSystem::AddEntry(std::string_view path, const std::shared_ptr<MemoryNode>& node) {
   const Place place = PlaceOf(path, kPathFileAccess);
-  place.parent->children[place.entry.value_or(place.name)] = NewNode(kind, content);
+  place.parent->children[place.entry.value_or(place.name)] = node;
 }
 
 }  // namespace kvdm

@@ -11,9 +11,10 @@
 #include <kvdm/platform/file_system.h>
 
 #include "platform/file_names.h"
-#include "platform/memory/memory_node.h"
 
 namespace kvdm {
+
+struct MemoryNode;
 
 // Has the empty drives C:, D: and Z:. The current folder is "C:\" at first. A leading dot hides an
 // entry, but from FindFiles with a pattern that has one too.
@@ -72,7 +73,8 @@ class MemoryFileSystem : public FileSystem {
   [[nodiscard]] std::shared_ptr<MemoryNode> ExistingFolder(std::string_view path) const;
   // Run-time error 76 when the parent is missing, `root_error` for a root.
   [[nodiscard]] Place PlaceOf(std::string_view path, std::int32_t root_error) const;
-  void AddEntry(std::string_view path, MemoryNode::Kind kind, std::string_view content);
+  // Creates or replaces an entry in a folder that is there.
+  void AddEntry(std::string_view path, const std::shared_ptr<MemoryNode>& node);
 
   std::map<char, std::shared_ptr<MemoryNode>> drives_;
   DrivePath current_{'C', {}};

@@ -1,9 +1,10 @@
 #include "platform/memory/memory_platform.h"
 
-#include <kvdm/platform/portable/portable_services.h>
+#include <array>
+#include <functional>
 
-#include "platform/memory/failing_file_system.h"
-#include "platform/memory/failing_services.h"
+#include <kvdm/platform/error.h>
+#include <kvdm/platform/portable/portable_services.h>
 
 namespace kvdm {
 namespace {
@@ -22,6 +23,18 @@ std::function<std::string()> SequentialGuids() {
 
 }  // namespace
 
+std::shared_ptr<NamedValueSet> MemoryLayerMetadata::ReadDocument() {
+  return document_ ? std::make_shared<ValueSet>(*document_) : nullptr;
+}
+
+void MemoryLayerMetadata::WriteDocument(const std::shared_ptr<NamedValueSet>& document) {
+  const NamedValueSet::Listing listing = Required(document).ListAll();
+  document_.emplace();
+  for (std::size_t i = 0; i < listing.names.size(); ++i) {
+    document_->AddValue(listing.names[i], listing.values.at(i));
+  }
+}
+
 MemoryPlatform::MemoryPlatform(CodePage code_page)
     : files(std::make_shared<MemoryFileSystem>()),
       registry(std::make_shared<MemoryRegistry>(code_page)),
@@ -34,17 +47,6 @@ MemoryPlatform::MemoryPlatform(CodePage code_page)
 
 Platform MemoryPlatform::Bundle() const {
   return {files, registry, box, xml_parser, clock, gis_core, siblings, log};
-}
-
-Platform Failing(const Platform& platform, const std::shared_ptr<FailureCounter>& counter) {
-  return {std::make_shared<FailingFileSystem>(platform.files, counter),
-          std::make_shared<FailingRegistry>(platform.registry, counter),
-          std::make_shared<FailingMessageBox>(platform.message_box, counter),
-          std::make_shared<FailingXmlParser>(platform.xml_parser, counter),
-          std::make_shared<FailingClock>(platform.clock, counter),
-          std::make_shared<FailingGisCore>(platform.gis_core, counter),
-          std::make_shared<FailingSiblings>(platform.siblings, counter),
-          platform.log};
 }
 
 }  // namespace kvdm

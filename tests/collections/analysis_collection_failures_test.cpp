@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "collections/kv_analysis_collection.h"
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "tests/late_report.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/test_world.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "collections/kv_layer_collections.h"
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "tests/saves.h"
 #include "tests/test_world.h"
 #include "tests/throws_number.h"

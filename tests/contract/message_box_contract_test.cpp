@@ -6,7 +6,7 @@
 
 #include <kvdm/platform/portable/callback_sinks.h>
 
-#include "platform/memory/recording_sinks.h"
+#include "platform/memory/memory_platform.h"
 #include "tests/contract/implementations.h"
 
 namespace kvdm {

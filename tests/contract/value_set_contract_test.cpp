@@ -4,7 +4,6 @@
 
 #include <kvdm/platform/portable/sidecar_metadata.h>
 
-#include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
 #include "tests/contract/implementations.h"
 

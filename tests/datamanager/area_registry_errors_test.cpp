@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "datamanager/area_registry.h"
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "tests/saves.h"
 #include "tests/test_world.h"
 

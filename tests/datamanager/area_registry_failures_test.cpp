@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "datamanager/area_registry.h"
+#include "platform/memory/failing_services.h"
 #include "tests/test_world.h"
 
 namespace kvdm {

@@ -6,6 +6,7 @@
 
 #include <kvdm/platform/portable/portable_services.h>
 
+#include "platform/memory/failing_services.h"
 #include "tests/test_world.h"
 #include "util/registry_strings.h"
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/file_names.h"
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "tests/test_world.h"
 
 namespace kvdm {

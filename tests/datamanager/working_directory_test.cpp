@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "tests/test_world.h"
 #include "util/names.h"
 

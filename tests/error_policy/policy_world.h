@@ -6,7 +6,7 @@
 #include <string>
 
 #include "datamanager/kv_data_manager.h"
-#include "platform/memory/failure_counter.h"
+#include "platform/memory/failing_services.h"
 #include "platform/memory/memory_platform.h"
 
 namespace kvdm {

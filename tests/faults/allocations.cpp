@@ -11,7 +11,7 @@
 
 #include <kvdm/platform/portable/variant_list.h>
 
-#include "platform/memory/memory_layer_metadata.h"
+#include "platform/memory/memory_platform.h"
 #include "tests/error_policy/policy_table.h"
 #include "tests/failing_new.h"
 #include "tests/faults/loop.h"

@@ -5,7 +5,7 @@
 #include <kvdm/platform/portable/variant_list.h>
 
 #include "platform/memory/failing_services.h"
-#include "platform/memory/memory_layer_metadata.h"
+#include "platform/memory/memory_platform.h"
 #include "platform/portable/value_set.h"
 #include "util/registry_strings.h"
 

@@ -4,7 +4,7 @@
 
 #include "items/kv_analysis.h"
 #include "platform/memory/failing_services.h"
-#include "platform/memory/memory_layer_metadata.h"
+#include "platform/memory/memory_platform.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/saves.h"
 #include "tests/test_world.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/memory/failing_services.h"
-#include "platform/memory/memory_layer_metadata.h"
+#include "platform/memory/memory_platform.h"
 #include "studyarea/kv_study_area.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/saves.h"

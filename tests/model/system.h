@@ -9,7 +9,6 @@
 #include <kvdm/datamanager/data_manager.h>
 #include <kvdm/platform/portable/properties_host.h>
 
-#include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/portable/value_set.h"
 #include "tests/model/kinds.h"

@@ -1,10 +1,9 @@
-#include "platform/memory/failing_file_system.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 
+#include "platform/memory/failing_services.h"
 #include "platform/memory/memory_file_system.h"
 
 namespace kvdm {

@@ -7,7 +7,6 @@
 
 #include <kvdm/platform/portable/variant_list.h>
 
-#include "platform/memory/memory_layer_metadata.h"
 #include "platform/memory/memory_platform.h"
 #include "tests/replacing_update.h"
 #include "tests/throws_number.h"

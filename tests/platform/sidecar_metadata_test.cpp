@@ -3,7 +3,7 @@
 
 #include <kvdm/platform/portable/sidecar_metadata.h>
 
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/portable/value_set.h"
 #include "tests/throws_number.h"

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/memory/recording_sinks.h"
+#include "platform/memory/memory_platform.h"
 #include "platform/posix/sqlite_database.h"
 #include "tests/replacing_update.h"
 #include "tests/temp_folder.h"

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "platform/xml/limits.h"
 #include "studyarea/kv_study_area.h"
 #include "tests/platform/xml/parsed.h"

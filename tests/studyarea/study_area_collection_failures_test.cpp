@@ -4,7 +4,7 @@
 
 #include <kvdm/platform/error.h>
 
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "studyarea/kv_study_area_collection.h"
 #include "tests/late_report.h"
 #include "tests/platform/xml/parsed.h"

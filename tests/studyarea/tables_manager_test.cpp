@@ -4,7 +4,6 @@
 #include <kvdm/platform/error.h>
 
 #include "platform/file_names.h"
-#include "platform/memory/failing_file_system.h"
 #include "platform/memory/failing_services.h"
 #include "studyarea/kv_tables_manager.h"
 #include "tests/test_world.h"

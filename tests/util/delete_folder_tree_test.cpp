@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/file_names.h"
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "platform/memory/memory_file_system.h"
 #include "util/kvdm_utils.h"
 

@@ -2,7 +2,7 @@
 
 #include <kvdm/platform/posix/posix_platform.h>
 
-#include "platform/memory/recording_sinks.h"
+#include "platform/memory/memory_platform.h"
 #include "platform/posix/sqlite_registry.h"
 #include "tests/temp_folder.h"
 

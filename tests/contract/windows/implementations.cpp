@@ -1,6 +1,6 @@
 #include "tests/contract/implementations.h"
 
-#include "platform/memory/recording_sinks.h"
+#include "platform/memory/memory_platform.h"
 #include "platform/windows/windows_platform.h"
 #include "platform/windows/windows_registry.h"
 #include "tests/platform/windows/com_environment.h"

@@ -8,7 +8,7 @@
 #include <regex>
 #include <thread>
 
-#include "platform/memory/recording_sinks.h"
+#include "platform/memory/memory_platform.h"
 #include "platform/windows/ansi.h"
 #include "tests/platform/windows/registry_sandbox.h"
 #include "tests/replacing_update.h"
