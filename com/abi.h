@@ -6,10 +6,6 @@
 // an error object. No C++ exception leaves.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oleauto.h>
-
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,7 +22,7 @@
 #include "com/objects.h"
 #include "com/value_arrays.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com::abi {
 

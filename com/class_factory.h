@@ -1,12 +1,8 @@
 // What creates the objects of a class for clients.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <unknwn.h>
-#include <wrl/client.h>
-
 #include "com/classes.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

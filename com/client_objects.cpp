@@ -7,7 +7,6 @@
 #include "com/objects.h"
 #include "com/value_arrays.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
 
 namespace kvdm::com {
 namespace {

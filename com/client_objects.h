@@ -5,15 +5,13 @@
 // hosts too.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <wrl/client.h>
-
 #include <memory>
 #include <utility>
 
 #include <kvdm/platform/gis_core.h>
 #include <kvdm/platform/host.h>
+
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

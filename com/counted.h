@@ -1,13 +1,10 @@
 // Small objects with one interface.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <unknwn.h>
-
 #include <atomic>
 
 #include "com/module.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

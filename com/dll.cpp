@@ -1,12 +1,10 @@
 // What the DLL exports.
-#include <windows.h>
-// Needs the types of the former.
-#include <olectl.h>
 
 #include "com/abi.h"
 #include "com/class_factory.h"
 #include "com/module.h"
 #include "com/registration.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 namespace {

@@ -1,15 +1,11 @@
 #include "com/error_object.h"
 
-// Needs the types of <windows.h>.
-#include <oleauto.h>
-#include <wrl/client.h>
-
 #include <exception>
 
 #include <kvdm/platform/error.h>
 
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 namespace {

@@ -1,7 +1,6 @@
 #include "com/late_arguments.h"
 
-#include "platform/windows/hresult.h"
-#include "platform/windows/late_call.h"
+#include "platform/windows/automation.h"
 
 namespace kvdm::com {
 namespace {

@@ -1,14 +1,10 @@
 // The arguments of a call by name, as the called operation takes them.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <vector>
 
 #include "platform/windows/automation.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

@@ -1,16 +1,12 @@
 #include "com/late_binding.h"
 
-// Needs the types of <windows.h>.
-#include <oleauto.h>
-
 #include <algorithm>
 #include <memory>
 
 #include "com/late_arguments.h"
 #include "com/module.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
-#include "platform/windows/late_call.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 namespace {

@@ -1,15 +1,12 @@
 // Calls by name, described by the type library.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

@@ -1,11 +1,6 @@
 // Clients' objects that are called by name.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -14,7 +9,8 @@
 #include <kvdm/platform/host.h>
 
 #include "com/client_objects.h"
-#include "platform/windows/late_call.h"
+#include "platform/windows/automation.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "platform/windows/hresult.h"
+#include "platform/windows/automation.h"
 
 namespace kvdm::com {
 namespace {

@@ -1,11 +1,6 @@
 // The COM object around an object of the component, and the interfaces it answers.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <atomic>
 #include <memory>
 #include <optional>
@@ -16,6 +11,7 @@
 #include "com/abi.h"
 #include "com/late_binding.h"
 #include "com/module.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

@@ -1,10 +1,6 @@
 // The COM objects that stand for the component's.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <wrl/client.h>
-
 #include <memory>
 #include <typeindex>
 
@@ -14,6 +10,7 @@
 #include <kvdm/platform/siblings.h>
 
 #include "com/classes.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

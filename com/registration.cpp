@@ -1,10 +1,5 @@
 #include "com/registration.h"
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oleauto.h>
-#include <wrl/client.h>
-
 #include <array>
 #include <string>
 #include <vector>
@@ -13,8 +8,8 @@
 #include "com/kvdm.h"
 #include "com/module.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/com_headers.h"
+#include "platform/windows/text.h"
 
 namespace kvdm::com {
 namespace {

@@ -1,12 +1,9 @@
 #include "com/value_arrays.h"
 
-// Needs the types of <windows.h>.
-#include <oleauto.h>
-
 #include <memory>
 
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 namespace {

@@ -1,14 +1,12 @@
 // Lists of values as automation passes them: arrays of VARIANTs, which scripts can read too.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-
 #include <string>
 #include <vector>
 
 #include <kvdm/platform/value.h>
+
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 

@@ -14,7 +14,7 @@
 
 #include "host/failure.h"
 #include "host/os.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
 
 namespace kvdm {
 namespace {

@@ -1,4 +1,6 @@
 // What the host asks of the system about files.
+#include "platform/windows/files.h"
+
 #include <windows.h>
 
 #include <system_error>
@@ -6,10 +8,7 @@
 
 #include "host/os.h"
 #include "platform/system_error.h"
-#include "platform/windows/file_handle.h"
-#include "platform/windows/folder_entries.h"
-#include "platform/windows/save_file.h"
-#include "platform/windows/windows_paths.h"
+#include "platform/windows/windows_file_system.h"
 
 namespace kvdm::os {
 namespace {

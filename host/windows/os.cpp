@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "platform/utf8.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
 
 namespace kvdm::os {
 namespace {

@@ -1,5 +1,9 @@
 #include "platform/windows/automation.h"
 
+#include <dispex.h>
+
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -7,13 +11,47 @@
 #include <new>
 #include <type_traits>
 
-#include <kvdm/platform/error.h>
-
-#include "platform/windows/hresult.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
 
 namespace kvdm {
 namespace {
+
+using Microsoft::WRL::ComPtr;
+
+constexpr std::uint32_t kNumberMask = 0xFFFF;
+// Result codes with this upper half carry a run-time error's number in the lower one.
+constexpr std::uint32_t kNumbered = 0x800A0000;
+
+struct KnownResult {
+  HRESULT result;
+  std::int32_t number;
+};
+
+constexpr std::array kKnownResults = {
+    KnownResult{E_NOTIMPL, kActionNotSupported},
+    KnownResult{E_NOINTERFACE, kInterfaceNotSupported},
+    KnownResult{DISP_E_UNKNOWNNAME, kMemberNotSupported},
+    KnownResult{DISP_E_MEMBERNOTFOUND, kMemberNotSupported},
+    KnownResult{DISP_E_UNKNOWNINTERFACE, kMemberNotSupported},
+    KnownResult{DISP_E_TYPEMISMATCH, kTypeMismatch},
+    KnownResult{TYPE_E_TYPEMISMATCH, kTypeMismatch},
+    KnownResult{DISP_E_OVERFLOW, kOverflow},
+    KnownResult{DISP_E_BADINDEX, kSubscriptOutOfRange},
+    KnownResult{DISP_E_BADPARAMCOUNT, kWrongArgumentCount},
+    KnownResult{E_INVALIDARG, kInvalidCall},
+    KnownResult{E_OUTOFMEMORY, kOutOfMemory},
+    KnownResult{E_ACCESSDENIED, kPermissionDenied},
+    KnownResult{REGDB_E_CLASSNOTREG, kCannotCreateObject},
+    KnownResult{CO_E_CLASSSTRING, kCannotCreateObject},
+};
+
+std::int32_t NumberOf(HRESULT result) {
+  const auto bits = static_cast<std::uint32_t>(result);
+  const std::uint32_t number = bits & kNumberMask;
+  if (number != 0 && bits - number == kNumbered) return static_cast<std::int32_t>(number);
+  const auto* known = std::ranges::find(kKnownResults, result, &KnownResult::result);
+  return known == kKnownResults.end() ? result : known->number;
+}
 
 using std::chrono::days;
 using std::chrono::sys_days;
@@ -131,7 +169,82 @@ struct VariantVisitor {
   }
 };
 
+// Owns the texts of an EXCEPINFO, in which a call by name tells of its failure.
+class Exception {
+ public:
+  Exception() = default;
+  ~Exception() {
+    ::SysFreeString(info_.bstrSource);
+    ::SysFreeString(info_.bstrDescription);
+    ::SysFreeString(info_.bstrHelpFile);
+  }
+  Exception(const Exception&) = delete;
+  Exception& operator=(const Exception&) = delete;
+
+  EXCEPINFO* address() { return &info_; }
+
+  [[noreturn]] void Throw() {
+    constexpr HRESULT kOwnNumbers = static_cast<HRESULT>(0x800A0000);
+    if (info_.pfnDeferredFillIn != nullptr) info_.pfnDeferredFillIn(&info_);
+    const HRESULT result = info_.scode != 0 ? info_.scode : kOwnNumbers + info_.wCode;
+    const RuntimeError error = ErrorOf(result, ToText(info_.bstrSource));
+    if (info_.bstrDescription == nullptr) throw error;
+    throw RuntimeError(error.number(), error.source(), ToText(info_.bstrDescription));
+  }
+
+ private:
+  EXCEPINFO info_{};
+};
+
+constexpr WORD kCallOrRead = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+
+HRESULT Invoke(IDispatch& object, std::string_view name, DISPPARAMS& parameters, Variant& result,
+               Exception& exception) {
+  std::wstring text = ToUtf16(name);
+  LPOLESTR names = text.data();
+  DISPID id = DISPID_UNKNOWN;
+  Check(object.GetIDsOfNames(GUID{}, &names, 1, LOCALE_USER_DEFAULT, &id));
+  return object.Invoke(id, GUID{}, LOCALE_USER_DEFAULT, kCallOrRead, &parameters, result.address(),
+                       exception.address(), nullptr);
+}
+
+// The objects of scripts. Some engines answer names in this way only.
+HRESULT Invoke(IDispatchEx& object, std::string_view name, DISPPARAMS& parameters, Variant& result,
+               Exception& exception) {
+  const Bstr text(name);
+  DISPID id = DISPID_UNKNOWN;
+  Check(object.GetDispID(text.get(), fdexNameCaseInsensitive, &id));
+  return object.InvokeEx(id, LOCALE_USER_DEFAULT, kCallOrRead, &parameters, result.address(),
+                         exception.address(), nullptr);
+}
+
 }  // namespace
+
+RuntimeError ErrorOf(HRESULT result, std::string source) {
+  const std::int32_t number = NumberOf(result);
+  std::string description(DescriptionOf(number));
+  ComPtr<IErrorInfo> info;
+  if (::GetErrorInfo(0, &info) == S_OK) {
+    Bstr told_description;
+    Bstr told_source;
+    info->GetDescription(told_description.address());
+    info->GetSource(told_source.address());
+    if (::SysStringLen(told_description.get()) > 0) description = ToText(told_description.get());
+    if (::SysStringLen(told_source.get()) > 0) source = ToText(told_source.get());
+  }
+  return {number, std::move(source), description};
+}
+
+HRESULT ResultOf(const RuntimeError& error) {
+  const std::int32_t number = error.number();
+  if (number < 0) return number;
+  if (number == 0 || number > static_cast<std::int32_t>(kNumberMask)) return E_FAIL;
+  return static_cast<HRESULT>(kNumbered + static_cast<std::uint32_t>(number));
+}
+
+void Check(HRESULT result) {
+  if (FAILED(result)) throw ErrorOf(result);
+}
 
 Bstr::Bstr(std::string_view utf8) {
   const std::wstring units = ToUtf16(utf8);
@@ -155,6 +268,67 @@ void ToVariant(const Value& value, VARIANT* out) {
   VARIANT made{};
   std::visit(VariantVisitor{&made}, value.storage());
   *out = made;
+}
+
+Variant LateObject::Call(std::string_view name, std::vector<VARIANT> arguments) const {
+  ::SetErrorInfo(0, nullptr);  // An earlier call's error is no answer to this one.
+  std::ranges::reverse(arguments);
+  DISPPARAMS parameters{arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+  Variant result;
+  Exception exception;
+  Microsoft::WRL::ComPtr<IDispatchEx> script;
+  const HRESULT code = SUCCEEDED(object_.As(&script))
+                           ? Invoke(*script.Get(), name, parameters, result, exception)
+                           : Invoke(*object_.Get(), name, parameters, result, exception);
+  if (code == DISP_E_EXCEPTION) exception.Throw();
+  Check(code);
+  return result;
+}
+
+IUnknown* ObjectIn(const VARIANT& value) {
+  switch (V_VT(&value)) {
+    case VT_EMPTY:
+    case VT_NULL:
+      return nullptr;
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      return V_UNKNOWN(&value);
+    case VT_BYREF | VT_DISPATCH:
+    case VT_BYREF | VT_UNKNOWN:
+      return *V_UNKNOWNREF(&value);
+    case VT_BYREF | VT_VARIANT:
+      return ObjectIn(*V_VARIANTREF(&value));
+    default:
+      throw RuntimeError(kTypeMismatch);
+  }
+}
+
+Variant ObjectValue(IUnknown* object) {
+  Variant value;
+  V_VT(value.address()) = VT_DISPATCH;
+  if (object == nullptr || SUCCEEDED(object->QueryInterface(&V_DISPATCH(value.address())))) {
+    return value;
+  }
+  V_VT(value.address()) = VT_UNKNOWN;
+  V_UNKNOWN(value.address()) = object;
+  object->AddRef();
+  return value;
+}
+
+VARIANT Passed(const Bstr& text) {
+  VARIANT argument{};
+  V_VT(&argument) = VT_BSTR;
+  V_BSTR(&argument) = text.get();
+  return argument;
+}
+
+VARIANT Passed(const Variant& value) { return value.get(); }
+
+VARIANT PassedByReference(Variant& variable) {
+  VARIANT argument{};
+  V_VT(&argument) = VT_BYREF | VT_VARIANT;
+  V_VARIANTREF(&argument) = variable.address();
+  return argument;
 }
 
 }  // namespace kvdm

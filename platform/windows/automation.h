@@ -1,17 +1,28 @@
-// The text, values and dates of automation (BSTR, VARIANT, DATE), and the component's own.
+// Automation: result codes, texts (BSTR), values (VARIANT), dates (DATE) and calls by name
+// (IDispatch), and the component's own errors and values.
 #pragma once
-
-#include <windows.h>
-// Needs the types of the former.
-#include <oleauto.h>
 
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include <kvdm/platform/error.h>
 #include <kvdm/platform/value.h>
 
+#include "platform/windows/com_headers.h"
+
 namespace kvdm {
+
+// The run-time error that a failed call means. Description and source are those that the callee
+// left for the calling thread, which are taken away by this; else the number's own and `source`.
+[[nodiscard]] RuntimeError ErrorOf(HRESULT result, std::string source = {});
+
+// The result code that gives a caller the error's number. Always a failure.
+[[nodiscard]] HRESULT ResultOf(const RuntimeError& error);
+
+// Throws what ErrorOf gives when `result` is a failure.
+void Check(HRESULT result);
 
 // Owns a text of automation. Null, which means "", without a text.
 class Bstr {
@@ -72,5 +83,35 @@ class Variant {
 
 // Overwrites `out` without clearing it.
 void ToVariant(const Value& value, VARIANT* out);
+
+// An object whose operations are called by name (late binding).
+class LateObject {
+ public:
+  // `object` is not null.
+  explicit LateObject(Microsoft::WRL::ComPtr<IDispatch> object) : object_(std::move(object)) {}
+
+  // Calls the operation `name` with these arguments, in order; or reads the property `name`.
+  // Answers what it answers. Run-time error 438 for a name that the object does not have; else what
+  // the operation failed with.
+  Variant Call(std::string_view name, std::vector<VARIANT> arguments = {}) const;
+
+  [[nodiscard]] const Microsoft::WRL::ComPtr<IDispatch>& TheObject() const { return object_; }
+
+ private:
+  Microsoft::WRL::ComPtr<IDispatch> object_;
+};
+
+// The object in a value, or in the variable that it refers to. Null for Nothing, Null and Empty;
+// run-time error 13 for another value.
+[[nodiscard]] IUnknown* ObjectIn(const VARIANT& value);
+
+// An object as a value that callers by name can use; Nothing for null.
+[[nodiscard]] Variant ObjectValue(IUnknown* object);
+
+// Forms of an argument. What they are made of must outlive the call.
+[[nodiscard]] VARIANT Passed(const Bstr& text);
+[[nodiscard]] VARIANT Passed(const Variant& value);
+// A variable that the operation may set.
+[[nodiscard]] VARIANT PassedByReference(Variant& variable);
 
 }  // namespace kvdm

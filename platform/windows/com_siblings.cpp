@@ -1,10 +1,6 @@
 #include "platform/windows/com_siblings.h"
 
-#include <objbase.h>
-
 #include <kvdm/platform/error.h>
-
-#include "platform/windows/hresult.h"
 
 namespace kvdm {
 namespace {

@@ -1,16 +1,11 @@
-// The sibling libraries as they are registered on this machine.
+// Sibling libraries, created by their registered classes and called by name.
 #pragma once
-
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
 
 #include <utility>
 
 #include <kvdm/platform/siblings.h>
 
-#include "platform/windows/late_call.h"
+#include "platform/windows/automation.h"
 
 namespace kvdm {
 

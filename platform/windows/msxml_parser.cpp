@@ -1,10 +1,5 @@
-#include "platform/windows/msxml_parser.h"
-
-#include <windows.h>
-// Needs the types of the former.
+// XML parser of MSXML.
 #include <msxml2.h>
-#include <oleauto.h>
-#include <wrl/client.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -12,11 +7,11 @@
 #include <string>
 
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
 #include "platform/xml/declaration.h"
 #include "platform/xml/namespace_check.h"
 #include "platform/xml/pieces.h"
 #include "platform/xml/xml_input.h"
+#include "platform/xml_parser.h"
 
 namespace kvdm {
 namespace {
@@ -87,12 +82,21 @@ bool ParseUtf8(std::string_view utf8, XmlHandler& handler) {
   return ReportPieces(text, namespaces) && IsWellFormed(text) && ReportPieces(text, handler);
 }
 
-}  // namespace
+// MSXML says whether a text is well-formed. What it holds is read from the text itself: MSXML's
+// document gives names, declarations and white space back differently from version to version.
+//
+// Besides what XmlParser promises, refuses without reading on: texts larger than documents get,
+// elements within elements deeper, and attributes of one element more, than documents have. The
+// thread must have initialised COM. Run-time error 429 where MSXML isn't installed.
+class MsxmlParser final : public XmlParser {
+ public:
+  bool Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) override {
+    return ParseDecoded(text, encoding,
+                        [&handler](std::string_view utf8) { return ParseUtf8(utf8, handler); });
+  }
+};
 
-bool MsxmlParser::Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) {
-  return ParseDecoded(text, encoding,
-                      [&handler](std::string_view utf8) { return ParseUtf8(utf8, handler); });
-}
+}  // namespace
 
 std::shared_ptr<XmlParser> MakeXmlParser() { return std::make_shared<MsxmlParser>(); }
 

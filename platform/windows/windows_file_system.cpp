@@ -1,23 +1,158 @@
 #include "platform/windows/windows_file_system.h"
 
-#include <windows.h>
-
+#include <algorithm>
 #include <array>
-#include <system_error>
+#include <map>
 #include <tuple>
 #include <utility>
+#include <vector>
 
-#include "platform/file_names.h"
 #include "platform/system_error.h"
-#include "platform/windows/file_handle.h"
-#include "platform/windows/folder_entries.h"
-#include "platform/windows/save_file.h"
-#include "platform/windows/utf16.h"
-#include "platform/windows/windows_directory.h"
-#include "platform/windows/windows_paths.h"
+#include "platform/windows/text.h"
 #include "platform/xml/limits.h"
 
 namespace kvdm {
+namespace {
+
+// The entries that are seen and that `chosen` wants.
+template <class Chosen>
+std::vector<FolderEntry> SeenEntries(const FileHandle& folder, Chosen chosen) {
+  std::vector<FolderEntry> entries = EntriesOf(folder);
+  std::erase_if(entries,
+                [&](const FolderEntry& entry) { return !entry.IsSeen() || !chosen(entry); });
+  return entries;
+}
+
+std::vector<std::string> NamesOf(const std::vector<FolderEntry>& entries) {
+  std::vector<std::string> names;
+  for (const FolderEntry& entry : entries) names.push_back(ToUtf8(entry.name));
+  SortNames(names);
+  return names;
+}
+
+void DeleteUnlessGone(const FileHandle& folder, const FolderEntry& entry) {
+  try {
+    DeleteEntry(folder, entry);
+  } catch (const std::system_error& error) {
+    if (error.code().value() != ERROR_FILE_NOT_FOUND) throw;
+  }
+}
+
+// An open folder. Works through the handles of the folders alone, which others may not keep from
+// being moved or removed.
+class WindowsDirectory final : public Directory {
+ public:
+  // `folder` is open with kListAccess; `path` is what errors name.
+  WindowsDirectory(FileHandle folder, std::string path);
+
+  std::vector<std::string> Files() override;
+  std::vector<std::string> Entries() override;
+  // Also error 75 when a link can't be told from what it leads to.
+  void DeleteFiles() override;
+  void Enter(std::string_view name) override;
+  void Leave() override;
+  void RemoveFolder(std::string_view name) override;
+
+ private:
+  struct Level {
+    FileHandle folder;
+    std::size_t path_length;
+    std::map<std::wstring, LONGLONG> known;  // What was listed or entered, by name.
+  };
+
+  [[nodiscard]] const FileHandle& Here() const { return way_.back().folder; }
+  [[nodiscard]] std::string PathOf(std::string_view name) const { return PathIn(path_, name); }
+  // A folder inside. Throws std::system_error: ERROR_PATH_NOT_FOUND when it is missing,
+  // ERROR_DIRECTORY when it is no folder or not the one that is known by its name.
+  [[nodiscard]] FolderEntry FolderNamed(std::string_view name) const;
+  [[nodiscard]] std::vector<FolderEntry> DeletableFiles() const;
+
+  std::vector<Level> way_;  // The last one is where it is.
+  std::string path_;
+};
+
+WindowsDirectory::WindowsDirectory(FileHandle folder, std::string path) : path_(std::move(path)) {
+  way_.push_back({std::move(folder), path_.size(), {}});
+}
+
+std::vector<std::string> WindowsDirectory::Files() {
+  return TranslatingErrors(path_, [&] {
+    return NamesOf(SeenEntries(Here(), [](const FolderEntry& entry) { return !entry.IsFolder(); }));
+  });
+}
+
+std::vector<std::string> WindowsDirectory::Entries() {
+  return TranslatingErrors(path_, [&] {
+    const auto entries = SeenEntries(Here(), [](const FolderEntry&) { return true; });
+    way_.back().known.clear();
+    for (const FolderEntry& entry : entries) way_.back().known[entry.name] = entry.id;
+    return NamesOf(entries);
+  });
+}
+
+void WindowsDirectory::DeleteFiles() {
+  const std::vector<FolderEntry> files = DeletableFiles();
+  if (files.empty()) throw PathError(kFileNotFound, PathOf("*"));
+  for (const FolderEntry& file : files) {
+    TranslatingErrors(PathOf(ToUtf8(file.name)), [&] { DeleteUnlessGone(Here(), file); });
+  }
+}
+
+void WindowsDirectory::Enter(std::string_view name) {
+  TranslatingErrors(PathOf(name), [&] {
+    const FolderEntry entry = FolderNamed(name);
+    FileHandle inside = OpenEntry(Here(), entry, kListAccess);
+    way_.back().known[entry.name] = entry.id;
+    path_ = PathOf(ToUtf8(entry.name));
+    way_.push_back({std::move(inside), path_.size(), {}});
+  });
+}
+
+void WindowsDirectory::Leave() {
+  way_.pop_back();
+  path_.resize(way_.back().path_length);
+}
+
+void WindowsDirectory::RemoveFolder(std::string_view name) {
+  TranslatingErrors(PathOf(name), [&] {
+    const FolderEntry entry = FolderNamed(name);
+    DeleteEntry(Here(), entry);
+    way_.back().known.erase(entry.name);
+  });
+}
+
+FolderEntry WindowsDirectory::FolderNamed(std::string_view name) const {
+  std::vector<std::string> names;
+  std::vector<FolderEntry> entries = EntriesOf(Here());
+  for (const FolderEntry& entry : entries) names.push_back(ToUtf8(entry.name));
+  const auto found = FindSameName(names, name);
+  if (!found) ThrowSystemError(ERROR_PATH_NOT_FOUND);
+  FolderEntry& entry = entries.at(std::ranges::find(names, *found) - names.begin());
+  const auto known = way_.back().known.find(entry.name);
+  const bool replaced = known != way_.back().known.end() && known->second != entry.id;
+  if (!entry.IsFolder() || replaced) ThrowSystemError(ERROR_DIRECTORY);
+  return std::move(entry);
+}
+
+std::vector<FolderEntry> WindowsDirectory::DeletableFiles() const {
+  return TranslatingErrors(path_, [&] {
+    return SeenEntries(
+        Here(), [](const FolderEntry& entry) { return !entry.IsFolder() && !entry.IsReadOnly(); });
+  });
+}
+
+class WindowsFileSystem final : public FileSystem {
+ public:
+  bool FolderExists(std::string_view path) override;
+  void CreateFolder(std::string_view path) override;
+  std::string FullPath(std::string_view path) override;
+  void HideFolder(std::string_view path) override;
+  std::string SystemDrive() override;
+  std::vector<std::string> FindFiles(std::string_view pattern) override;
+  std::unique_ptr<Directory> OpenFolder(std::string_view path) override;
+  std::optional<std::string> ReadFile(std::string_view path) override;
+  void WriteFile(std::string_view path, std::string_view bytes) override;
+};
 
 bool WindowsFileSystem::FolderExists(std::string_view path) {
   try {
@@ -68,9 +203,8 @@ std::string WindowsFileSystem::SystemDrive() {
 
 std::vector<std::string> WindowsFileSystem::FindFiles(std::string_view pattern) {
   const SearchPattern search = SplitPattern(pattern);
-  const std::string_view folder = search.folder.empty() ? "." : search.folder;
-  auto names = AnswerUnlessMissing<std::vector<std::string>>(folder, [&] {
-    DrivePath resolved = ResolveWindowsPath(folder);
+  auto names = AnswerUnlessMissing<std::vector<std::string>>(search.folder, [&] {
+    DrivePath resolved = ResolveWindowsPath(search.folder);
     FileHandle found = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess);
     return WindowsDirectory(std::move(found), resolved.Text()).Files();
   });
@@ -108,6 +242,12 @@ void WindowsFileSystem::WriteFile(std::string_view path, std::string_view bytes)
     if (read_only) throw PathError(kPermissionDenied, path);
     SaveFile(SystemPath(place.path), bytes);
   });
+}
+
+}  // namespace
+
+std::shared_ptr<FileSystem> MakeWindowsFileSystem() {
+  return std::make_shared<WindowsFileSystem>();
 }
 
 }  // namespace kvdm

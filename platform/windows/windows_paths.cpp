@@ -1,14 +1,16 @@
-#include "platform/windows/windows_paths.h"
+// Paths of the component, and the folders of the system that they lead to.
+#include <windows.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "platform/system_error.h"
-#include "platform/windows/device_names.h"
-#include "platform/windows/folder_entries.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
+#include "platform/windows/windows_file_system.h"
 
 namespace kvdm {
 namespace {
@@ -89,6 +91,22 @@ void FindNames(DrivePath& path, NameFinder find) {
   path = std::move(found);
 }
 
+constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN",    "AUX",
+                                                      "NUL", "CONIN$", "CONOUT$"};
+constexpr std::array<std::string_view, 2> kPorts = {"COM", "LPT"};
+// The raised digits count as digits here.
+constexpr std::array<std::string_view, 12> kPortNumbers = {
+    "1", "2", "3", "4", "5", "6", "7", "8", "9", "\u00b9", "\u00b2", "\u00b3"};
+
+bool IsPort(std::string_view name) {
+  constexpr std::size_t kLetters = 3;
+  return name.size() > kLetters &&
+         std::ranges::find(kPortNumbers, name.substr(kLetters)) != kPortNumbers.end() &&
+         std::ranges::any_of(kPorts, [&](std::string_view port) {
+           return SameName(port, name.substr(0, kLetters));
+         });
+}
+
 }  // namespace
 
 DrivePath ResolveWindowsPath(std::string_view path) {
@@ -126,6 +144,13 @@ WindowsPlace PlaceOf(std::string_view path, DWORD root_error) {
   const auto entry = FindEntry(resolved, name, FindName);
   resolved.names.push_back(entry.value_or(name));
   return {resolved, entry ? AttributesOf(SystemPath(resolved)) : std::nullopt};
+}
+
+bool IsDeviceName(std::string_view name) {
+  const std::string_view base = TrimmedName(name.substr(0, name.find('.')));
+  return IsPort(base) || std::ranges::any_of(kDevices, [&](std::string_view device) {
+           return SameName(device, base);
+         });
 }
 
 }  // namespace kvdm

@@ -1,19 +1,60 @@
-#include "platform/windows/windows_platform.h"
+#undef NOMB  // The system's message box is wanted here, ...
+#include <windows.h>
+#undef MessageBox  // ... and its name is the component's.
+
+#include <array>
+#include <exception>
 
 #include <kvdm/platform/portable/portable_services.h>
 
-#include "platform/windows/ansi.h"
+#include "platform/windows/automation.h"
 #include "platform/windows/com_siblings.h"
-#include "platform/windows/debugger_log.h"
-#include "platform/windows/msxml_parser.h"
-#include "platform/windows/win32_message_box.h"
-#include "platform/windows/windows_clock.h"
+#include "platform/windows/text.h"
 #include "platform/windows/windows_file_system.h"
-#include "platform/windows/windows_guid.h"
+#include "platform/windows/windows_platform.h"
 #include "platform/windows/windows_registry.h"
+#include "platform/xml_parser.h"
 
 namespace kvdm {
 namespace {
+
+// A log that a debugger shows.
+class DebuggerLog final : public Log {
+ public:
+  void Note(std::string_view line) override {
+    try {
+      ::OutputDebugStringW((ToUtf16(line) + L"\r\n").c_str());
+    } catch (const std::exception&) {
+      ::OutputDebugStringW(L"A line is too long to be noted\r\n");
+    }
+  }
+};
+
+class Win32MessageBox final : public MessageBox {
+ public:
+  void Show(std::string_view text, std::string_view caption, MessageStyle style) override {
+    ::MessageBoxA(nullptr, ToAnsi(text).c_str(), ToAnsi(caption).c_str(), static_cast<UINT>(style));
+  }
+};
+
+// The system's clock in the local time zone.
+class WindowsClock final : public Clock {
+ public:
+  DateTime Now() override {
+    SYSTEMTIME now{};
+    ::GetLocalTime(&now);
+    return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+  }
+};
+
+// A new version-4 identifier in registry form.
+std::string WindowsGuid() {
+  GUID guid{};
+  Check(::CoCreateGuid(&guid));
+  std::array<wchar_t, 39> text{};  // 38 characters and a NUL.
+  ::StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
+  return ToUtf8(text.data());
+}
 
 std::shared_ptr<Log> MakeLog(const CallbackLog::Callback& note) {
   if (!note) return std::make_shared<DebuggerLog>();
@@ -37,10 +78,10 @@ std::shared_ptr<Siblings> OrRegistered(const std::shared_ptr<Siblings>& siblings
 Platform MakeWindowsPlatform(const WindowsOptions& options) {
   Platform platform;
   platform.log = MakeLog(options.log);
-  platform.files = std::make_shared<WindowsFileSystem>();
-  platform.registry = std::make_shared<WindowsRegistry>(platform.log);
+  platform.files = MakeWindowsFileSystem();
+  platform.registry = MakeWindowsRegistry(platform.log);
   platform.message_box = MakeMessageBox(options.message_box);
-  platform.xml_parser = std::make_shared<MsxmlParser>();
+  platform.xml_parser = MakeXmlParser();
   platform.clock = std::make_shared<WindowsClock>();
   platform.gis_core = MakePortableGisCore(WindowsGuid);
   platform.siblings = OrRegistered(options.siblings);

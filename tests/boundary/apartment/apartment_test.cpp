@@ -5,7 +5,6 @@
 #include <filesystem>
 
 #include "platform/windows/automation.h"
-#include "platform/windows/late_call.h"
 #include "tests/boundary/apartment/clients.h"
 #include "tests/boundary/apartment/host.h"
 

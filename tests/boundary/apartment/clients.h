@@ -1,14 +1,10 @@
 // Clients in another apartment than the component's objects. All their calls go through proxies.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <functional>
 
 #include "com/kvdm.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::boundary {
 

@@ -2,11 +2,6 @@
 // forms of COM, a failure becomes a run-time error, the result is converted back.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,7 +12,7 @@
 
 #include "com/kvdm.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
+#include "platform/windows/com_headers.h"
 #include "tests/boundary/client/objects.h"
 
 namespace kvdm::client {

@@ -1,12 +1,9 @@
 // COM objects of the test's own.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <unknwn.h>
-#include <wrl/client.h>
-
 #include <atomic>
+
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::client {
 

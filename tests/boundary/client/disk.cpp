@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "platform/file_names.h"
-#include "platform/windows/windows_paths.h"
+#include "platform/windows/windows_file_system.h"
 
 namespace kvdm::client {
 namespace {

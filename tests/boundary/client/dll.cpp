@@ -12,7 +12,6 @@
 #include <kvdm/platform/error.h>
 
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
 #include "tests/boundary/client/objects.h"
 
 namespace kvdm {

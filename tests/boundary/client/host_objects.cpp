@@ -6,7 +6,6 @@
 #include "com/kvdm.h"
 #include "com/value_arrays.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
 #include "tests/boundary/client/com_object.h"
 #include "tests/boundary/client/objects.h"
 

@@ -1,14 +1,11 @@
 // The test's own objects, as COM objects that the DLL calls.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <unknwn.h>
-#include <wrl/client.h>
-
 #include <memory>
 
 #include <kvdm/platform/gis_core.h>
+
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::client {
 

@@ -3,7 +3,7 @@
 #include <map>
 
 #include "com/value_arrays.h"
-#include "platform/windows/late_call.h"
+#include "platform/windows/automation.h"
 #include "tests/boundary/client/collection_clients.h"
 #include "tests/boundary/client/host_objects.h"
 #include "tests/boundary/client/item_clients.h"

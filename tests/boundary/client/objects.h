@@ -1,11 +1,6 @@
 // Objects that cross the boundary between a test and the DLL.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <unknwn.h>
-#include <wrl/client.h>
-
 #include <memory>
 #include <typeindex>
 #include <utility>
@@ -15,6 +10,8 @@
 #include <kvdm/platform/gis_core.h>
 #include <kvdm/platform/host.h>
 #include <kvdm/platform/siblings.h>
+
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::client {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/windows/ansi.h"
+#include "platform/windows/text.h"
 #include "tests/boundary/client/dll.h"
 
 namespace kvdm::client {

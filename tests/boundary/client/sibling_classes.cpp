@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/windows/automation.h"
-#include "platform/windows/hresult.h"
 #include "tests/boundary/client/com_object.h"
 
 namespace kvdm::client {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/file_names.h"
-#include "platform/windows/windows_paths.h"
+#include "platform/windows/windows_file_system.h"
 #include "tests/boundary/client/dll.h"
 
 namespace kvdm::conformance {

@@ -5,9 +5,8 @@
 #include <kvdm/datamanager/component.h>
 
 #include "platform/file_names.h"
-#include "platform/windows/ansi.h"
-#include "platform/windows/registry_key.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
+#include "platform/windows/windows_registry.h"
 #include "tests/boundary/client/disk.h"
 #include "tests/boundary/client/dll.h"
 #include "tests/boundary/client/pinned_system.h"

@@ -13,7 +13,7 @@
 
 #include <kvdm/kvdm.h>
 
-#include "platform/windows/ansi.h"
+#include "platform/windows/text.h"
 #include "tests/boundary/client/dll.h"
 #include "tests/boundary/client/pinned_system.h"
 #include "tests/boundary/client/sibling_classes.h"

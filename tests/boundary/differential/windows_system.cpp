@@ -18,8 +18,8 @@ class DllSystem : public model::System {
   // The services are those of the test itself; the DLL brings its own.
   DllSystem() {
     Platform services = Memory().Bundle();
-    services.files = std::make_shared<WindowsFileSystem>();
-    services.registry = std::make_shared<WindowsRegistry>(services.log);
+    services.files = MakeWindowsFileSystem();
+    services.registry = MakeWindowsRegistry(services.log);
     SetPlatform(services);
   }
 

@@ -1,14 +1,10 @@
 // The component without registration: this program's manifest names the assembly KVDM, whose
 // manifest and DLL lie beside it.
-#include <windows.h>
-// Needs the types of the former.
 #include <gtest/gtest.h>
-#include <oaidl.h>
-#include <wrl/client.h>
 
 #include "com/kvdm.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/late_call.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm {
 namespace {

@@ -1,13 +1,10 @@
 // What registration is for: run while the component is registered, for the machine or for the user.
-#include <windows.h>
-// Needs the types of the former.
 #include <gtest/gtest.h>
-#include <oleauto.h>
-#include <wrl/client.h>
 
 #include <string>
 
 #include "com/kvdm.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm {
 namespace {

@@ -5,7 +5,7 @@
 #include <map>
 
 #include "com/kvdm.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
 #include "tests/boundary/script/late_object.h"
 
 namespace kvdm::boundary {

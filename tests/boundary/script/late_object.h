@@ -1,16 +1,12 @@
 // Objects of the DLL beside the program, called by name as clients by IDispatch call them.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/windows/automation.h"
+#include "platform/windows/com_headers.h"
 
 namespace kvdm::boundary {
 

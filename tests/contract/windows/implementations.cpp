@@ -12,7 +12,7 @@ namespace {
 class SandboxWorld final : public RegistryWorld {
  public:
   std::unique_ptr<Registry> Open(CodePage /*page*/) override {
-    return std::make_unique<WindowsRegistry>(std::make_shared<RecordingLog>());
+    return MakeWindowsRegistry(std::make_shared<RecordingLog>());
   }
 
  private:

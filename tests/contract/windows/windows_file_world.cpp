@@ -15,7 +15,7 @@ class WindowsFileWorld : public FileWorld {
   }
   ~WindowsFileWorld() override { ::SetCurrentDirectoryW(start_.c_str()); }
 
-  FileSystem& files() override { return files_; }
+  FileSystem& files() override { return *files_; }
   [[nodiscard]] bool IsWine() const override { return kvdm::IsWine(); }
   [[nodiscard]] bool HidesDots() const override { return kvdm::IsWine(); }
   void SetAttributes(const std::string& path, unsigned attributes) override {
@@ -40,7 +40,7 @@ class WindowsFileWorld : public FileWorld {
 
   std::wstring start_ = std::wstring(MAX_PATH, L'\0');
   ScratchDrive drive_;
-  WindowsFileSystem files_;
+  std::shared_ptr<FileSystem> files_ = MakeWindowsFileSystem();
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
-#include "platform/windows/ansi.h"
-
 #include <gtest/gtest.h>
 #include <windows.h>
+
+#include "platform/windows/text.h"
 
 namespace kvdm {
 namespace {

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/windows/late_call.h"
 #include "tests/platform/windows/com_environment.h"
 #include "tests/throws_number.h"
 

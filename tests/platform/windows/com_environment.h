@@ -1,10 +1,9 @@
 // COM for a test program: the thread that runs the tests is a single-threaded apartment.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
 #include <gtest/gtest.h>
-#include <objbase.h>
+
+#include "platform/windows/com_headers.h"
 
 namespace kvdm {
 

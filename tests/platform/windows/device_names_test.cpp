@@ -1,6 +1,6 @@
-#include "platform/windows/device_names.h"
-
 #include <gtest/gtest.h>
+
+#include "platform/windows/windows_file_system.h"
 
 namespace kvdm {
 namespace {

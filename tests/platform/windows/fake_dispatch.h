@@ -1,11 +1,6 @@
 // An object that is called by name, for tests.
 #pragma once
 
-#include <windows.h>
-// Needs the types of the former.
-#include <oaidl.h>
-#include <wrl/client.h>
-
 #include <algorithm>
 #include <functional>
 #include <map>
@@ -14,7 +9,8 @@
 #include <vector>
 
 #include "platform/windows/automation.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/com_headers.h"
+#include "platform/windows/text.h"
 
 namespace kvdm {
 

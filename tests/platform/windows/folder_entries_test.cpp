@@ -1,11 +1,10 @@
-#include "platform/windows/folder_entries.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "platform/windows/files.h"
 #include "tests/platform/windows/scratch_drive.h"
 
 namespace kvdm {

@@ -1,5 +1,3 @@
-#include "platform/windows/hresult.h"
-
 #include <gtest/gtest.h>
 #include <oleauto.h>
 #include <wrl/client.h>

@@ -1,7 +1,6 @@
-#include "platform/windows/late_call.h"
-
 #include <gtest/gtest.h>
 
+#include "platform/windows/automation.h"
 #include "tests/platform/windows/fake_dispatch.h"
 #include "tests/throws_number.h"
 

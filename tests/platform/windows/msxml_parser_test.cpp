@@ -1,6 +1,4 @@
 // What the XML parser on Windows does at its limits; the rest is in the contract.
-#include "platform/windows/msxml_parser.h"
-
 #include <gtest/gtest.h>
 #include <objbase.h>
 #include <windows.h>
@@ -10,6 +8,7 @@
 #include <kvdm/platform/error.h>
 
 #include "platform/xml/limits.h"
+#include "platform/xml_parser.h"
 #include "tests/platform/windows/com_environment.h"
 #include "tests/platform/windows/wine.h"
 #include "tests/throws_number.h"
@@ -34,7 +33,7 @@ class Anything final : public XmlHandler {
 
 bool Accepts(std::string_view text) {
   Anything handler;
-  return MsxmlParser().Parse(text, XmlEncoding::kUtf8, handler);
+  return MakeXmlParser()->Parse(text, XmlEncoding::kUtf8, handler);
 }
 
 std::string Repeated(std::string_view text, std::size_t count) {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/windows/file_handle.h"
-#include "platform/windows/utf16.h"
+#include "platform/windows/files.h"
+#include "platform/windows/text.h"
 #include "tests/platform/windows/wine.h"
 
 namespace kvdm {

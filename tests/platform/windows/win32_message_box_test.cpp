@@ -1,9 +1,7 @@
-#include "platform/windows/win32_message_box.h"
-
-#undef NOMB
-#include <windows.h>
-// Needs the types of the former.
 #include <gtest/gtest.h>
+#include <windows.h>
+
+#include "platform/windows/windows_platform.h"
 
 namespace kvdm {
 namespace {
@@ -38,7 +36,8 @@ class BoxWatcher {
 
 TEST(Win32MessageBoxTest, OpensABoxOfTheSystem) {
   const BoxWatcher watcher;
-  Win32MessageBox().Show("Can't save \u0416", "Kelvaro", MessageStyle::kExclamation);
+  MakeWindowsPlatform({}).message_box->Show("Can't save \u0416", "Kelvaro",
+                                            MessageStyle::kExclamation);
   EXPECT_EQ(BoxWatcher::dialogues, 1);
 }
 

@@ -14,7 +14,7 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
 #include "tests/platform/windows/scratch_drive.h"
 #include "tests/throws_number.h"
 #include "util/kvdm_utils.h"
@@ -29,7 +29,8 @@ using ::testing::Optional;
 class WindowsFileSystemTest : public ::testing::Test {
  protected:
   ScratchDrive drive_;
-  WindowsFileSystem files_;
+  std::shared_ptr<FileSystem> made_ = MakeWindowsFileSystem();
+  FileSystem& files_ = *made_;
 };
 
 // --- Names

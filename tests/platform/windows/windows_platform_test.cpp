@@ -5,8 +5,8 @@
 
 #include <kvdm/platform/portable/portable_services.h>
 
-#include "platform/windows/ansi.h"
 #include "platform/windows/com_siblings.h"
+#include "platform/windows/text.h"
 
 namespace kvdm {
 namespace {

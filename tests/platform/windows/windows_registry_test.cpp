@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "platform/memory/memory_platform.h"
-#include "platform/windows/ansi.h"
+#include "platform/windows/text.h"
 #include "tests/platform/windows/registry_sandbox.h"
 #include "tests/replacing_update.h"
 
@@ -78,7 +78,8 @@ class WindowsRegistryTest : public testing::Test {
 
   RegistrySandbox sandbox_;
   std::shared_ptr<RecordingLog> log_ = std::make_shared<RecordingLog>();
-  WindowsRegistry registry_{log_};
+  std::unique_ptr<Registry> made_ = MakeWindowsRegistry(log_);
+  Registry& registry_ = *made_;
 };
 
 TEST_F(WindowsRegistryTest, StoresATextOfTheCodePageAndANul) {

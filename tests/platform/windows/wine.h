@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/windows/utf16.h"
+#include "platform/windows/text.h"
 
 namespace kvdm {
 

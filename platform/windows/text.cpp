@@ -1,15 +1,59 @@
+#include "platform/windows/text.h"
+
 #include <windows.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <string>
+#include <optional>
 
+#include "platform/file_names.h"
 #include "platform/utf8.h"
-#include "platform/windows/utf16.h"
 
 namespace kvdm {
 namespace {
+
+constexpr unsigned kGb18030 = 54936;
+constexpr char32_t kFirstAstral = 0x10000;
+
+bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+// Takes the first character off `rest`, which is not empty.
+char32_t TakeCharacter(std::wstring_view& rest) {
+  const wchar_t first = rest.front();
+  rest.remove_prefix(1);
+  if (!IsHighSurrogate(first) && !IsLowSurrogate(first)) return first;
+  if (IsLowSurrogate(first) || rest.empty() || !IsLowSurrogate(rest.front())) {
+    return kReplacementCharacter;
+  }
+  const wchar_t second = rest.front();
+  rest.remove_prefix(1);
+  return kFirstAstral + ((first & 0x3FFU) << 10U) + (second & 0x3FFU);
+}
+
+// These have every character, and the system takes no options for them.
+bool HasEveryCharacter(unsigned page) { return page == CP_UTF8 || page == kGb18030; }
+
+// `is_missing` tells whether a character had to be replaced.
+std::string Encoded(std::wstring_view units, unsigned page, BOOL* is_missing) {
+  const bool every = HasEveryCharacter(page);
+  const DWORD options = every ? 0 : WC_NO_BEST_FIT_CHARS;
+  const char* const replacement = every ? nullptr : "?";
+  BOOL* const replaced = every ? nullptr : is_missing;
+  const auto count = static_cast<int>(units.size());
+  std::string bytes(
+      ::WideCharToMultiByte(page, options, units.data(), count, nullptr, 0, replacement, replaced),
+      '\0');
+  ::WideCharToMultiByte(page, options, units.data(), count, bytes.data(),
+                        static_cast<int>(bytes.size()), replacement, replaced);
+  return bytes;
+}
+
+bool IsCharacter(char32_t character) {
+  constexpr char32_t kLast = 0x10FFFF;
+  return character <= kLast && (character < 0xD800 || character > 0xDFFF);
+}
 
 struct Encoding {
   std::string_view name;
@@ -17,7 +61,6 @@ struct Encoding {
 };
 
 constexpr unsigned kAscii = 20127;
-constexpr unsigned kGb18030 = 54936;
 // Of ISO 8859-n, n from 1 to 15.
 constexpr unsigned kBeforeIso8859 = 28590;
 constexpr unsigned kLastIso8859 = 15;
@@ -105,6 +148,61 @@ std::optional<std::string> FromUtf16(std::string_view bytes, std::size_t low_byt
 
 }  // namespace
 
+std::wstring ToUtf16(std::string_view text) {
+  std::wstring units;
+  units.reserve(text.size());
+  while (!text.empty()) {
+    const char32_t character = TakeCodePoint(text).value;
+    if (character < kFirstAstral) {
+      units += static_cast<wchar_t>(character);
+    } else {
+      units += static_cast<wchar_t>(0xD800 + ((character - kFirstAstral) >> 10U));
+      units += static_cast<wchar_t>(0xDC00 + (character & 0x3FFU));
+    }
+  }
+  return units;
+}
+
+std::string ToUtf8(std::wstring_view text) {
+  std::string bytes;
+  bytes.reserve(text.size());
+  while (!text.empty()) AppendUtf8(TakeCharacter(text), bytes);
+  return bytes;
+}
+
+std::string ToAnsi(std::string_view text, unsigned page) {
+  BOOL ignored = FALSE;
+  return Encoded(ToUtf16(text), page, &ignored);
+}
+
+std::string ToAnsi(std::string_view text) { return ToAnsi(text, ::GetACP()); }
+
+std::string FromAnsi(std::string_view bytes, unsigned page) {
+  const auto count = static_cast<int>(bytes.size());
+  std::wstring units(::MultiByteToWideChar(page, 0, bytes.data(), count, nullptr, 0), L'\0');
+  ::MultiByteToWideChar(page, 0, bytes.data(), count, units.data(), static_cast<int>(units.size()));
+  return ToUtf8(units);
+}
+
+std::string FromAnsi(std::string_view bytes) { return FromAnsi(bytes, ::GetACP()); }
+
+bool HasAnsi(char32_t character, unsigned page) {
+  if (!IsCharacter(character)) return false;
+  std::string text;
+  AppendUtf8(character, text);
+  BOOL is_missing = FALSE;
+  return !Encoded(ToUtf16(text), page, &is_missing).empty() && is_missing == FALSE;
+}
+
+unsigned MachineCodePage() {
+  DWORD page = 0;
+  ::GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
+                   reinterpret_cast<LPWSTR>(&page), sizeof page / sizeof(wchar_t));
+  return page != 0 ? page : ::GetACP();
+}
+
+bool HasAnsi(char32_t character) { return HasAnsi(character, ::GetACP()); }
+
 std::optional<std::string> Utf8From(std::string_view encoding, std::string_view bytes) {
   const std::string name = LowerCase(encoding);
   if (name == "utf-16le") return FromUtf16(bytes, 0);
@@ -114,6 +212,12 @@ std::optional<std::string> Utf8From(std::string_view encoding, std::string_view 
   }
   const auto page = PageOf(name);
   return page ? FromPage(*page, bytes) : std::nullopt;
+}
+
+char16_t UpperCase(char16_t unit) {
+  // A pointer of which only the lower half is set stands for one character.
+  return static_cast<char16_t>(
+      reinterpret_cast<ULONG_PTR>(::CharUpperW(reinterpret_cast<LPWSTR>(ULONG_PTR{unit}))));
 }
 
 }  // namespace kvdm

@@ -1,15 +1,36 @@
-// What is in an open folder of the system. Links are never followed here. Errors are
-// std::system_error.
+// Open files and folders of the system: handles, entries, deletion, replacement. Links are never
+// followed here. Errors are std::system_error.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
-#include "platform/windows/file_handle.h"
-
 namespace kvdm {
+
+// Owns an open file or folder; closes it at the end.
+class FileHandle {
+ public:
+  explicit FileHandle(HANDLE value) : value_(value) {}
+  FileHandle(FileHandle&& other) noexcept
+      : value_(std::exchange(other.value_, INVALID_HANDLE_VALUE)) {}
+  FileHandle& operator=(FileHandle&& other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+  }
+  ~FileHandle() {
+    if (is_open()) ::CloseHandle(value_);
+  }
+
+  [[nodiscard]] HANDLE get() const { return value_; }
+  [[nodiscard]] bool is_open() const { return value_ != INVALID_HANDLE_VALUE; }
+
+ private:
+  HANDLE value_;
+};
 
 // An entry of a folder. Everything that is no folder counts as a file, a link to a folder too. The
 // name is the system's: not each one is text.
@@ -49,5 +70,13 @@ void DeleteEntry(const FileHandle& folder, const FolderEntry& entry);
 // the handle is closed, on newer systems at once. False when the system refuses, for the reason
 // that GetLastError tells.
 [[nodiscard]] bool DeleteOpened(const FileHandle& file);
+
+// Writes `bytes` to a new file beside `path`, a path as the system takes it, reads them again, and
+// lets it take that place in one step, with the attributes and access rights of what is there.
+// That stays as `previous`, unless that is "". After a failure the file is as before.
+void SaveFile(const std::wstring& path, std::string_view bytes, const std::wstring& previous = {});
+
+// What is left to read of an open file, but no more than `most` bytes.
+[[nodiscard]] std::string ReadAll(const FileHandle& file, std::size_t most = std::string::npos);
 
 }  // namespace kvdm
