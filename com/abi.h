@@ -1,4 +1,4 @@
-// The one shape of every call from a client into the component.
+// Calls of clients into the component: the one shape that each of them has.
 //
 // A call's arguments are those of the component's operation, each in the form that COM gives it,
 // then a pointer to the result. Pointers are checked, the result is cleared, arguments are
@@ -18,13 +18,16 @@
 #include <kvdm/platform/error.h>
 
 #include "com/client_objects.h"
-#include "com/error_object.h"
-#include "com/objects.h"
-#include "com/value_arrays.h"
+#include "com/wrappers.h"
 #include "platform/windows/automation.h"
 #include "platform/windows/com_headers.h"
 
 namespace kvdm::com::abi {
+
+// Puts the exception that is being handled into the calling thread's error object, with its
+// description, with its source or else `class_identity`, and with the interface `iid`; answers its
+// result code. To be called in a catch clause. Never throws.
+HRESULT RaiseCurrentError(const char* class_identity, const IID& iid) noexcept;
 
 // Parameter<T>: a parameter T of an operation. Made of what the client passed if that is IsValid;
 // Get() is what the operation is given.

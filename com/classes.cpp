@@ -2,49 +2,50 @@
 
 #include <algorithm>
 
-#include "com/collection_faces.h"
-#include "com/item_faces.h"
+#include "com/collection_wrappers.h"
+#include "com/item_wrappers.h"
 #include "com/kvdm.h"
-#include "com/manager_faces.h"
+#include "com/manager_wrappers.h"
 #include "com/object.h"
-#include "com/study_area_faces.h"
+#include "com/study_area_wrappers.h"
 
 namespace kvdm::com {
 namespace {
 
-template <class... Faces>
-void AddFaces(Object& object, const std::shared_ptr<Unknown>& core) {
-  (object.Add<Faces>(Query<typename Faces::Core>(core)), ...);
+template <class... Wrappers>
+void AddWrappers(Object& object, const std::shared_ptr<Unknown>& core) {
+  (object.Add<Wrappers>(Query<typename Wrappers::Core>(core)), ...);
 }
 
-template <class Face, class... Faces>
-constexpr auto kFaces = &AddFaces<Face, Faces...>;
+template <class Wrapper, class... Wrappers>
+constexpr auto kWrappers = &AddWrappers<Wrapper, Wrappers...>;
 
 const Class kClasses[] = {
     {"KVDM.KVDataManager", &CLSID_KVDataManager, typeid(IKVDataManager),
-     kFaces<DataManagerFace, InitializeFace, PersistFace>},
+     kWrappers<DataManagerWrapper, InitializeWrapper, PersistWrapper>},
     {"KVDM.KVStudyAreaCollection", &CLSID_KVStudyAreaCollection, typeid(IKVStudyAreaCollection),
-     kFaces<StudyAreaCollectionFace>},
+     kWrappers<StudyAreaCollectionWrapper>},
     {"KVDM.KVStudyArea", &CLSID_KVStudyArea, typeid(IKVStudyArea),
-     kFaces<PropertySetFace, StudyAreaFace, MetadataFace, LayerEditFace, StudyArea2Face>},
+     kWrappers<PropertySetWrapper, StudyAreaWrapper, MetadataWrapper, LayerEditWrapper,
+               StudyArea2Wrapper>},
     {"KVDM.KVTablesManager", &CLSID_KVTablesManager, typeid(IKVTablesManager),
-     kFaces<TablesManagerFace>},
-    {"KVDM.KVFileInfo", &CLSID_KVFileInfo, typeid(IKVFileInfo), kFaces<FileInfoFace>},
+     kWrappers<TablesManagerWrapper>},
+    {"KVDM.KVFileInfo", &CLSID_KVFileInfo, typeid(IKVFileInfo), kWrappers<FileInfoWrapper>},
     {"KVDM.KVAnalysisCollection", &CLSID_KVAnalysisCollection, typeid(IKVAnalysisCollection),
-     kFaces<AnalysisCollectionFace>},
+     kWrappers<AnalysisCollectionWrapper>},
     {"KVDM.KVStoreLayerCollection", &CLSID_KVStoreLayerCollection, typeid(IKVStoreLayerCollection),
-     kFaces<StoreLayerCollectionFace>},
+     kWrappers<StoreLayerCollectionWrapper>},
     {"KVDM.KVCustLayerCollection", &CLSID_KVCustLayerCollection, typeid(IKVCustLayerCollection),
-     kFaces<CustLayerCollectionFace>},
+     kWrappers<CustLayerCollectionWrapper>},
     {"KVDM.KVDataCollection", &CLSID_KVDataCollection, typeid(IKVDataCollection),
-     kFaces<DataCollectionFace>},
+     kWrappers<DataCollectionWrapper>},
     {"KVDM.KVAnalysis", &CLSID_KVAnalysis, typeid(IKVAnalysis),
-     kFaces<AnalysisFace, LayerEditFace, MetadataFace>},
+     kWrappers<AnalysisWrapper, LayerEditWrapper, MetadataWrapper>},
     {"KVDM.KVCustLayer", &CLSID_KVCustLayer, typeid(IKVCustLayer),
-     kFaces<CustLayerFace, LayerEditFace, MetadataFace>},
+     kWrappers<CustLayerWrapper, LayerEditWrapper, MetadataWrapper>},
     {"KVDM.KVStoreLayer", &CLSID_KVStoreLayer, typeid(IKVStoreLayer),
-     kFaces<StoreLayerFace, LayerEditFace, MetadataFace>},
-    {"KVDM.KVDataItem", &CLSID_KVDataItem, typeid(IKVDataItem), kFaces<DataItemFace>},
+     kWrappers<StoreLayerWrapper, LayerEditWrapper, MetadataWrapper>},
+    {"KVDM.KVDataItem", &CLSID_KVDataItem, typeid(IKVDataItem), kWrappers<DataItemWrapper>},
 };
 
 }  // namespace

@@ -19,7 +19,7 @@ struct Class {
   // The interface through which the component's operations answer objects of the class.
   std::type_index answered_as;
   // Gives `object` the interfaces of the class, in order.
-  void (*add_faces)(Object& object, const std::shared_ptr<Unknown>& core);
+  void (*add_wrappers)(Object& object, const std::shared_ptr<Unknown>& core);
 };
 
 [[nodiscard]] std::span<const Class> Classes();

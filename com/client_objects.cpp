@@ -1,17 +1,27 @@
 #include "com/client_objects.h"
 
+#include <string_view>
+#include <vector>
+
 #include <kvdm/platform/error.h>
 
 #include "com/kvdm.h"
-#include "com/late_objects.h"
-#include "com/objects.h"
-#include "com/value_arrays.h"
+#include "com/wrappers.h"
 #include "platform/windows/automation.h"
 
 namespace kvdm::com {
 namespace {
 
 using Microsoft::WRL::ComPtr;
+
+// A listing from the two arrays that ListAll fills.
+NamedValueSet::Listing ListingOf(const VARIANT& names, const VARIANT& values) {
+  NamedValueSet::Listing listing;
+  for (const Value& name : FromArray(names)) listing.names.push_back(ToText(name));
+  listing.values = FromArray(values);
+  if (listing.names.size() != listing.values.size()) throw RuntimeError(kTypeMismatch);
+  return listing;
+}
 
 // An object that has the interface `Interface`.
 template <class Interface>
@@ -127,6 +137,102 @@ class SlotMetadata final : public LayerMetadata, public SlotObject<::ILayerMetad
   }
   void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
     Check(Slots().WriteDocument(ToClient(document).Get()));
+  }
+};
+
+// An object that is called by name.
+class LateClient : public ClientObject {
+ public:
+  explicit LateClient(const ComPtr<IDispatch>& object) : ClientObject(object), names_(object) {}
+
+ protected:
+  [[nodiscard]] const LateObject& Names() const { return names_; }
+
+ private:
+  LateObject names_;
+};
+
+class LatePropertySet final : public HostPropertySet, public LateClient {
+ public:
+  using LateClient::LateClient;
+
+  Value GetProperty(std::string_view name) override {
+    const Bstr text(name);
+    return FromVariant(Names().Call("GetProperty", {Passed(text)}).get());
+  }
+  void SetProperty(std::string_view name, const Value& value) override {
+    const Bstr text(name);
+    const Variant given(value);
+    Names().Call("SetProperty", {Passed(text), Passed(given)});
+  }
+};
+
+std::shared_ptr<HostPropertySet> PropertySetIn(const Variant& answer) {
+  const ComPtr<IUnknown> object(ObjectIn(answer.get()));
+  if (!object) return nullptr;
+  ComPtr<IDispatch> names;
+  if (FAILED(object.As(&names))) throw RuntimeError(kTypeMismatch);
+  return std::make_shared<LatePropertySet>(names);
+}
+
+class LateHost final : public Host, public LateClient {
+ public:
+  using LateClient::LateClient;
+  std::shared_ptr<HostPropertySet> CurrentState() override {
+    return PropertySetIn(Names().Call("CurrentState"));
+  }
+  std::shared_ptr<HostPropertySet> Settings() override {
+    return PropertySetIn(Names().Call("Settings"));
+  }
+};
+
+class LateStream final : public VariantStream, public LateClient {
+ public:
+  using LateClient::LateClient;
+  void Write(const Value& value) override {
+    const Variant given(value);
+    Names().Call("Write", {Passed(given)});
+  }
+  Value Read() override { return FromVariant(Names().Call("Read").get()); }
+};
+
+class LateValueSet final : public NamedValueSet, public LateClient {
+ public:
+  using LateClient::LateClient;
+  std::vector<Value> GetValues(std::string_view path) override {
+    const Bstr text(path);
+    return FromArray(Names().Call("GetValues", {Passed(text)}).get());
+  }
+  void PutValue(std::string_view path, const Value& value) override {
+    const Bstr text(path);
+    const Variant given(value);
+    Names().Call("PutValue", {Passed(text), Passed(given)});
+  }
+  Listing ListAll() override {
+    Variant names;
+    Variant values;
+    Names().Call("ListAll", {PassedByReference(names), PassedByReference(values)});
+    return ListingOf(names.get(), values.get());
+  }
+  int EntryCount() override {
+    const Value count = FromVariant(Names().Call("EntryCount").get());
+    const auto* number = std::get_if<std::int32_t>(&count.storage());
+    if (number == nullptr) throw RuntimeError(kTypeMismatch);
+    return *number;
+  }
+  void PrepareForUpdate() override { Names().Call("PrepareForUpdate"); }
+};
+
+class LateMetadata final : public LayerMetadata, public LateClient {
+ public:
+  using LateClient::LateClient;
+  std::shared_ptr<NamedValueSet> ReadDocument() override {
+    const Variant document = Names().Call("ReadDocument");
+    return FromClient<NamedValueSet>(ObjectIn(document.get()));
+  }
+  void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
+    const Variant given = ObjectValue(ToClient(document).Get());
+    Names().Call("WriteDocument", {Passed(given)});
   }
 };
 

@@ -1,4 +1,4 @@
-// The objects that clients bring: the host, its streams, layer metadata and value sets.
+// Proxies of the objects that clients bring: the host, its streams, layer metadata and value sets.
 //
 // An object is called through its interface of that kind (IHost, IVariantStream, ILayerMetadata,
 // INamedValueSet), or else by the names of that interface's operations, so that scripts can be
@@ -15,7 +15,7 @@
 
 namespace kvdm::com {
 
-// One of them, as the component calls it.
+// A client's object, as the component calls it.
 class ClientObject {
  public:
   explicit ClientObject(Microsoft::WRL::ComPtr<IUnknown> object) : object_(std::move(object)) {}

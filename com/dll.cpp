@@ -1,13 +1,43 @@
-// What the DLL exports.
-
+// Class factory and entry points of the DLL.
 #include "com/abi.h"
-#include "com/class_factory.h"
+#include "com/classes.h"
+#include "com/counted.h"
 #include "com/module.h"
-#include "com/registration.h"
+#include "com/wrappers.h"
 #include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 namespace {
+
+using Microsoft::WRL::ComPtr;
+
+class ClassFactory final : public Counted<IClassFactory> {
+ public:
+  explicit ClassFactory(const Class& of) : class_(of) {}
+
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = nullptr;
+    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    HRESULT result = S_OK;
+    const HRESULT created =
+        abi::Guarded(class_.identity, iid, [&] { result = NewInstance(class_).CopyTo(iid, out); });
+    return FAILED(created) ? created : result;
+  }
+  STDMETHODIMP LockServer(BOOL lock) override {
+    LockModule(lock != FALSE);
+    return S_OK;
+  }
+
+ private:
+  const Class& class_;
+};
+
+ComPtr<IClassFactory> MakeClassFactory(const Class& of) {
+  ComPtr<IClassFactory> factory;
+  *factory.GetAddressOf() = new ClassFactory(of);
+  return factory;
+}
 
 // Answers the codes that registering programs know.
 HRESULT SelfRegister(bool install, Scope scope) {

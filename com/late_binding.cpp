@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "com/late_arguments.h"
 #include "com/module.h"
 #include "platform/windows/automation.h"
-#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 namespace {
@@ -77,9 +75,101 @@ void MakeCallable(VARIANT* result) {
   *result = object.Release();
 }
 
+bool IsVariable(const VARIANT& argument) { return V_VT(&argument) == (VT_BYREF | VT_VARIANT); }
+
+bool IsObjectVariable(const VARIANT& argument) {
+  return V_VT(&argument) == (VT_BYREF | VT_DISPATCH) || V_VT(&argument) == (VT_BYREF | VT_UNKNOWN);
+}
+
+// Puts `object` into the variable that `argument` refers to.
+void Assign(IUnknown* object, VARIANT& argument) {
+  Variant value = ObjectValue(object);
+  if (IsVariable(argument)) {
+    Check(::VariantClear(V_VARIANTREF(&argument)));
+    *V_VARIANTREF(&argument) = value.Release();
+  } else if (V_VT(&value.get()) == (V_VT(&argument) & VT_TYPEMASK) ||
+             V_VT(&argument) == (VT_BYREF | VT_UNKNOWN)) {
+    if (*V_UNKNOWNREF(&argument) != nullptr) (*V_UNKNOWNREF(&argument))->Release();
+    VARIANT released = value.Release();
+    *V_UNKNOWNREF(&argument) = V_UNKNOWN(&released);
+  }
+}
+
+// What a parameter points to; VT_EMPTY when it is no pointer.
+VARTYPE PointeeOf(const ELEMDESC& parameter) {
+  const bool is_pointer = parameter.tdesc.vt == VT_PTR;
+  return is_pointer ? parameter.tdesc.lptdesc->vt : static_cast<VARTYPE>(VT_EMPTY);
+}
+
+// Callers by name pass values, or variables by reference, of whatever type they have. Here each
+// becomes what its parameter is: a text, an object, an object variable; others stay as they are.
+class LateArguments {
+ public:
+  // Run-time error 13 for an argument that its parameter can't take, 450 for one too many.
+  LateArguments(const FUNCDESC& operation, const DISPPARAMS& given);
+
+  // For ITypeInfo::Invoke; valid while this lives.
+  [[nodiscard]] DISPPARAMS& Parameters() { return parameters_; }
+
+  // After the call: gives the caller's object variables what they now hold.
+  void ReturnObjects();
+
+ private:
+  struct Argument {
+    Variant value;                // what was converted, if anything
+    ComPtr<IUnknown> object;      // what an object variable holds
+    VARIANT* variable = nullptr;  // the caller's object variable
+  };
+
+  VARIANT Converted(const ELEMDESC& parameter, VARIANT& given, Argument& argument);
+
+  std::vector<Argument> arguments_;
+  std::vector<VARIANT> passed_;
+  DISPPARAMS parameters_;
+};
+
+// The last argument stands first.
+LateArguments::LateArguments(const FUNCDESC& operation, const DISPPARAMS& given)
+    : arguments_(given.cArgs), passed_(given.cArgs), parameters_(given) {
+  for (UINT i = 0; i < given.cArgs; ++i) {
+    const auto position = static_cast<int>(given.cArgs - 1 - i);
+    if (position >= operation.cParams) Check(DISP_E_BADPARAMCOUNT);
+    passed_[i] = Converted(operation.lprgelemdescParam[position], given.rgvarg[i], arguments_[i]);
+  }
+  parameters_.rgvarg = passed_.data();
+}
+
+VARIANT LateArguments::Converted(const ELEMDESC& parameter, VARIANT& given, Argument& argument) {
+  VARIANT& value = IsVariable(given) ? *V_VARIANTREF(&given) : given;
+  VARIANT passed{};
+  if (parameter.tdesc.vt == VT_UNKNOWN) {
+    V_VT(&passed) = VT_UNKNOWN;
+    V_UNKNOWN(&passed) = ObjectIn(value);
+  } else if (PointeeOf(parameter) == VT_UNKNOWN) {
+    if (IsVariable(given) || IsObjectVariable(given)) argument.variable = &given;
+    argument.object = ObjectIn(value);
+    V_VT(&passed) = VT_BYREF | VT_UNKNOWN;
+    V_UNKNOWNREF(&passed) = argument.object.GetAddressOf();
+  } else if (PointeeOf(parameter) == VT_BSTR) {
+    Check(::VariantChangeType(argument.value.address(), &value, 0, VT_BSTR));
+    passed = argument.value.get();
+  } else {
+    passed = PointeeOf(parameter) == VT_VARIANT ? given : value;
+  }
+  return passed;
+}
+
+void LateArguments::ReturnObjects() {
+  for (const Argument& argument : arguments_) {
+    if (argument.variable == nullptr) continue;
+    if (argument.object.Get() == ObjectIn(*argument.variable)) continue;
+    Assign(argument.object.Get(), *argument.variable);
+  }
+}
+
 }  // namespace
 
-void LateBinding::Add(const IID& iid, IUnknown* face) {
+void LateBinding::Add(const IID& iid, IUnknown* wrapper) {
   const ComPtr<ITypeInfo> type = DescriptionOf(iid);
   const UINT count = OperationCount(*type.Get());
   for (UINT i = 0; i < count; ++i) {
@@ -88,7 +178,8 @@ void LateBinding::Add(const IID& iid, IUnknown* face) {
     const auto known = IdOf(name);
     const DISPID next = kFirstOwnId + static_cast<DISPID>(members_.size());
     const DISPID own = operation->memid < kFirstOwnId ? operation->memid : next;
-    members_.push_back({std::move(name), known.value_or(own), operation->invkind, i, type, face});
+    members_.push_back(
+        {std::move(name), known.value_or(own), operation->invkind, i, type, wrapper});
   }
 }
 
@@ -116,14 +207,14 @@ HRESULT LateBinding::Invoke(const LateCall& call) const {
   const Operation operation = OperationAt(*member->type.Get(), member->index);
   LateArguments arguments(*operation, call.parameters);
   const HRESULT result = member->type->Invoke(
-      member->face, operation->memid, static_cast<WORD>(member->kind), &arguments.Parameters(),
+      member->wrapper, operation->memid, static_cast<WORD>(member->kind), &arguments.Parameters(),
       call.result, call.exception, call.wrong_argument);
   if (FAILED(result)) {
     if (call.result != nullptr) ::VariantInit(call.result);
     return result;
   }
   MakeCallable(call.result);
-  arguments.HandBack();
+  arguments.ReturnObjects();
   return result;
 }
 

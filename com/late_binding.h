@@ -26,8 +26,9 @@ struct LateCall {
 // through one interface and set through another has one.
 class LateBinding {
  public:
-  // Adds the operations of the interface `iid`, which `face` points to for as long as this lives.
-  void Add(const IID& iid, IUnknown* face);
+  // Adds the operations of the interface `iid`, which `wrapper` points to for as long as this
+  // lives.
+  void Add(const IID& iid, IUnknown* wrapper);
 
   // Nothing for a name that no operation has.
   [[nodiscard]] std::optional<DISPID> IdOf(std::wstring_view name) const;
@@ -42,7 +43,7 @@ class LateBinding {
     INVOKEKIND kind;
     UINT index;  // among the operations of `type`
     Microsoft::WRL::ComPtr<ITypeInfo> type;
-    IUnknown* face;
+    IUnknown* wrapper;
   };
 
   [[nodiscard]] const Member* Find(DISPID id, WORD flags) const;

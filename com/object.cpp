@@ -12,10 +12,10 @@ ComPtr<Object> Object::Make(const char* identity) {
   return object;
 }
 
-FaceBase* Object::Find(REFIID iid) const {
+WrapperBase* Object::Find(REFIID iid) const {
   const auto found = std::ranges::find_if(
-      faces_, [&](const auto& face) { return ::IsEqualIID(face->Iid(), iid) != FALSE; });
-  return found == faces_.end() ? nullptr : found->get();
+      wrappers_, [&](const auto& wrapper) { return ::IsEqualIID(wrapper->Iid(), iid) != FALSE; });
+  return found == wrappers_.end() ? nullptr : found->get();
 }
 
 STDMETHODIMP Object::QueryInterface(REFIID iid, void** out) {
@@ -25,8 +25,8 @@ STDMETHODIMP Object::QueryInterface(REFIID iid, void** out) {
     *out = static_cast<IDispatch*>(this);
   } else if (::IsEqualIID(iid, IID_ISupportErrorInfo)) {
     *out = static_cast<ISupportErrorInfo*>(this);
-  } else if (FaceBase* face = Find(iid)) {
-    *out = face->Interface();
+  } else if (WrapperBase* wrapper = Find(iid)) {
+    *out = wrapper->Interface();
   } else {
     return E_NOINTERFACE;
   }
@@ -49,11 +49,11 @@ STDMETHODIMP Object::InterfaceSupportsErrorInfo(REFIID iid) {
 LateBinding& Object::Late() {
   if (late_) return *late_;
   LateBinding late;
-  for (const auto& face : faces_) late.Add(face->Iid(), face->Interface());
+  for (const auto& wrapper : wrappers_) late.Add(wrapper->Iid(), wrapper->Interface());
   return late_.emplace(std::move(late));
 }
 
-// What the interfaces describe together stands nowhere as one type.
+// There is no type information: no one type describes all interfaces.
 STDMETHODIMP Object::GetTypeInfoCount(UINT* count) {
   if (count == nullptr) return E_POINTER;
   *count = 0;

@@ -1,4 +1,4 @@
-// The COM object around an object of the component, and the interfaces it answers.
+// COM identity of an object of the component: IUnknown, IDispatch and the interfaces it answers.
 #pragma once
 
 #include <atomic>
@@ -16,9 +16,9 @@
 namespace kvdm::com {
 
 // One interface of an object.
-class FaceBase {
+class WrapperBase {
  public:
-  virtual ~FaceBase() = default;
+  virtual ~WrapperBase() = default;
   [[nodiscard]] virtual const IID& Iid() const = 0;
   [[nodiscard]] virtual IUnknown* Interface() = 0;
 };
@@ -32,9 +32,9 @@ class Object final : public IDispatch, public ISupportErrorInfo {
   [[nodiscard]] static Microsoft::WRL::ComPtr<Object> Make(const char* identity);
 
   // Adds an interface. Of two operations of one name, calls by name reach the one added first.
-  template <class Face>
-  void Add(std::shared_ptr<typename Face::Core> core) {
-    faces_.push_back(std::make_unique<Face>(*this, std::move(core)));
+  template <class Wrapper>
+  void Add(std::shared_ptr<typename Wrapper::Core> core) {
+    wrappers_.push_back(std::make_unique<Wrapper>(*this, std::move(core)));
   }
 
   [[nodiscard]] const char* Identity() const { return identity_; }
@@ -56,23 +56,23 @@ class Object final : public IDispatch, public ISupportErrorInfo {
   explicit Object(const char* identity) : identity_(identity) {}
   ~Object() = default;
 
-  [[nodiscard]] FaceBase* Find(REFIID iid) const;
+  [[nodiscard]] WrapperBase* Find(REFIID iid) const;
   LateBinding& Late();
 
   ModuleLock lock_;
   const char* identity_;
   std::atomic<ULONG> references_ = 1;
-  std::vector<std::unique_ptr<FaceBase>> faces_;
+  std::vector<std::unique_ptr<WrapperBase>> wrappers_;
   std::optional<LateBinding> late_;
 };
 
 // The interface `Abi` of an object, each operation of which calls one of the component's `Core`.
 template <class AbiInterface, class CoreInterface>
-class FaceOf : public AbiInterface, public FaceBase {
+class WrapperOf : public AbiInterface, public WrapperBase {
  public:
   using Core = CoreInterface;
 
-  FaceOf(Object& object, std::shared_ptr<Core> core) : object_(object), core_(std::move(core)) {}
+  WrapperOf(Object& object, std::shared_ptr<Core> core) : object_(object), core_(std::move(core)) {}
 
   [[nodiscard]] const IID& Iid() const override { return __uuidof(AbiInterface); }
   [[nodiscard]] IUnknown* Interface() override { return this; }

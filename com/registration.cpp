@@ -1,4 +1,4 @@
-#include "com/registration.h"
+// Registration of classes and type library.
 
 #include <array>
 #include <string>

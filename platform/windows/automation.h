@@ -84,6 +84,16 @@ class Variant {
 // Overwrites `out` without clearing it.
 void ToVariant(const Value& value, VARIANT* out);
 
+// Lists of values are arrays of VARIANTs, which scripts can read too.
+
+// Overwrites `out`, without clearing it, with an array counted from 0; with Empty when there are no
+// values.
+void PutArray(const std::vector<Value>& values, VARIANT* out);
+
+// The values of a one-dimensional array of VARIANTs or of texts, of one value, or of Empty, which
+// has none. Run-time error 13 for others.
+[[nodiscard]] std::vector<Value> FromArray(const VARIANT& array);
+
 // An object whose operations are called by name (late binding).
 class LateObject {
  public:

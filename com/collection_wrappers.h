@@ -10,9 +10,10 @@
 
 namespace kvdm::com {
 
-class AnalysisCollectionFace final : public FaceOf<::IKVAnalysisCollection, IKVAnalysisCollection> {
+class AnalysisCollectionWrapper final
+    : public WrapperOf<::IKVAnalysisCollection, IKVAnalysisCollection> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP AnalysesList(::INameList** result) override {
     return Call(&Core::AnalysesList, result);
@@ -43,10 +44,10 @@ class AnalysisCollectionFace final : public FaceOf<::IKVAnalysisCollection, IKVA
   }
 };
 
-class StoreLayerCollectionFace final
-    : public FaceOf<::IKVStoreLayerCollection, IKVStoreLayerCollection> {
+class StoreLayerCollectionWrapper final
+    : public WrapperOf<::IKVStoreLayerCollection, IKVStoreLayerCollection> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP StoreLayersList(::INameList** result) override {
     return Call(&Core::StoreLayersList, result);
@@ -78,10 +79,10 @@ class StoreLayerCollectionFace final
   STDMETHODIMP StoreLayersDir(BSTR* result) override { return Call(&Core::StoreLayersDir, result); }
 };
 
-class CustLayerCollectionFace final
-    : public FaceOf<::IKVCustLayerCollection, IKVCustLayerCollection> {
+class CustLayerCollectionWrapper final
+    : public WrapperOf<::IKVCustLayerCollection, IKVCustLayerCollection> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP CustLayersList(::INameList** result) override {
     return Call(&Core::CustLayersList, result);
@@ -113,9 +114,9 @@ class CustLayerCollectionFace final
   STDMETHODIMP CustLayersDir(BSTR* result) override { return Call(&Core::CustLayersDir, result); }
 };
 
-class DataCollectionFace final : public FaceOf<::IKVDataCollection, IKVDataCollection> {
+class DataCollectionWrapper final : public WrapperOf<::IKVDataCollection, IKVDataCollection> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP DataItemsList(::INameList** result) override {
     return Call(&Core::DataItemsList, result);

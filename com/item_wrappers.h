@@ -12,10 +12,10 @@ namespace kvdm::com {
 
 // What all items have.
 template <class Abi, class CoreInterface>
-class ItemFace : public FaceOf<Abi, CoreInterface> {
+class ItemWrapper : public WrapperOf<Abi, CoreInterface> {
  public:
   using Core = CoreInterface;
-  using FaceOf<Abi, CoreInterface>::FaceOf;
+  using WrapperOf<Abi, CoreInterface>::WrapperOf;
 
   STDMETHODIMP get_Name(BSTR* result) override { return this->Call(&Core::Name, result); }
   STDMETHODIMP put_Name(BSTR* name) override { return this->Call(&Core::SetName, name); }
@@ -37,10 +37,10 @@ class ItemFace : public FaceOf<Abi, CoreInterface> {
 
 // What both kinds of layers have.
 template <class Abi, class CoreInterface>
-class LayerFace : public ItemFace<Abi, CoreInterface> {
+class LayerWrapper : public ItemWrapper<Abi, CoreInterface> {
  public:
   using Core = CoreInterface;
-  using ItemFace<Abi, CoreInterface>::ItemFace;
+  using ItemWrapper<Abi, CoreInterface>::ItemWrapper;
 
   STDMETHODIMP get_IsInternalData(VARIANT_BOOL* result) override {
     return this->Call(&Core::IsInternalData, result);
@@ -73,9 +73,9 @@ class LayerFace : public ItemFace<Abi, CoreInterface> {
   STDMETHODIMP get_GUID(BSTR* result) override { return this->Call(&Core::GUID, result); }
 };
 
-class AnalysisFace final : public ItemFace<::IKVAnalysis, IKVAnalysis> {
+class AnalysisWrapper final : public ItemWrapper<::IKVAnalysis, IKVAnalysis> {
  public:
-  using ItemFace::ItemFace;
+  using ItemWrapper::ItemWrapper;
 
   STDMETHODIMP get_Comments(BSTR* result) override { return Call(&Core::Comments, result); }
   STDMETHODIMP put_Comments(BSTR* comments) override { return Call(&Core::SetComments, comments); }
@@ -91,22 +91,22 @@ class AnalysisFace final : public ItemFace<::IKVAnalysis, IKVAnalysis> {
   }
 };
 
-class CustLayerFace final : public LayerFace<::IKVCustLayer, IKVCustLayer> {
+class CustLayerWrapper final : public LayerWrapper<::IKVCustLayer, IKVCustLayer> {
  public:
-  using LayerFace::LayerFace;
+  using LayerWrapper::LayerWrapper;
 
   STDMETHODIMP get_LinkField(BSTR* result) override { return Call(&Core::LinkField, result); }
   STDMETHODIMP put_LinkField(BSTR* field) override { return Call(&Core::SetLinkField, field); }
 };
 
-class StoreLayerFace final : public LayerFace<::IKVStoreLayer, IKVStoreLayer> {
+class StoreLayerWrapper final : public LayerWrapper<::IKVStoreLayer, IKVStoreLayer> {
  public:
-  using LayerFace::LayerFace;
+  using LayerWrapper::LayerWrapper;
 };
 
-class DataItemFace final : public ItemFace<::IKVDataItem, IKVDataItem> {
+class DataItemWrapper final : public ItemWrapper<::IKVDataItem, IKVDataItem> {
  public:
-  using ItemFace::ItemFace;
+  using ItemWrapper::ItemWrapper;
 
   STDMETHODIMP get_AdditionalInfo(BSTR* result) override {
     return Call(&Core::AdditionalInfo, result);
@@ -117,17 +117,17 @@ class DataItemFace final : public ItemFace<::IKVDataItem, IKVDataItem> {
   STDMETHODIMP get_GUID(BSTR* result) override { return Call(&Core::GUID, result); }
 };
 
-class LayerEditFace final : public FaceOf<::IKVLayerEdit, IKVLayerEdit> {
+class LayerEditWrapper final : public WrapperOf<::IKVLayerEdit, IKVLayerEdit> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP put_LayerFile(BSTR* path) override { return Call(&Core::SetLayerFile, path); }
   STDMETHODIMP put_GUID(BSTR* guid) override { return Call(&Core::SetGUID, guid); }
 };
 
-class MetadataFace final : public FaceOf<::IKVMetadata, IKVMetadata> {
+class MetadataWrapper final : public WrapperOf<::IKVMetadata, IKVMetadata> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP ImportMetadata(IUnknown* metadata) override {
     return Call(&Core::ImportMetadata, metadata);

@@ -1,26 +1,11 @@
-#include "com/error_object.h"
+#include "com/abi.h"
 
 #include <exception>
 
-#include <kvdm/platform/error.h>
-
-#include "platform/windows/automation.h"
-#include "platform/windows/com_headers.h"
-
-namespace kvdm::com {
+namespace kvdm::com::abi {
 namespace {
 
 using Microsoft::WRL::ComPtr;
-
-RuntimeError CurrentError() {
-  try {
-    throw;
-  } catch (const std::exception& error) {
-    return AsRuntimeError(error);
-  } catch (...) {
-    return RuntimeError(kAutomationFailure);
-  }
-}
 
 void SetErrorObject(const RuntimeError& error, const char* class_identity, const IID& iid) {
   ComPtr<ICreateErrorInfo> made;
@@ -46,4 +31,4 @@ HRESULT RaiseCurrentError(const char* class_identity, const IID& iid) noexcept {
   }
 }
 
-}  // namespace kvdm::com
+}  // namespace kvdm::com::abi

@@ -8,10 +8,10 @@
 
 namespace kvdm::com {
 
-class StudyAreaCollectionFace final
-    : public FaceOf<::IKVStudyAreaCollection, IKVStudyAreaCollection> {
+class StudyAreaCollectionWrapper final
+    : public WrapperOf<::IKVStudyAreaCollection, IKVStudyAreaCollection> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP StudyAreasList(::INameList** result) override {
     return Call(&Core::StudyAreasList, result);
@@ -42,9 +42,9 @@ class StudyAreaCollectionFace final
   }
 };
 
-class PropertySetFace final : public FaceOf<::IKVPropertySet, IKVPropertySet> {
+class PropertySetWrapper final : public WrapperOf<::IKVPropertySet, IKVPropertySet> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP get_Count(long* result) override { return Call(&Core::Count, result); }
   STDMETHODIMP GetProperty(BSTR* name, VARIANT* result) override {
@@ -55,9 +55,9 @@ class PropertySetFace final : public FaceOf<::IKVPropertySet, IKVPropertySet> {
   }
 };
 
-class StudyAreaFace final : public FaceOf<::IKVStudyArea, IKVStudyArea> {
+class StudyAreaWrapper final : public WrapperOf<::IKVStudyArea, IKVStudyArea> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP get_Name(BSTR* result) override { return Call(&Core::Name, result); }
   STDMETHODIMP put_Name(BSTR* name) override { return Call(&Core::SetName, name); }
@@ -70,9 +70,9 @@ class StudyAreaFace final : public FaceOf<::IKVStudyArea, IKVStudyArea> {
   STDMETHODIMP get_GUID(BSTR* result) override { return Call(&Core::GUID, result); }
 };
 
-class StudyArea2Face final : public FaceOf<::IKVStudyArea2, IKVStudyArea2> {
+class StudyArea2Wrapper final : public WrapperOf<::IKVStudyArea2, IKVStudyArea2> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP put_StudyAreaDir(BSTR* folder) override {
     return Call(&Core::SetStudyAreaDir, folder);

@@ -8,9 +8,9 @@
 
 namespace kvdm::com {
 
-class DataManagerFace final : public FaceOf<::IKVDataManager, IKVDataManager> {
+class DataManagerWrapper final : public WrapperOf<::IKVDataManager, IKVDataManager> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP get_WorkingDirectory(BSTR* result) override {
     return Call(&Core::WorkingDirectory, result);
@@ -48,25 +48,25 @@ class DataManagerFace final : public FaceOf<::IKVDataManager, IKVDataManager> {
   }
 };
 
-class InitializeFace final : public FaceOf<::IKVDMInitialize, IKVDMInitialize> {
+class InitializeWrapper final : public WrapperOf<::IKVDMInitialize, IKVDMInitialize> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP DMInitialize(IUnknown* host) override { return Call(&Core::DMInitialize, host); }
 };
 
-class PersistFace final : public FaceOf<::IPersistVariant, IPersistVariant> {
+class PersistWrapper final : public WrapperOf<::IPersistVariant, IPersistVariant> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP ID(::IIdentifier** result) override { return Call(&Core::ID, result); }
   STDMETHODIMP Load(IUnknown* stream) override { return Call(&Core::Load, stream); }
   STDMETHODIMP Save(IUnknown* stream) override { return Call(&Core::Save, stream); }
 };
 
-class TablesManagerFace final : public FaceOf<::IKVTablesManager, IKVTablesManager> {
+class TablesManagerWrapper final : public WrapperOf<::IKVTablesManager, IKVTablesManager> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP get_TablesDir(BSTR* result) override { return Call(&Core::TablesDir, result); }
   STDMETHODIMP get_FreeTablePath(BSTR* result) override {
@@ -74,9 +74,9 @@ class TablesManagerFace final : public FaceOf<::IKVTablesManager, IKVTablesManag
   }
 };
 
-class FileInfoFace final : public FaceOf<::IKVFileInfo, IKVFileInfo> {
+class FileInfoWrapper final : public WrapperOf<::IKVFileInfo, IKVFileInfo> {
  public:
-  using FaceOf::FaceOf;
+  using WrapperOf::WrapperOf;
 
   STDMETHODIMP get_ParentDirPath(BSTR* result) override {
     return Call(&Core::ParentDirPath, result);

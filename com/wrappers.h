@@ -1,4 +1,4 @@
-// The COM objects that stand for the component's.
+// Wrappers: the COM objects that stand for the component's.
 #pragma once
 
 #include <memory>
@@ -32,6 +32,6 @@ template <class Interface>
     const std::shared_ptr<DatasetManager>& manager);
 
 // A new object of the class, on the services of this system.
-[[nodiscard]] Microsoft::WRL::ComPtr<IUnknown> CreateInstance(const Class& of);
+[[nodiscard]] Microsoft::WRL::ComPtr<IUnknown> NewInstance(const Class& of);
 
 }  // namespace kvdm::com
