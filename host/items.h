@@ -1,4 +1,7 @@
-// Finding the items that commands name: by name, or by "{GUID}".
+// Kinds of items, and finding the items that commands name: by name, or by "{GUID}".
+//
+// A kind is a class of static members: the words for its items, where they are and how they are
+// shown. The commands that kinds have in common (host/item_commands.h) are templates over kinds.
 #pragma once
 
 #include <fmt/format.h>
@@ -7,15 +10,164 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <kvdm/kvdm.h>
 #include <kvdm/platform/file_system.h>
 
-#include "host/failure.h"
-#include "host/record.h"
+#include "host/session.h"
 
 namespace kvdm {
+
+// What is the same for most kinds; a kind hides what is different for it. It adds
+//
+//   kWord, kPlural             in sentences: "study area", "study areas"
+//   kCommand                   below 'kvdm': "area"
+//   All(session)               its items, in the collection's order
+//   Find(session, selector)    the one item that is meant; see TheOnlyOne
+//   Columns(item)              the fields in lists that follow name and guid
+template <class SomeItem>
+struct ItemKind {
+  using Item = SomeItem;
+  using Ref = std::shared_ptr<Item>;
+  static constexpr char kListFlag[] = "";  // with which 'list' shows all items
+  static constexpr char kChosenBy[] = "a name or {GUID} of its own";
+
+  static std::string NameOf(const Ref& item) { return item->Name(); }
+  static std::string GuidOf(const Ref& item) { return item->GUID(); }
+};
+
+template <class Kind>
+[[nodiscard]] Record RowOf(const typename Kind::Ref& item) {
+  Record row = {{"name", Kind::NameOf(item)}, {"guid", Kind::GuidOf(item)}};
+  for (auto& column : Kind::Columns(item)) row.push_back(std::move(column));
+  return row;
+}
+
+template <class Kind>
+[[nodiscard]] std::vector<Record> RowsOf(const std::vector<typename Kind::Ref>& items) {
+  std::vector<Record> rows;
+  for (const auto& item : items) rows.push_back(RowOf<Kind>(item));
+  return rows;
+}
+
+// Whether a selector has the form of an identifier.
+[[nodiscard]] inline bool IsGuid(std::string_view selector) {
+  return selector.starts_with('{') && selector.ends_with('}');
+}
+
+template <class Kind>
+[[nodiscard]] std::vector<typename Kind::Ref> ItemsNamed(std::vector<typename Kind::Ref> items,
+                                                         std::string_view name) {
+  std::erase_if(items, [&](const auto& item) { return Kind::NameOf(item) != name; });
+  return items;
+}
+
+// Those of `items` that `selector` means: those with that "{GUID}", else those with that name.
+template <class Kind>
+[[nodiscard]] std::vector<typename Kind::Ref> ItemsMeant(std::vector<typename Kind::Ref> items,
+                                                         const std::string& selector) {
+  auto found = items;
+  std::erase_if(found, [&](const auto& item) { return Kind::GuidOf(item) != selector; });
+  if (IsGuid(selector) && !found.empty()) return found;
+  return ItemsNamed<Kind>(std::move(items), selector);
+}
+
+// The one of the items that `selector` was found to mean. Failure kNotFound when there is none,
+// kConflict with the candidates when there are several.
+template <class Kind>
+[[nodiscard]] typename Kind::Ref TheOnlyOne(const std::vector<typename Kind::Ref>& found,
+                                            const std::string& selector) {
+  if (found.size() == 1) return found.front();
+  if (found.empty()) {
+    throw Failure(ExitCode::kNotFound,
+                  fmt::format("There is no {} {}. 'kvdm {} list{}' shows what there is.",
+                              Kind::kWord, selector, Kind::kCommand, Kind::kListFlag));
+  }
+  throw Failure(ExitCode::kConflict,
+                fmt::format("{} means {} items. Say which one by {}.", selector, found.size(),
+                            Kind::kChosenBy),
+                RowsOf<Kind>(found));
+}
+
+template <class Kind>
+[[noreturn]] void NameIsTaken(std::string_view name) {
+  throw Failure(ExitCode::kConflict,
+                fmt::format("Another {} is named {}. Choose another name, or rename that one.",
+                            Kind::kWord, name));
+}
+
+// Failure kConflict when one of `items` other than `except` has the name.
+template <class Kind>
+void RequireFreeName(const std::vector<typename Kind::Ref>& items, std::string_view name,
+                     const std::string& except = {}) {
+  for (const auto& item : ItemsNamed<Kind>(items, name)) {
+    if (Kind::GuidOf(item) != except) NameIsTaken<Kind>(name);
+  }
+}
+
+// A kind of which the component has a collection, with the operations
+//
+//   kCollection                of the data manager
+//   kNames, kGuids             of the collection, whose lists have the same order
+//   kGet, kGetByGuid
+template <class Kind, class SomeItem>
+struct CollectionKind : ItemKind<SomeItem> {
+  using Ref = std::shared_ptr<SomeItem>;
+
+  // Fails when what the collection is read from can't be read.
+  static void RequireReadable(Session&) {}
+  // Fails when there is a reason known why the collection has no list of names.
+  static void RequireList(Session&) {}
+
+  // Failure kRefused when the component has no such collection.
+  static auto Collection(Session& session) {
+    Kind::RequireReadable(session);
+    return Reached(std::invoke(Kind::kCollection, session.Manager()));
+  }
+
+  // Of items that share an identifier the component finds only the first by it; the others are
+  // found by name. Failure kRefused when it has no list of them.
+  static std::vector<Ref> All(Session& session) {
+    const auto collection = Collection(session);
+    const NameListRef names = std::invoke(Kind::kNames, *collection);
+    if (!names) Kind::RequireList(session);
+    const NameListRef guids = Reached(std::invoke(Kind::kGuids, *collection));
+    const bool parallel = names && names->Count() == guids->Count();
+    std::vector<Ref> items;
+    for (int i = 1; i <= guids->Count(); ++i) {
+      Ref item = std::invoke(Kind::kGetByGuid, *collection, ToText(guids->Item(i)));
+      const std::string name = parallel ? ToText(names->Item(i)) : "";
+      if (parallel && item && item->Name() != name) {
+        item = std::invoke(Kind::kGet, *collection, name);
+      }
+      if (item) items.push_back(std::move(item));
+    }
+    return items;
+  }
+
+  static Ref Find(Session& session, const std::string& selector) {
+    return TheOnlyOne<Kind>(ItemsMeant<Kind>(All(session), selector), selector);
+  }
+
+  // The item that was just made under a name. Failure kRefused when the component does not have it.
+  static Ref Made(Session& session, std::string_view name) {
+    const auto items = ItemsNamed<Kind>(All(session), name);
+    if (!items.empty()) return items.back();
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The component did not keep the new {} {}.", Kind::kWord, name));
+  }
+
+ private:
+  template <class Thing>
+  static Thing Reached(Thing thing) {
+    if (thing) return thing;
+    throw Failure(
+        ExitCode::kRefused,
+        fmt::format("The {} list can't be reached. 'kvdm status' tells more.", Kind::kWord));
+  }
+};
 
 // The items of one kind, as a collection of the component has them.
 template <class Item>
@@ -56,11 +208,6 @@ template <class Item>
   auto items = AllItems(source);
   std::erase_if(items, [&](const auto& item) { return item->Name() != name; });
   return items;
-}
-
-// Whether a selector has the form of an identifier.
-[[nodiscard]] inline bool IsGuid(std::string_view selector) {
-  return selector.starts_with('{') && selector.ends_with('}');
 }
 
 // The items that `selector` means: those with that "{GUID}", else those with that name.

@@ -8,9 +8,8 @@
 #include <optional>
 #include <set>
 
-#include "host/items.h"
+#include "host/kinds.h"
 #include "host/os.h"
-#include "host/sources.h"
 #include "platform/file_names.h"
 #include "platform/xml/document.h"
 #include "util/guard.h"
@@ -86,7 +85,7 @@ class Surroundings {
     }
     AddTree(session.GetProject().drives, top + sDefaultDirNames::kStoreLayers + "\\");
     AddAreas(session, catalogue);
-    for (const auto& analysis : AllItems(Analyses(session))) Add(ParentOf(analysis->AnalysisDir()));
+    for (const auto& analysis : AnalysisKind::All(session)) Add(ParentOf(analysis->AnalysisDir()));
   }
 
   [[nodiscard]] const std::vector<std::string>& Folders() const { return folders_; }

@@ -4,8 +4,8 @@
 #include "host/checks.h"
 #include "host/commands/groups.h"
 #include "host/json.h"
+#include "host/kinds.h"
 #include "host/os.h"
-#include "host/sources.h"
 #include "platform/portable/value_set.h"
 #include "platform/xml/limits.h"
 
@@ -66,13 +66,13 @@ std::shared_ptr<ValueSet> ToSet(const Json& object, const std::string& file) {
 class PropertiesExport : public ReadingCommand {
  public:
   explicit PropertiesExport(Arguments arguments) {
-    arguments.Required("NAME", name_, "An analysis, by name or {GUID}");
+    arguments.Required("NAME", name_, SelectorHelp(AnalysisKind::kWord));
     arguments.Required("FILE", file_, "The JSON file to make");
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    const auto analysis = FindItem(Analyses(session), name_);
+    const auto analysis = AnalysisKind::Find(session, name_);
     const Json object = ToJson(*Exported(*analysis));
     const auto path = os::ToPath(file_);
     if (os::Exists(path)) {
@@ -94,7 +94,7 @@ class PropertiesExport : public ReadingCommand {
 class PropertiesImport : public ChangingCommand {
  public:
   explicit PropertiesImport(Arguments arguments) {
-    arguments.Required("NAME", name_, "An analysis, by name or {GUID}");
+    arguments.Required("NAME", name_, SelectorHelp(AnalysisKind::kWord));
     arguments.Required("FILE", file_, "A JSON object of names and texts");
   }
 
@@ -102,10 +102,10 @@ class PropertiesImport : public ChangingCommand {
   void Run(Session& session, Output& out) override {
     const Json wanted = ReadJson(file_);
     const auto set = ToSet(wanted, file_);
-    const auto source = Analyses(session);
-    const auto analysis = FindItem(source, name_);
+    const auto analysis = AnalysisKind::Find(session, name_);
     if (wanted.contains("Name")) {
-      RequireFreeName(source, wanted["Name"].get<std::string>(), analysis->AnalysisGUID());
+      RequireFreeName<AnalysisKind>(AnalysisKind::All(session), wanted["Name"].get<std::string>(),
+                                    analysis->AnalysisGUID());
     }
     if (!analysis->ReadFromPropertySet(set)) {
       throw Failure(ExitCode::kRefused, "The component could not take over the properties.");

@@ -1,10 +1,9 @@
 // kvdm area: the study areas, which all projects of a user share.
 #include "host/commands/groups.h"
-#include "host/commands/item_comment.h"
-#include "host/commands/item_set.h"
+#include "host/commands/item_commands.h"
 #include "host/deletion.h"
+#include "host/kinds.h"
 #include "host/project_file.h"
-#include "host/sources.h"
 #include "util/names.h"
 
 namespace kvdm {
@@ -15,23 +14,20 @@ std::string DatasetOf(IKVStudyArea& area, Output& out) {
   return out.Quietly([&] { return area.Dataset(); });
 }
 
-Record AreaRecord(IKVStudyArea& area, Session& session, Output& out) {
-  return {{"name", area.Name()},
-          {"guid", area.GUID()},
-          {"folder", area.StudyAreaDir()},
-          {"layer_file", area.LayerFile()},
-          {"dataset", DatasetOf(area, out)},
-          {"current", area.Name() == session.Component().CurrentStudyArea()},
-          {"comments", WithPlainLineEnds(area.Comments())}};
-}
+struct StudyAreas : CommandKind<StudyAreaKind> {
+  static constexpr char kExample[] = "North";
+  static constexpr char kNameHelp[] = "Its name, which names its folder too";
+  static constexpr char kRenameHelp[] = "Its new name; its folder keeps the old one";
+  static constexpr Check kNewName = &RequireNewAreaName;
+  static constexpr Check kKey = &RequireAreaKey;
 
-// What the commands that all kinds of items have need of study areas.
-struct AreaItems {
-  using Item = IKVStudyArea;
-  static constexpr char kWord[] = "study area";
+  static void TellMore(Session& session) { TellOfMissingArea(session); }
 
-  static std::shared_ptr<Item> Find(Session& session, const std::string& selector) {
-    return FindItem(StudyAreas(session), selector);
+  static Record Details(const Ref& area, Session& session, Output& out) {
+    return {{"layer_file", area->LayerFile()},
+            {"dataset", DatasetOf(*area, out)},
+            {"current", area->Name() == session.Component().CurrentStudyArea()},
+            {"comments", WithPlainLineEnds(area->Comments())}};
   }
 
   static std::vector<SettableField<Item>> SettableFields() {
@@ -41,93 +37,30 @@ struct AreaItems {
             {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
   }
 
-  // The component joins file names to the folder as it is.
-  static void SetFolder(const std::shared_ptr<Item>& area, const std::string& folder) {
-    Required(Query<IKVStudyArea2>(area))
-        .SetStudyAreaDir(folder.ends_with('\\') ? folder : folder + "\\");
-  }
-};
-
-class AreaList : public ReadingCommand {
- public:
-  explicit AreaList(Arguments) {}
-
- private:
-  void Run(Session& session, Output& out) override {
-    const auto source = StudyAreas(session);
-    out.Items(Descriptions(source, AllItems(source)), "There are no study areas.");
-    TellOfMissingArea(session);
-  }
-};
-
-class AreaCreate : public ChangingCommand {
- public:
-  explicit AreaCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name, which names its folder too", RequireNewAreaName);
-  }
-
- private:
-  void Run(Session& session, Output& out) override {
-    RequireFreeName(StudyAreas(session), name_);
-    const bool complete = StudyAreaCollection(session)->CreateStudyArea(name_);
-    const auto area = NewItem(StudyAreas(session), name_);
+  static Ref Create(Session& session, const std::string& name) {
+    RequireFreeName<StudyAreas>(All(session), name);
+    const bool complete = Collection(session)->CreateStudyArea(name);
+    auto area = Made(session, name);
     session.UnlessSaved([&session, guid = area->GUID(), folder = area->StudyAreaDir()] {
-      StudyAreaCollection(session)->DeleteStudyAreaByGUID(guid);
+      Collection(session)->DeleteStudyAreaByGUID(guid);
       RemoveEmptyFolder(*session.Component().GetServices().platform.files, folder);
     });
-    if (!complete) {
-      throw Failure(ExitCode::kRefused,
-                    fmt::format("The folder {} of the study area {} could not be made, so there is "
-                                "no new study area.",
-                                area->StudyAreaDir(), name_));
-    }
-    out.Done(StudyAreas(session).describe(*area),
-             fmt::format("Created the study area {} in {}.", name_, area->StudyAreaDir()));
+    if (complete) return area;
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The folder {} of the study area {} could not be made, so there is "
+                              "no new study area.",
+                              area->StudyAreaDir(), name));
   }
 
-  std::string name_;
-};
-
-class AreaShow : public ReadingCommand {
- public:
-  explicit AreaShow(Arguments arguments) {
-    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+  static std::string WhereItIs(const Ref& area) {
+    return fmt::format(" in {}.", area->StudyAreaDir());
   }
 
- private:
-  void Run(Session& session, Output& out) override {
-    out.Fields(AreaRecord(*FindItem(StudyAreas(session), name_), session, out));
-    TellOfMissingArea(session);
-  }
-
-  std::string name_;
-};
-
-class AreaRename : public ChangingCommand {
- public:
-  explicit AreaRename(Arguments arguments) {
-    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
-    arguments.Required("NEW", new_name_, "Its new name; its folder keeps the old one",
-                       RequireAreaKey);
-  }
-
- private:
-  void Run(Session& session, Output& out) override {
-    const auto source = StudyAreas(session);
-    const auto area = FindItem(source, name_);
-    const std::string old_name = area->Name();
-    RequireFreeName(source, new_name_, area->GUID());
-    area->SetName(new_name_);
-    RequireRenamed(*area, new_name_);
+  // Saves the project, which may work in the study area by its old name. The list, which all
+  // projects share, has the new one by now.
+  static void Renamed(Session& session, const std::string& old_name, const std::string& new_name) {
     const bool is_current = session.Component().CurrentStudyArea() == old_name;
-    if (is_current) session.Component().SetCurrentStudyArea(new_name_);
-    Save(session, old_name, is_current);
-    out.Done(source.describe(*area),
-             fmt::format("Renamed the study area {} to {}.", old_name, area->Name()));
-  }
-
-  // The list, which all projects share, has the new name by now.
-  void Save(Session& session, const std::string& old_name, bool is_current) const {
+    if (is_current) session.Component().SetCurrentStudyArea(new_name);
     try {
       session.Save();
     } catch (const Unconfirmed&) {
@@ -136,43 +69,23 @@ class AreaRename : public ChangingCommand {
       if (session.Component().GetServices().registry->Refused()) throw;
       throw Failure(failure.code(),
                     fmt::format("{} The study area {} is named {} in the list, though.{}",
-                                failure.what(), old_name, new_name_,
+                                failure.what(), old_name, new_name,
                                 is_current ? " The project still works in the one of the old name: "
                                              "open the new one with 'kvdm area use'."
                                            : ""));
     }
   }
 
-  std::string name_;
-  std::string new_name_;
-};
-
-class AreaDelete : public DeletingCommand {
- public:
-  explicit AreaDelete(Arguments arguments) : DeletingCommand(arguments) {
-    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
-  }
-
- private:
-  Question ToAsk(Session& session) override {
-    const auto area = FindItem(StudyAreas(session), name_);
-    return {fmt::format("This deletes the study area {} and the folder {} with all that is in it.",
-                        area->Name(), area->StudyAreaDir()),
-            StudyAreas(session).describe(*area)};
-  }
-
-  void Run(Session& session, Output& out) override {
-    const auto area = FindItem(StudyAreas(session), name_);
-    const Record record = StudyAreas(session).describe(*area);
-    out.Done(record, Delete(session, *area));
+  static std::string Consequence(Session&, const Ref& area) {
+    return fmt::format(" and the folder {} with all that is in it.", area->StudyAreaDir());
   }
 
   // By name, which closes the study area and removes its folder; by GUID, which looks for a folder
   // of that name among those of all study areas, only where the name means another one.
-  static std::string Delete(Session& session, IKVStudyArea& area) {
-    const auto areas = StudyAreaCollection(session);
-    const std::string name = area.Name();
-    const std::string guid = area.GUID();
+  static std::string Delete(Session& session, const Ref& area) {
+    const auto areas = Collection(session);
+    const std::string name = area->Name();
+    const std::string guid = area->GUID();
     const auto namesake = areas->GetStudyArea(name);
     const bool by_name = namesake && namesake->GUID() == guid;
     const std::string above =
@@ -180,7 +93,7 @@ class AreaDelete : public DeletingCommand {
     bool deleted = false;
     try {
       return DeleteWithFolder(
-          session, {fmt::format("study area {}", name), guid, above + area.StudyAreaDir(), [&] {
+          session, {fmt::format("study area {}", name), guid, above + area->StudyAreaDir(), [&] {
                       deleted = by_name ? areas->DeleteStudyArea(name)
                                         : areas->DeleteStudyAreaByGUID(guid);
                       return deleted;
@@ -193,7 +106,12 @@ class AreaDelete : public DeletingCommand {
     }
   }
 
-  std::string name_;
+ private:
+  // The component joins file names to the folder as it is.
+  static void SetFolder(const Ref& area, const std::string& folder) {
+    Required(Query<IKVStudyArea2>(area))
+        .SetStudyAreaDir(folder.ends_with('\\') ? folder : folder + "\\");
+  }
 };
 
 class AreaUse : public ChangingCommand {
@@ -208,7 +126,7 @@ class AreaUse : public ChangingCommand {
     if (none_ == name_.has_value()) {
       throw Failure(ExitCode::kUsage, "Give either a study area or --none.");
     }
-    const std::string name = none_ ? "" : FindItem(StudyAreas(session), *name_)->Name();
+    const std::string name = none_ ? "" : StudyAreaKind::Find(session, *name_)->Name();
     session.Component().SetCurrentStudyArea(name);
     out.Done({{"study_area", name}}, none_ ? "No study area is open now."
                                            : fmt::format("The study area {} is open now.", name));
@@ -221,7 +139,7 @@ class AreaUse : public ChangingCommand {
 class AreaDataset : public ProjectCommand {
  public:
   explicit AreaDataset(Arguments arguments) {
-    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Required("NAME", name_, SelectorHelp(StudyAreaKind::kWord));
     arguments.Optional("VALUE", value_, "The dataset's new name; without it the name is shown",
                        RequireStorable);
   }
@@ -230,7 +148,7 @@ class AreaDataset : public ProjectCommand {
   [[nodiscard]] bool Changes() const override { return value_.has_value(); }
 
   void Run(Session& session, Output& out) override {
-    const auto area = FindItem(StudyAreas(session), name_);
+    const auto area = StudyAreaKind::Find(session, name_);
     if (value_) area->SetDataset(*value_);
     const std::string dataset = DatasetOf(*area, out);
     out.Text({{"name", area->Name()}, {"guid", area->GUID()}, {"dataset", dataset}}, dataset);
@@ -244,13 +162,13 @@ class AreaDataset : public ProjectCommand {
 class AreaPropGet : public ReadingCommand {
  public:
   explicit AreaPropGet(Arguments arguments) {
-    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Required("NAME", name_, SelectorHelp(StudyAreaKind::kWord));
     arguments.Required("KEY", key_, "The property", RequireKey);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    const auto area = FindItem(StudyAreas(session), name_);
+    const auto area = StudyAreaKind::Find(session, name_);
     const Value value = Required(Query<IKVPropertySet>(area)).GetProperty(key_);
     const std::string text = value.IsNull() ? "" : ToText(value);
     out.Text({{"name", area->Name()}, {"key", key_}, {"value", text}}, text);
@@ -263,14 +181,14 @@ class AreaPropGet : public ReadingCommand {
 class AreaPropSet : public ChangingCommand {
  public:
   explicit AreaPropSet(Arguments arguments) {
-    arguments.Required("NAME", name_, "A study area, by name or {GUID}");
+    arguments.Required("NAME", name_, SelectorHelp(StudyAreaKind::kWord));
     arguments.Required("KEY", key_, "The property", RequireKey);
     arguments.Required("VALUE", value_, "Its value", RequireStorable);
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    const auto area = FindItem(StudyAreas(session), name_);
+    const auto area = StudyAreaKind::Find(session, name_);
     if (!Required(Query<IKVPropertySet>(area)).SetProperty(key_, value_)) {
       throw Failure(ExitCode::kRefused, fmt::format("The property {} could not be set.", key_));
     }
@@ -285,24 +203,41 @@ class AreaPropSet : public ChangingCommand {
 
 }  // namespace
 
+std::string MissingCurrentArea(Session& session) {
+  const std::string name = session.Component().CurrentStudyArea();
+  if (name.empty() || StudyAreaKind::Collection(session)->GetStudyArea(name)) return {};
+  StudyAreaKind::RequireList(session);
+  return fmt::format(
+      "The project works in the study area {}, which is not in the list of study "
+      "areas: it was deleted or renamed. Open another one with 'kvdm area use NAME', "
+      "or none with 'kvdm area use --none'.",
+      name);
+}
+
+void TellOfMissingArea(Session& session) {
+  const std::string missing = MissingCurrentArea(session);
+  if (!missing.empty()) Output::Tell("kvdm: " + missing);
+}
+
+void RequireCurrentArea(Session& session) {
+  const std::string missing = MissingCurrentArea(session);
+  if (!missing.empty()) throw Failure(ExitCode::kNotFound, missing);
+}
+
 void AddAreaCommands(const CommandGroup& root) {
-  const CommandGroup area = root.Group("area", "Study areas, shared by all projects");
-  area.Add<AreaList>("list", "List the study areas", "kvdm area list\nkvdm area list --json");
-  area.Add<AreaCreate>("create", "Make a study area with its folder", "kvdm area create North");
-  area.Add<AreaShow>("show", "Show one study area", "kvdm area show North");
-  area.Add<AreaRename>("rename", "Rename a study area", "kvdm area rename North \"North side\"");
-  area.Add<AreaDelete>("delete", "Delete a study area and its folder",
-                       "kvdm area delete North\nkvdm area delete North --yes");
-  area.Add<AreaUse>("use", "Open a study area to work in",
-                    "kvdm area use North\nkvdm area use --none");
-  AddCommentCommand<&StudyAreas>(area,
-                                 "kvdm area comment North \"Checked in May\"\n"
-                                 "kvdm area comment North - < notes.txt");
-  area.Add<AreaDataset>("dataset", "Show or set the dataset's name",
-                        "kvdm area dataset North\nkvdm area dataset North Census");
-  area.Add<ItemSet<AreaItems>>("set", "Set other fields of a study area",
-                               "kvdm area set North --folder 'D:\\Data\\North\\'");
-  const CommandGroup prop = area.Group("prop", "Free-form properties of a study area");
+  const CommandGroup group = root.Group("area", "Study areas, shared by all projects");
+  AddListCommand<StudyAreas>(group);
+  AddCreateCommand<StudyAreas>(group, " with its folder");
+  AddShowCommand<StudyAreas>(group);
+  AddRenameCommand<StudyAreas>(group);
+  AddDeleteCommand<StudyAreas>(group, " and its folder");
+  group.Add<AreaUse>("use", "Open a study area to work in",
+                     "kvdm area use North\nkvdm area use --none");
+  AddCommentCommand<StudyAreas>(group);
+  group.Add<AreaDataset>("dataset", "Show or set the dataset's name",
+                         "kvdm area dataset North\nkvdm area dataset North Census");
+  AddSetCommand<StudyAreas>(group, "other fields", " --folder 'D:\\Data\\North\\'");
+  const CommandGroup prop = group.Group("prop", "Free-form properties of a study area");
   prop.Add<AreaPropGet>("get", "Show a property; empty when there is none",
                         "kvdm area prop get North TYPE");
   prop.Add<AreaPropSet>("set", "Set a property", "kvdm area prop set North TYPE urban");

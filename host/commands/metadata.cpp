@@ -6,8 +6,8 @@
 #include <kvdm/platform/portable/sidecar_metadata.h>
 
 #include "host/commands/groups.h"
+#include "host/kinds.h"
 #include "host/layers.h"
-#include "host/sources.h"
 #include "platform/portable/value_set.h"
 
 namespace kvdm {
@@ -47,7 +47,7 @@ class LayerChoice {
       throw Failure(ExitCode::kUsage, "Give at most one of --area, --customer and --store.");
     }
     if (area_) {
-      const auto area = FindItem(StudyAreas(session), name);
+      const auto area = StudyAreaKind::Find(session, name);
       return LayerOf(area, area->GUID(), "Study Area");
     }
     if (customer_) {
@@ -58,7 +58,7 @@ class LayerChoice {
       const auto layer = FindItem(Layers<StoreLayerKind>(session), name);
       return LayerOf(layer, layer->GUID(), "Store Layer");
     }
-    const auto analysis = FindItem(Analyses(session), name);
+    const auto analysis = AnalysisKind::Find(session, name);
     return LayerOf(analysis, analysis->AnalysisGUID(), "Analysis Layer");
   }
 

@@ -2,8 +2,8 @@
 #include <fmt/format.h>
 
 #include "host/commands/groups.h"
+#include "host/kinds.h"
 #include "host/os.h"
-#include "host/sources.h"
 #include "host/waiting_folders.h"
 #include "platform/xml/document.h"
 #include "util/registry_strings.h"

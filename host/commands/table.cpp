@@ -2,7 +2,8 @@
 #include <fmt/format.h>
 
 #include "host/commands/groups.h"
-#include "host/sources.h"
+#include "host/commands/item_commands.h"
+#include "host/kinds.h"
 
 namespace kvdm {
 namespace {
@@ -15,16 +16,7 @@ std::shared_ptr<IKVTablesManager> TablesManager(Session& session) {
   throw Failure(ExitCode::kRefused, "The tables can't be reached. 'kvdm status' tells more.");
 }
 
-class TableFolder : public ReadingCommand {
- public:
-  explicit TableFolder(Arguments) {}
-
- private:
-  void Run(Session& session, Output& out) override {
-    const std::string folder = TablesManager(session)->TablesDir();
-    out.Text({{"folder", folder}}, folder);
-  }
-};
+std::string TablesFolder(Session& session) { return TablesManager(session)->TablesDir(); }
 
 class TablePath : public ReadingCommand {
  public:
@@ -42,7 +34,7 @@ class TablePath : public ReadingCommand {
 void AddTableCommands(const CommandGroup& root) {
   const CommandGroup table =
       root.Group("table", "Tables of the study area in use, else of the working directory");
-  table.Add<TableFolder>("dir", "Show the folder of the tables", "kvdm table dir");
+  table.Add<FolderShow<&TablesFolder>>("dir", "Show the folder of the tables", "kvdm table dir");
   table.Add<TablePath>("path",
                        "Show a free path for a new table, without extension; makes the folder",
                        "kvdm table path");

@@ -1,0 +1,324 @@
+// The commands that kinds of items have in common, each written once: list, create, show, rename,
+// delete, set, comment and dir. The kind given is one that also has what its commands need; kinds
+// with named parameters have those of host/commands/item_params.h, too.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/arguments.h"
+#include "host/items.h"
+
+namespace kvdm {
+
+// What most kinds have in common in these commands. A kind hides what is different for it.
+template <class Kind>
+struct CommandKind : Kind {
+  using Ref = typename Kind::Ref;
+  static constexpr Check kNewName = &RequireNewName;  // of what is created
+  static constexpr Check kKey = &RequireKey;          // of what is renamed
+
+  // Tells people what else there is to know when items are shown.
+  static void TellMore(Session&) {}
+  // The items among which the name of `item` should be unique.
+  static std::vector<Ref> Peers(Session& session, const Ref&) { return Kind::All(session); }
+  // Does what else is to be done when an item has a new name.
+  static void Renamed(Session&, const std::string& /*from*/, const std::string& /*to*/) {}
+};
+
+// "a store layer", "an analysis"
+[[nodiscard]] inline std::string WithArticle(std::string_view word) {
+  return fmt::format("{} {}", word.starts_with('a') ? "an" : "a", word);
+}
+
+// A command line for the examples of a command: `rest` follows the name of an item.
+template <class Kind>
+[[nodiscard]] std::string ExampleOf(std::string_view command, std::string_view rest = "") {
+  return fmt::format("kvdm {} {} {}{}", Kind::kCommand, command, Kind::kExample, rest);
+}
+
+template <class Kind>
+class ItemList : public ReadingCommand {
+ public:
+  explicit ItemList(Arguments) {}
+
+ private:
+  void Run(Session& session, Output& out) override {
+    auto rows = RowsOf<Kind>(Kind::All(session));
+    if (!out.Messages().empty()) return;  // and the command fails with that message
+    out.Items(std::move(rows), fmt::format("There are no {}.", Kind::kPlural));
+    Kind::TellMore(session);
+  }
+};
+
+template <class Kind>
+void AddListCommand(const CommandGroup& group) {
+  group.Add<ItemList<Kind>>("list", fmt::format("List the {}", Kind::kPlural),
+                            fmt::format("kvdm {0} list\nkvdm {0} list --json", Kind::kCommand));
+}
+
+// A kind has `kNameHelp`; `Create(session, name)`, which answers the new item; and `WhereItIs`, the
+// end of a sentence that names it.
+template <class Kind>
+class ItemCreate : public ChangingCommand {
+ public:
+  explicit ItemCreate(Arguments arguments) {
+    arguments.Required("NAME", name_, Kind::kNameHelp, Kind::kNewName);
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Create(session, name_);
+    out.Done(RowOf<Kind>(item),
+             fmt::format("Created the {} {}{}", Kind::kWord, name_, Kind::WhereItIs(item)));
+  }
+
+  std::string name_;
+};
+
+template <class Kind>
+void AddCreateCommand(const CommandGroup& group, std::string_view with = "") {
+  group.Add<ItemCreate<Kind>>("create", fmt::format("Make {}{}", WithArticle(Kind::kWord), with),
+                              ExampleOf<Kind>("create"));
+}
+
+// A kind has `Details(item, session, out)`, the fields that follow those in lists.
+template <class Kind>
+class ItemShow : public ReadingCommand {
+ public:
+  explicit ItemShow(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Find(session, name_);
+    Record record = RowOf<Kind>(item);
+    for (auto& field : Kind::Details(item, session, out)) record.push_back(std::move(field));
+    out.Fields(std::move(record));
+    Kind::TellMore(session);
+  }
+
+  std::string name_;
+};
+
+template <class Kind>
+void AddShowCommand(const CommandGroup& group) {
+  group.Add<ItemShow<Kind>>("show", fmt::format("Show one {}", Kind::kWord),
+                            ExampleOf<Kind>("show"));
+}
+
+// A kind has `kRenameHelp`.
+template <class Kind>
+class ItemRename : public ChangingCommand {
+ public:
+  explicit ItemRename(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+    arguments.Required("NEW", new_name_, Kind::kRenameHelp, Kind::kKey);
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Find(session, name_);
+    const std::string old_name = item->Name();
+    RequireFreeName<Kind>(Kind::Peers(session, item), new_name_, Kind::GuidOf(item));
+    item->SetName(new_name_);
+    if (item->Name() != new_name_) {
+      throw Failure(ExitCode::kRefused,
+                    fmt::format("The component kept the name {}.", item->Name()));
+    }
+    Kind::Renamed(session, old_name, new_name_);
+    out.Done(RowOf<Kind>(item),
+             fmt::format("Renamed the {} {} to {}.", Kind::kWord, old_name, new_name_));
+  }
+
+  std::string name_;
+  std::string new_name_;
+};
+
+template <class Kind>
+void AddRenameCommand(const CommandGroup& group) {
+  group.Add<ItemRename<Kind>>("rename", fmt::format("Rename {}", WithArticle(Kind::kWord)),
+                              ExampleOf<Kind>("rename", " \"New name\""));
+}
+
+// A kind has `Consequence(session, item)`, which ends the sentence "This deletes the study area
+// North", and `Delete(session, item)`, which answers what it did in sentences.
+template <class Kind>
+class ItemDelete : public DeletingCommand {
+ public:
+  explicit ItemDelete(Arguments arguments) : DeletingCommand(arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  }
+
+ protected:
+  [[nodiscard]] const std::string& Selector() const { return name_; }
+
+  virtual typename Kind::Ref Find(Session& session) { return Kind::Find(session, name_); }
+  virtual std::string Consequence(Session& session, const typename Kind::Ref& item) {
+    return Kind::Consequence(session, item);
+  }
+  virtual void Delete(Session& session, const typename Kind::Ref& item, Output& out) {
+    const Record row = RowOf<Kind>(item);
+    out.Done(row, Kind::Delete(session, item));
+  }
+
+  Question ToAsk(Session& session) override {
+    const auto item = Find(session);
+    return {fmt::format("This deletes the {} {}{}", Kind::kWord, item->Name(),
+                        Consequence(session, item)),
+            RowOf<Kind>(item)};
+  }
+
+ private:
+  void Run(Session& session, Output& out) override { Delete(session, Find(session), out); }
+
+  std::string name_;
+};
+
+template <class Kind, class Delete = ItemDelete<Kind>>
+void AddDeleteCommand(const CommandGroup& group, std::string_view with = "") {
+  group.Add<Delete>("delete", fmt::format("Delete {}{}", WithArticle(Kind::kWord), with),
+                    ExampleOf<Kind>("delete") + "\n" + ExampleOf<Kind>("delete", " --yes"));
+}
+
+// A field that people can set. Errors of `set` end the command.
+template <class Item>
+struct SettableField {
+  const char* option;  // "--name-field"
+  const char* help;
+  void (*set)(const std::shared_ptr<Item>& item, const std::string& text);
+};
+
+// A setter of an item as `SettableField::set`.
+//
+//   {"--id-field", "...", &SetText<&IKVStoreLayer::SetIDField>}
+template <auto Setter, class Item>
+void SetText(const std::shared_ptr<Item>& item, const std::string& text) {
+  (item.get()->*Setter)(text);
+}
+
+// Gives an item another identifier, as a layer editor does. Failure kUsage for what is none.
+template <class Item>
+void SetIdentifier(const std::shared_ptr<Item>& item, const std::string& guid) {
+  RequireGuid(guid);
+  Required(Query<IKVLayerEdit>(item)).SetGUID(guid);
+}
+
+// Gives an item another layer file, as a layer editor does.
+template <class Item>
+void SetEditedLayerFile(const std::shared_ptr<Item>& item, const std::string& path) {
+  Required(Query<IKVLayerEdit>(item)).SetLayerFile(path);
+}
+
+// A kind has its `SettableFields()`, each an option.
+template <class Kind>
+class ItemSet : public ChangingCommand {
+ public:
+  explicit ItemSet(Arguments arguments) : fields_(Kind::SettableFields()), values_(fields_.size()) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      arguments.Optional(fields_[i].option, values_[i], fields_[i].help, RequireStorable);
+    }
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const auto item = Kind::Find(session, name_);
+    Record record = {{"name", item->Name()}};
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      if (!values_[i]) continue;
+      fields_[i].set(item, *values_[i]);
+      record.emplace_back(FieldName(fields_[i].option), *values_[i]);
+    }
+    if (record.size() == 1) {
+      throw Failure(ExitCode::kUsage, "Nothing to set was given. '--help' shows what can be set.");
+    }
+    out.Done(std::move(record), fmt::format("Changed the {} {}.", Kind::kWord, item->Name()));
+  }
+
+  // "--name-field" -> "name_field"
+  static std::string FieldName(std::string_view option) {
+    std::string name(option.substr(2));
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+  }
+
+  std::string name_;
+  std::vector<SettableField<typename Kind::Item>> fields_;
+  std::vector<std::optional<std::string>> values_;
+};
+
+// `fields` names the fields, "fields" or "other fields", and `rest` sets some in the example.
+template <class Kind>
+void AddSetCommand(const CommandGroup& group, std::string_view fields, std::string_view rest) {
+  group.Add<ItemSet<Kind>>("set", fmt::format("Set {} of {}", fields, WithArticle(Kind::kWord)),
+                           ExampleOf<Kind>("set", rest));
+}
+
+// Shows or sets the comments; they are lines, ended by LF.
+template <class Kind>
+class ItemComment : public ProjectCommand {
+ public:
+  explicit ItemComment(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+    arguments.Optional("TEXT", text_, "New comments, or - to read them from standard input",
+                       RequireStorable);
+    arguments.Flag("--clear", clear_, "Remove the comments");
+  }
+
+ private:
+  [[nodiscard]] bool Changes() const override { return clear_ || text_; }
+
+  void Run(Session& session, Output& out) override {
+    if (clear_ && text_) throw Failure(ExitCode::kUsage, "Give either a text or --clear.");
+    const auto item = Kind::Find(session, name_);
+    if (clear_) item->SetComments("");
+    const std::string wanted = text_ ? TextArgument(*text_) : "";
+    if (text_) item->SetComments(wanted);
+    const std::string comments = WithPlainLineEnds(item->Comments());
+    if (text_ && comments != wanted) {
+      throw Failure(ExitCode::kRefused,
+                    "The component did not take over the comments: they are too "
+                    "long. Nothing was changed.");
+    }
+    out.Text({{"name", item->Name()}, {"guid", Kind::GuidOf(item)}, {"comments", comments}},
+             comments);
+  }
+
+  std::string name_;
+  std::optional<std::string> text_;
+  bool clear_ = false;
+};
+
+template <class Kind>
+void AddCommentCommand(const CommandGroup& group) {
+  group.Add<ItemComment<Kind>>("comment", "Show or set the comments",
+                               ExampleOf<Kind>("comment", " \"Checked in May\"") + "\n" +
+                                   ExampleOf<Kind>("comment", " - < notes.txt"));
+}
+
+// Shows a folder of the component.
+template <auto Folder>
+class FolderShow : public ReadingCommand {
+ public:
+  explicit FolderShow(Arguments) {}
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const std::string folder = Folder(session);
+    out.Text({{"folder", folder}}, folder);
+  }
+};
+
+// A kind has `Folder(session)`, that of the files of all its items.
+template <class Kind>
+void AddFolderCommand(const CommandGroup& group, std::string_view of) {
+  group.Add<FolderShow<&Kind::Folder>>("dir", fmt::format("Show the folder of {}", of),
+                                       fmt::format("kvdm {} dir", Kind::kCommand));
+}
+
+}  // namespace kvdm
