@@ -48,6 +48,46 @@ struct AnalysisKind : CollectionKind<AnalysisKind, IKVAnalysis> {
   }
 };
 
+template <class Kind, class Layer>
+struct LayerKind : CollectionKind<Kind, Layer> {
+  static Record Columns(const std::shared_ptr<Layer>& layer) {
+    return {{"created", layer->CreationTime()}, {"layer_file", layer->LayerFile()}};
+  }
+};
+
+struct StoreLayerKind : LayerKind<StoreLayerKind, IKVStoreLayer> {
+  static constexpr char kWord[] = "store layer";
+  static constexpr char kPlural[] = "store layers";
+  static constexpr char kCommand[] = "store";
+  static constexpr auto kCollection = &IKVDataManager::StoreLayerCollection;
+  static constexpr auto kNames = &IKVStoreLayerCollection::StoreLayersList;
+  static constexpr auto kGuids = &IKVStoreLayerCollection::StoreLayersGUIDsList;
+  static constexpr auto kGet = &IKVStoreLayerCollection::GetStoreLayer;
+  static constexpr auto kGetByGuid = &IKVStoreLayerCollection::GetStoreLayerByGUID;
+  static constexpr auto kCreate = &IKVStoreLayerCollection::CreateStoreLayer;
+  static constexpr auto kDelete = &IKVStoreLayerCollection::DeleteStoreLayer;
+  static constexpr auto kDeleteByGuid = &IKVStoreLayerCollection::DeleteStoreLayerByGUID;
+  static constexpr auto kFolder = &IKVStoreLayerCollection::StoreLayersDir;
+  // Deleting one by its identifier takes the files of all.
+  static constexpr bool kGuidTakesFolder = true;
+};
+
+struct CustLayerKind : LayerKind<CustLayerKind, IKVCustLayer> {
+  static constexpr char kWord[] = "customer layer";
+  static constexpr char kPlural[] = "customer layers";
+  static constexpr char kCommand[] = "customer";
+  static constexpr auto kCollection = &IKVDataManager::CustLayerCollection;
+  static constexpr auto kNames = &IKVCustLayerCollection::CustLayersList;
+  static constexpr auto kGuids = &IKVCustLayerCollection::CustLayersGUIDsList;
+  static constexpr auto kGet = &IKVCustLayerCollection::GetCustLayer;
+  static constexpr auto kGetByGuid = &IKVCustLayerCollection::GetCustLayerByGUID;
+  static constexpr auto kCreate = &IKVCustLayerCollection::CreateCustLayer;
+  static constexpr auto kDelete = &IKVCustLayerCollection::DeleteCustLayer;
+  static constexpr auto kDeleteByGuid = &IKVCustLayerCollection::DeleteCustLayerByGUID;
+  static constexpr auto kFolder = &IKVCustLayerCollection::CustLayersDir;
+  static constexpr bool kGuidTakesFolder = false;
+};
+
 // A sentence about the study area that the project works in, if that is not in the list: what is
 // made would go to the working directory without a word. "" when all is well.
 [[nodiscard]] std::string MissingCurrentArea(Session& session);

@@ -1,11 +1,9 @@
 // kvdm store, kvdm customer: the layers of store locations and of customer points.
-#include "host/layers.h"
-
 #include "host/commands/groups.h"
-#include "host/commands/item_comment.h"
+#include "host/commands/item_commands.h"
 #include "host/commands/item_params.h"
-#include "host/commands/item_set.h"
 #include "host/deletion.h"
+#include "host/kinds.h"
 #include "platform/xml/document.h"
 #include "util/kvdm_utils.h"
 #include "util/names.h"
@@ -26,13 +24,21 @@ void SetInternal(const std::shared_ptr<Item>& item, const std::string& answer) {
   item->SetIsInternalData(answer == "yes");
 }
 
-// A kind of layer with what the commands that all kinds of items have need of it.
 template <class Layer>
-struct LayerItems : Layer {
+struct Layers : CommandKind<Layer> {
   using Item = typename Layer::Item;
+  using Ref = typename Layer::Ref;
+  static constexpr char kNameHelp[] = "Its name, which names its layer file too";
+  static constexpr char kRenameHelp[] = "Its new name; its layer file keeps the old one";
 
-  static std::shared_ptr<Item> Find(Session& session, const std::string& selector) {
-    return FindItem(Layers<Layer>(session), selector);
+  static Record Details(const Ref& layer, Session&, Output&) {
+    Record fields = {{"internal", layer->IsInternalData()},
+                     {"name_field", layer->NameField()},
+                     {"id_field", layer->IDField()}};
+    if constexpr (HasLinkField<Item>) fields.emplace_back("link_field", layer->LinkField());
+    fields.emplace_back("study_area", layer->StudyAreaName());
+    fields.emplace_back("comments", WithPlainLineEnds(layer->Comments()));
+    return fields;
   }
 
   static std::vector<SettableField<Item>> SettableFields() {
@@ -51,93 +57,64 @@ struct LayerItems : Layer {
     }
     return fields;
   }
-};
 
-template <class Kind>
-class LayerList : public ReadingCommand {
- public:
-  explicit LayerList(Arguments) {}
-
- private:
-  void Run(Session& session, Output& out) override {
-    const auto source = Layers<Kind>(session);
-    out.Items(Descriptions(source, AllItems(source)),
-              fmt::format("There are no {}s.", Kind::kWord));
-  }
-};
-
-template <class Kind>
-class LayerCreate : public ChangingCommand {
- public:
-  explicit LayerCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name, which names its layer file too", RequireNewName);
-  }
-
- private:
-  void Run(Session& session, Output& out) override {
-    RequireFreeName(Layers<Kind>(session), name_);
-    if (!std::invoke(Kind::kCreate, *LayerCollection<Kind>(session), name_)) {
-      throw Failure(ExitCode::kRefused,
-                    fmt::format("The component did not make the {} {}.", Kind::kWord, name_));
+  static Ref Create(Session& session, const std::string& name) {
+    RequireFreeName<Layer>(Layer::All(session), name);
+    if (std::invoke(Layer::kCreate, *Layer::Collection(session), name)) {
+      return Layer::Made(session, name);
     }
-    const auto source = Layers<Kind>(session);
-    const auto layer = FindItem(source, name_);
-    out.Done(source.describe(*layer), fmt::format("Created the {} {}. Its layer file is to be {}.",
-                                                  Kind::kWord, name_, layer->LayerFile()));
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The component did not make the {} {}.", Layer::kWord, name));
   }
 
-  std::string name_;
-};
+  static std::string WhereItIs(const Ref& layer) {
+    return fmt::format(". Its layer file is to be {}.", layer->LayerFile());
+  }
 
-template <class Kind>
-class LayerShow : public ReadingCommand {
- public:
-  explicit LayerShow(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  static std::string Consequence(Session&, const Ref& layer) {
+    return fmt::format(" with its parameters and comments. {}", Stays(layer));
+  }
+
+  static std::string Delete(Session& session, const Ref& layer) {
+    const std::string name = layer->Name();
+    const std::string stays = Stays(layer);
+    RequireDeleted(DeleteThis(*Layer::Collection(session), layer));
+    return fmt::format("Deleted the {} {}. {}", Layer::kWord, name, stays);
+  }
+
+  static std::string Folder(Session& session) {
+    session.Component().RequireWorkingDirectory();
+    return std::invoke(Layer::kFolder, *Layer::Collection(session));
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto source = Layers<Kind>(session);
-    const auto layer = FindItem(source, name_);
-    Record record = source.describe(*layer);
-    record.emplace_back("internal", layer->IsInternalData());
-    record.emplace_back("name_field", layer->NameField());
-    record.emplace_back("id_field", layer->IDField());
-    if constexpr (HasLinkField<typename Kind::Item>) {
-      record.emplace_back("link_field", layer->LinkField());
+  static std::string Stays(const Ref& layer) {
+    return fmt::format("Its layer file, {}, is left alone.", layer->LayerFile());
+  }
+
+  // By name; by identifier, where that takes no files, if the name means another one.
+  template <class Collection>
+  static bool DeleteThis(Collection& layers, const Ref& layer) {
+    const auto namesake = std::invoke(Layer::kGet, layers, layer->Name());
+    if (namesake && namesake->GUID() == layer->GUID()) {
+      return std::invoke(Layer::kDelete, layers, layer->Name());
     }
-    record.emplace_back("study_area", layer->StudyAreaName());
-    record.emplace_back("comments", WithPlainLineEnds(layer->Comments()));
-    out.Fields(std::move(record));
+    if constexpr (!Layer::kGuidTakesFolder) {
+      return std::invoke(Layer::kDeleteByGuid, layers, layer->GUID());
+    }
+    throw Failure(ExitCode::kConflict,
+                  fmt::format("Another {} is named {} and would be deleted in its place. Rename "
+                              "this one first.",
+                              Layer::kWord, layer->Name()));
   }
-
-  std::string name_;
 };
 
-template <class Kind>
-class LayerRename : public ChangingCommand {
- public:
-  explicit LayerRename(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-    arguments.Required("NEW", new_name_, "Its new name; its layer file keeps the old one",
-                       RequireKey);
-  }
+struct StoreLayers : Layers<StoreLayerKind> {
+  static constexpr char kExample[] = "Shops";
+};
 
- private:
-  void Run(Session& session, Output& out) override {
-    const auto source = Layers<Kind>(session);
-    const auto layer = FindItem(source, name_);
-    const std::string old_name = layer->Name();
-    RequireFreeName(source, new_name_, layer->GUID());
-    layer->SetName(new_name_);
-    RequireRenamed(*layer, new_name_);
-    out.Done(source.describe(*layer),
-             fmt::format("Renamed the {} {} to {}.", Kind::kWord, old_name, layer->Name()));
-  }
-
-  std::string name_;
-  std::string new_name_;
+struct CustLayers : Layers<CustLayerKind> {
+  static constexpr char kExample[] = "Clients";
 };
 
 // The folder of the layer files, as the operation that deletes by identifier leaves it or not.
@@ -158,9 +135,8 @@ FolderContent ContentOf(Session& session, std::string folder) {
   return {std::move(folder), std::move(entries)};
 }
 
-// The folder that the component deletes when it deletes a layer by identifier: what the stored
-// element names, else that of all layers.
-template <class Kind>
+// The folder that the component deletes when it deletes a store layer by identifier: what the
+// stored element names, else that of all layers.
 std::string FolderTakenWith(Session& session, const std::string& guid) {
   xml::Document metadata;
   metadata.LoadXml(*session.Component().GetServices().platform.xml_parser,
@@ -169,99 +145,52 @@ std::string FolderTakenWith(Session& session, const std::string& guid) {
   const auto layers = Required(root).Child(tags::kStoreLayerCollection);
   const auto layer = layers ? layers->Child(tags::kStoreLayer, attributes::kGuid, guid) : nullptr;
   const Value name = layer ? layer->GetAttribute(attributes::kDirName) : Value();
-  return std::invoke(Kind::kFolder, *LayerCollection<Kind>(session)) + "\\" +
+  return StoreLayerKind::Collection(session)->StoreLayersDir() + "\\" +
          (name.IsNull() ? "" : ToText(name));
 }
 
-template <class Kind>
-class LayerDelete : public DeletingCommand {
+std::string WithoutEnd(std::string folder) {
+  if (folder.ends_with('\\')) folder.pop_back();
+  return folder;
+}
+
+// Deletes a store layer by identifier too, which takes the files of all.
+class StoreDelete : public ItemDelete<StoreLayers> {
  public:
-  explicit LayerDelete(Arguments arguments) : DeletingCommand(arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-    if constexpr (Kind::kGuidTakesFolder) {
-      arguments.Flag("--exact-by-guid", exact_by_guid_,
-                     "Delete by identifier, which deletes the folder of all layers' files too");
-    }
+  using Ref = StoreLayers::Ref;
+
+  explicit StoreDelete(Arguments arguments) : ItemDelete(arguments) {
+    arguments.Flag("--exact-by-guid", exact_by_guid_,
+                   "Delete by identifier, which deletes the folder of all layers' files too");
   }
 
  private:
-  Question ToAsk(Session& session) override {
-    const auto layer = FindItem(Layers<Kind>(session), name_);
-    const Record record = Layers<Kind>(session).describe(*layer);
-    if (exact_by_guid_) return {FolderGoes(session, *layer), record};
-    return {fmt::format("This deletes the {} {} with its parameters and comments. {}", Kind::kWord,
-                        layer->Name(), Stays(*layer)),
-            record};
-  }
-
-  void Run(Session& session, Output& out) override {
-    const auto layer = FindItem(Layers<Kind>(session), name_);
-    if (exact_by_guid_) {
-      DeleteWithItsFolder(session, *layer, out);
-    } else {
-      DeleteAlone(session, *layer, out);
-    }
-  }
-
-  static std::string Stays(typename Kind::Item& layer) {
-    return fmt::format("Its layer file, {}, is left alone.", layer.LayerFile());
-  }
-
-  static std::string FolderGoes(Session& session, typename Kind::Item& layer) {
-    const std::string folder = FolderTakenWith<Kind>(session, layer.GUID());
+  std::string Consequence(Session& session, const Ref& layer) override {
+    if (!exact_by_guid_) return ItemDelete::Consequence(session, layer);
+    const std::string folder = FolderTakenWith(session, layer->GUID());
     const bool of_all = folder.ends_with('\\');
-    const FolderContent content = ContentOf(session, of_all ? Unclosed(folder) : folder);
+    const FolderContent content = ContentOf(session, WithoutEnd(folder));
     return fmt::format(
-        "This deletes the {} {} and the folder {} with {}. {}{}", Kind::kWord, layer.Name(),
-        content.folder,
+        " and the folder {} with {}. {}{}", content.folder,
         of_all ? "all that is in it" : "the files in it; folders in it stay, and it with them",
         content.Sentence(), of_all ? " The files of the other layers go too." : "");
   }
 
-  static std::string Unclosed(std::string folder) {
-    folder.pop_back();
-    return folder;
-  }
-
-  void DeleteAlone(Session& session, typename Kind::Item& layer, Output& out) const {
-    const Record record = Layers<Kind>(session).describe(layer);
-    const std::string name = layer.Name();
-    const std::string stays = Stays(layer);
-    RequireDeleted(DeleteThis(*LayerCollection<Kind>(session), layer));
-    out.Done(record, fmt::format("Deleted the {} {}. {}", Kind::kWord, name, stays));
-  }
-
-  // By name; by identifier, where that takes no files, if the name means another one.
-  static bool DeleteThis(typename Kind::Collection& layers, typename Kind::Item& layer) {
-    const auto namesake = std::invoke(Kind::kGet, layers, layer.Name());
-    if (namesake && namesake->GUID() == layer.GUID()) {
-      return std::invoke(Kind::kDelete, layers, layer.Name());
-    }
-    if constexpr (!Kind::kGuidTakesFolder) {
-      return std::invoke(Kind::kDeleteByGuid, layers, layer.GUID());
-    }
-    throw Failure(ExitCode::kConflict,
-                  fmt::format("Another {} is named {} and would be deleted in its place. Rename "
-                              "this one first.",
-                              Kind::kWord, layer.Name()));
-  }
-
-  void DeleteWithItsFolder(Session& session, typename Kind::Item& layer, Output& out) const {
-    const auto layers = LayerCollection<Kind>(session);
-    const Record record = Layers<Kind>(session).describe(layer);
-    const std::string what = fmt::format("{} {}", Kind::kWord, layer.Name());
-    const std::string guid = layer.GUID();
-    const std::string folder = FolderTakenWith<Kind>(session, guid);
-    if (!Asks()) Output::Tell(FolderGoes(session, layer));
-    const FolderContent before =
-        ContentOf(session, folder.ends_with('\\') ? Unclosed(folder) : folder);
-    const std::string sentence = DeleteWithFolder(
-        session,
-        {what, guid, folder, [&] { return std::invoke(Kind::kDeleteByGuid, *layers, guid); }});
+  void Delete(Session& session, const Ref& layer, Output& out) override {
+    if (!exact_by_guid_) return ItemDelete::Delete(session, layer, out);
+    if (!Asks()) Output::Tell(ToAsk(session).consequence);
+    const auto layers = StoreLayerKind::Collection(session);
+    const Record row = RowOf<StoreLayerKind>(layer);
+    const std::string guid = layer->GUID();
+    const std::string folder = FolderTakenWith(session, guid);
+    const FolderContent before = ContentOf(session, WithoutEnd(folder));
+    const std::string sentence =
+        DeleteWithFolder(session, {fmt::format("store layer {}", layer->Name()), guid, folder,
+                                   [&] { return layers->DeleteStoreLayerByGUID(guid); }});
     const FolderContent after = ContentOf(session, before.folder);
-    out.Done(record, after.entries.empty() ? sentence
-                                           : fmt::format("{} Left in it: {}.", sentence,
-                                                         fmt::join(after.entries, ", ")));
+    out.Done(row, after.entries.empty() ? sentence
+                                        : fmt::format("{} Left in it: {}.", sentence,
+                                                      fmt::join(after.entries, ", ")));
     out.Section("deleted", Missing(before, after));
   }
 
@@ -274,57 +203,31 @@ class LayerDelete : public DeletingCommand {
     return rows;
   }
 
-  std::string name_;
   bool exact_by_guid_ = false;
 };
 
-template <class Kind>
-class LayerFolder : public ReadingCommand {
- public:
-  explicit LayerFolder(Arguments) {}
-
- private:
-  void Run(Session& session, Output& out) override {
-    session.Component().RequireWorkingDirectory();
-    const std::string folder = std::invoke(Kind::kFolder, *LayerCollection<Kind>(session));
-    out.Text({{"folder", folder}}, folder);
-  }
-};
-
-// `example` is the name of a layer in the examples.
-template <class Kind>
-void AddLayerCommands(const CommandGroup& root, const char* help, std::string_view example) {
+template <class Kind, class Delete = ItemDelete<Kind>>
+void AddLayerCommands(const CommandGroup& root, const char* help) {
   const CommandGroup group = root.Group(Kind::kCommand, help);
-  const auto line = [example](std::string_view command, std::string_view rest = "") {
-    return fmt::format("kvdm {} {} {}{}", Kind::kCommand, command, example, rest);
-  };
-  const std::string word = Kind::kWord;
-  group.Add<LayerList<Kind>>("list", fmt::format("List the {}s", word),
-                             fmt::format("kvdm {0} list\nkvdm {0} list --json", Kind::kCommand));
-  group.Add<LayerCreate<Kind>>("create", fmt::format("Make a {} and reserve its file", word),
-                               line("create"));
-  group.Add<LayerShow<Kind>>("show", fmt::format("Show one {}", word), line("show"));
-  group.Add<ItemSet<LayerItems<Kind>>>("set", fmt::format("Set fields of a {}", word),
-                                       line("set", " --id-field ID --name-field NAME"));
-  group.Add<LayerRename<Kind>>("rename", fmt::format("Rename a {}", word),
-                               line("rename", " \"New name\""));
-  group.Add<LayerDelete<Kind>>("delete", fmt::format("Delete a {} and leave its file", word),
-                               line("delete") + "\n" + line("delete", " --yes"));
-  AddParamCommands<LayerItems<Kind>>(group, example);
-  AddCommentCommand<&Layers<Kind>>(
-      group, line("comment", " \"Checked in May\"") + "\n" + line("comment", " - < notes.txt"));
-  group.Add<LayerFolder<Kind>>("dir", "Show the folder of the layer files",
-                               fmt::format("kvdm {} dir", Kind::kCommand));
+  AddListCommand<Kind>(group);
+  AddCreateCommand<Kind>(group, " and reserve its file");
+  AddShowCommand<Kind>(group);
+  AddSetCommand<Kind>(group, "fields", " --id-field ID --name-field NAME");
+  AddRenameCommand<Kind>(group);
+  AddDeleteCommand<Kind, Delete>(group, " and leave its file");
+  AddParamCommands<Kind>(group, Kind::kExample);
+  AddCommentCommand<Kind>(group);
+  AddFolderCommand<Kind>(group, "the layer files");
 }
 
 }  // namespace
 
 void AddStoreCommands(const CommandGroup& root) {
-  AddLayerCommands<StoreLayerKind>(root, "Layers of store locations", "Shops");
+  AddLayerCommands<StoreLayers, StoreDelete>(root, "Layers of store locations");
 }
 
 void AddCustomerCommands(const CommandGroup& root) {
-  AddLayerCommands<CustLayerKind>(root, "Layers of customer points", "Clients");
+  AddLayerCommands<CustLayers>(root, "Layers of customer points");
 }
 
 }  // namespace kvdm

@@ -7,7 +7,6 @@
 
 #include "host/commands/groups.h"
 #include "host/kinds.h"
-#include "host/layers.h"
 #include "platform/portable/value_set.h"
 
 namespace kvdm {
@@ -28,9 +27,10 @@ struct Layer {
   std::shared_ptr<IKVMetadata> exchange;
 };
 
-template <class Item>
-Layer LayerOf(const std::shared_ptr<Item>& item, const std::string& guid, const char* type) {
-  return {item->Name(), guid, item->LayerFile(), type, Query<IKVMetadata>(item)};
+template <class Kind>
+Layer LayerOf(Session& session, const std::string& name, const char* type) {
+  const auto item = Kind::Find(session, name);
+  return {item->Name(), Kind::GuidOf(item), item->LayerFile(), type, Query<IKVMetadata>(item)};
 }
 
 // Which kind of item a name means: an analysis, or what a flag says.
@@ -46,20 +46,10 @@ class LayerChoice {
     if (int{area_} + int{customer_} + int{store_} > 1) {
       throw Failure(ExitCode::kUsage, "Give at most one of --area, --customer and --store.");
     }
-    if (area_) {
-      const auto area = StudyAreaKind::Find(session, name);
-      return LayerOf(area, area->GUID(), "Study Area");
-    }
-    if (customer_) {
-      const auto layer = FindItem(Layers<CustLayerKind>(session), name);
-      return LayerOf(layer, layer->GUID(), "Customer Layer");
-    }
-    if (store_) {
-      const auto layer = FindItem(Layers<StoreLayerKind>(session), name);
-      return LayerOf(layer, layer->GUID(), "Store Layer");
-    }
-    const auto analysis = AnalysisKind::Find(session, name);
-    return LayerOf(analysis, analysis->AnalysisGUID(), "Analysis Layer");
+    if (area_) return LayerOf<StudyAreaKind>(session, name, "Study Area");
+    if (customer_) return LayerOf<CustLayerKind>(session, name, "Customer Layer");
+    if (store_) return LayerOf<StoreLayerKind>(session, name, "Store Layer");
+    return LayerOf<AnalysisKind>(session, name, "Analysis Layer");
   }
 
  private:
