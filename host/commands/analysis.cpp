@@ -107,7 +107,7 @@ void AddAnalysisCommands(const CommandGroup& root) {
       "layer", "Show or set the layer file",
       "kvdm analysis layer Sales\nkvdm analysis layer Sales 'D:\\Layers\\Sales.lyr'");
   AddSetCommand<Analyses>(group, "other fields", " --created '1/31/2026 9:00:00 AM'");
-  AddParamCommands<Analyses>(group, Analyses::kExample);
+  AddParamCommands<Analyses>(group);
   AddAnalysisProperties(group);
 }
 

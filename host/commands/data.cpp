@@ -1,25 +1,200 @@
 // kvdm data: the data items of a project.
 #include "host/commands/groups.h"
+#include "host/commands/item_commands.h"
 #include "host/commands/item_params.h"
-#include "host/commands/item_set.h"
-#include "host/data_items.h"
+#include "platform/xml/document.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {
 
-// What the commands that all kinds of items have need of data items.
-struct DataItems {
-  using Item = IKVDataItem;
-  static constexpr char kWord[] = "data item";
-  static constexpr char kCommand[] = "data";
+// "collection" is where new items stand: the component finds them by name. "group" is the
+// collection's group of listed items: the component lists them, finds them by identifier and
+// deletes them there.
+enum class DataPlace { kCollection, kGroup };
 
-  static std::shared_ptr<Item> Find(Session& session, const std::string& selector) {
-    return FindDataEntry(session, selector).item;
+struct DataEntry {
+  std::string name;
+  std::string guid;
+  DataPlace place;
+  std::shared_ptr<IKVDataItem> item;  // Nothing for one that the component can't reach
+
+  IKVDataItem* operator->() const { return item.get(); }
+  operator const std::shared_ptr<IKVDataItem>&() const { return item; }
+};
+
+std::shared_ptr<IKVDataCollection> DataCollection(Session& session) {
+  if (auto collection = session.Manager().DataCollection()) return collection;
+  throw Failure(ExitCode::kRefused,
+                "The data item list can't be reached. 'kvdm status' tells more.");
+}
+
+std::string AttributeText(const xml::Element& element, const char* name) {
+  const Value value = element.GetAttribute(name);
+  return value.IsNull() ? "" : ToText(value);
+}
+
+// The collection's element in the project as it was opened; Nothing when there is none. The
+// component itself has no list of the items in the collection.
+std::shared_ptr<xml::Element> CollectionElement(Session& session) {
+  const auto& values = session.GetProject().values;
+  if (values.empty()) return nullptr;
+  xml::Document document;
+  XmlParser& parser = *session.Component().GetServices().platform.xml_parser;
+  if (!document.LoadXml(parser, ToText(values.front()))) return nullptr;
+  const auto root = document.DocumentElement();
+  return root->Child(tags::kDataCollection);
+}
+
+bool HasGroup(Session& session) {
+  const auto collection = CollectionElement(session);
+  return collection && collection->Child(tags::kDataGroup);
+}
+
+// A name that holds a double quote can't be looked for.
+std::shared_ptr<IKVDataItem> Reached(IKVDataCollection& collection, const std::string& name,
+                                     const std::string& guid) {
+  if (name.find('"') != name.npos) return nullptr;
+  auto item = collection.GetDataItem(name);
+  return item && item->GUID() == guid ? item : nullptr;
+}
+
+std::vector<DataEntry> CollectionEntries(Session& session) {
+  std::vector<DataEntry> entries;
+  const auto element = CollectionElement(session);
+  const auto collection = DataCollection(session);
+  if (!element) return entries;
+  for (const auto& child : element->Children(tags::kDataItem)) {
+    const std::string name = AttributeText(*child, attributes::kName);
+    const std::string guid = AttributeText(*child, attributes::kGuid);
+    entries.push_back({name, guid, DataPlace::kCollection, Reached(*collection, name, guid)});
+  }
+  return entries;
+}
+
+// The component reports a missing group; to people it is an empty one.
+std::vector<DataEntry> GroupEntries(Session& session) {
+  std::vector<DataEntry> entries;
+  if (!HasGroup(session)) return entries;
+  const auto collection = DataCollection(session);
+  const auto names = collection->DataItemsList();
+  const auto guids = collection->DataItemsGUIDsList();
+  for (int i = 1; names && guids && i <= guids->Count(); ++i) {
+    const auto text = [i](const NameListRef& list) {
+      return list->Item(i).IsNull() ? "" : ToText(list->Item(i));
+    };
+    auto item = collection->GetDataItemByGUID(text(guids));
+    if (item && item->Name() != text(names)) item = nullptr;
+    entries.push_back({text(names), text(guids), DataPlace::kGroup, std::move(item)});
+  }
+  return entries;
+}
+
+std::vector<DataEntry> EntriesIn(Session& session, DataPlace place) {
+  return place == DataPlace::kCollection ? CollectionEntries(session) : GroupEntries(session);
+}
+
+struct DataItemKind : ItemKind<IKVDataItem> {
+  using Ref = DataEntry;
+  static constexpr char kWord[] = "data item";
+  static constexpr char kPlural[] = "data items";
+  static constexpr char kCommand[] = "data";
+  static constexpr char kListFlag[] = " --all";
+  static constexpr char kChosenBy[] = "its {GUID}";
+
+  static std::string NameOf(const Ref& entry) { return entry.item ? entry->Name() : entry.name; }
+  static std::string GuidOf(const Ref& entry) { return entry.guid; }
+  static Record Columns(const Ref& entry) {
+    return {{"place", entry.place == DataPlace::kCollection ? "collection" : "group"},
+            {"layer_file", entry.item ? Field(entry->LayerFile()) : Field()}};
+  }
+
+  // The items of the collection, as the project was opened, then those of the group.
+  static std::vector<Ref> All(Session& session) {
+    auto entries = CollectionEntries(session);
+    for (auto& entry : GroupEntries(session)) entries.push_back(std::move(entry));
+    return entries;
+  }
+
+  // The items of a place that can be reached and that `selector` means.
+  static std::vector<Ref> Meant(Session& session, DataPlace place, const std::string& selector) {
+    auto entries = EntriesIn(session, place);
+    std::erase_if(entries, [](const Ref& entry) { return !entry.item; });
+    return ItemsMeant<DataItemKind>(std::move(entries), selector);
+  }
+
+  // A "{GUID}" is looked for in the group first, a name in the collection first.
+  static Ref Find(Session& session, const std::string& selector) {
+    const auto first = IsGuid(selector) ? DataPlace::kGroup : DataPlace::kCollection;
+    const auto second = IsGuid(selector) ? DataPlace::kCollection : DataPlace::kGroup;
+    auto found = Meant(session, first, selector);
+    if (found.empty()) found = Meant(session, second, selector);
+    return TheOnlyOne<DataItemKind>(found, selector);
+  }
+};
+
+struct DataItems : CommandKind<DataItemKind> {
+  static constexpr char kExample[] = "Streets";
+  static constexpr char kNameHelp[] = "Its name, which names its file too";
+  static constexpr char kRenameHelp[] = "Its new name; its file keeps the old one";
+
+  // The component finds only the first item of a name in each place.
+  static std::vector<Ref> Peers(Session& session, const Ref& entry) {
+    return EntriesIn(session, entry.place);
+  }
+
+  static Record Details(const Ref& entry, Session&, Output&) {
+    return {{"info", entry->AdditionalInfo()}};
   }
 
   static std::vector<SettableField<Item>> SettableFields() {
     return {{"--layer-file", "The full path of the layer file", &SetText<&Item::SetLayerFile>},
             {"--info", "Additional information, as a text", &SetText<&Item::SetAdditionalInfo>}};
+  }
+
+  static Ref Create(Session& session, const std::string& name) {
+    const auto collection = DataCollection(session);
+    if (!collection->CreateDataItem(name)) NameIsTaken<DataItems>(name);
+    const auto item = collection->GetDataItem(name);
+    if (!item->LayerFile().empty()) return {name, item->GUID(), DataPlace::kCollection, item};
+    throw Failure(ExitCode::kRefused,
+                  fmt::format("The folder for the file of the data item {} can't be made or "
+                              "looked at, so there is no new data item. Is there a file in its "
+                              "place, and may you write there?",
+                              name));
+  }
+
+  static std::string WhereItIs(const Ref& entry) {
+    return fmt::format(". Its file is to be {}, with an extension.", entry->LayerFile());
+  }
+
+  static std::string Consequence(Session&, const Ref& entry) {
+    return fmt::format(" with its parameters. {}", Stays(entry));
+  }
+
+  static std::string Delete(Session& session, const Ref& entry) {
+    const std::string stays = Stays(entry);
+    RequireDeleted(DeleteThis(session, entry));
+    return fmt::format("Deleted the data item {}. {}", entry.name, stays);
+  }
+
+  static std::string Folder(Session& session) {
+    session.Component().RequireWorkingDirectory();
+    return DataCollection(session)->DataItemsDir();
+  }
+
+ private:
+  static std::string Stays(const Ref& entry) {
+    return fmt::format("Its file, {}, is left alone.", entry->LayerFile());
+  }
+
+  // By name, unless the first of that name is another one.
+  static bool DeleteThis(Session& session, const Ref& entry) {
+    const auto collection = DataCollection(session);
+    const auto namesakes = ItemsNamed<DataItems>(GroupEntries(session), entry.name);
+    return !namesakes.empty() && namesakes.front().guid == entry.guid
+               ? collection->DeleteDataItem(entry.name)
+               : collection->DeleteDataItemByGUID(entry.guid);
   }
 };
 
@@ -32,8 +207,8 @@ class DataList : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    const auto entries = all_ ? DataEntries(session) : DataEntries(session, DataPlace::kGroup);
-    out.Items(Descriptions(entries),
+    const auto entries = all_ ? DataItems::All(session) : GroupEntries(session);
+    out.Items(RowsOf<DataItems>(entries),
               all_ ? "There are no data items."
                    : "There are no data items in the group of listed ones. 'kvdm data list --all' "
                      "shows those directly in the collection too.");
@@ -42,166 +217,35 @@ class DataList : public ReadingCommand {
   bool all_ = false;
 };
 
-class DataCreate : public ChangingCommand {
+class DataDelete : public ItemDelete<DataItems> {
  public:
-  explicit DataCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name, which names its file too", RequireNewName);
-  }
+  using ItemDelete::ItemDelete;
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto collection = DataCollection(session);
-    if (!collection->CreateDataItem(name_)) {
-      throw Failure(ExitCode::kConflict,
-                    fmt::format("Another data item is named {}. Choose another name, or rename "
-                                "that one.",
-                                name_));
-    }
-    const auto item = collection->GetDataItem(name_);
-    const std::string file = item->LayerFile();
-    if (file.empty()) {
-      throw Failure(ExitCode::kRefused,
-                    fmt::format("The folder for the file of the data item {} can't be made or "
-                                "looked at, so there is no new data item. Is there a file in its "
-                                "place, and may you write there?",
-                                name_));
-    }
-    const DataEntry entry = {name_, item->GUID(), DataPlace::kCollection, item};
-    out.Done(Description(entry), fmt::format("Created the data item {}. Its file is to be {}, with "
-                                             "an extension.",
-                                             name_, file));
-  }
-
-  std::string name_;
-};
-
-class DataShow : public ReadingCommand {
- public:
-  explicit DataShow(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(DataItems::kWord));
-  }
-
- private:
-  void Run(Session& session, Output& out) override {
-    const DataEntry entry = FindDataEntry(session, name_);
-    Record record = Description(entry);
-    record.emplace_back("info", entry.item->AdditionalInfo());
-    out.Fields(std::move(record));
-  }
-
-  std::string name_;
-};
-
-class DataRename : public ChangingCommand {
- public:
-  explicit DataRename(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(DataItems::kWord));
-    arguments.Required("NEW", new_name_, "Its new name; its file keeps the old one", RequireKey);
-  }
-
- private:
-  void Run(Session& session, Output& out) override {
-    DataEntry entry = FindDataEntry(session, name_);
-    RequireFree(session, entry);
-    const std::string old_name = entry.name;
-    entry.item->SetName(new_name_);
-    entry.name = entry.item->Name();
-    out.Done(Description(entry),
-             fmt::format("Renamed the data item {} to {}.", old_name, entry.name));
-  }
-
-  // The component takes any name, but finds only the first item of a name.
-  void RequireFree(Session& session, const DataEntry& renamed) const {
-    for (const DataEntry& entry : DataEntries(session, renamed.place)) {
-      if (entry.name != new_name_ || entry.guid == renamed.guid) continue;
-      throw Failure(ExitCode::kConflict,
-                    fmt::format("Another data item is named {}. Choose another name, or rename "
-                                "that one.",
-                                new_name_));
-    }
-  }
-
-  std::string name_;
-  std::string new_name_;
-};
-
-class DataDelete : public DeletingCommand {
- public:
-  explicit DataDelete(Arguments arguments) : DeletingCommand(arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(DataItems::kWord));
-  }
-
- private:
-  Question ToAsk(Session& session) override {
-    const DataEntry entry = FindInGroup(session);
-    return {fmt::format("This deletes the data item {} with its parameters. {}", entry.name,
-                        Stays(entry)),
-            Description(entry)};
-  }
-
-  void Run(Session& session, Output& out) override {
-    const DataEntry entry = FindInGroup(session);
-    const Record record = Description(entry);
-    const std::string stays = Stays(entry);
-    RequireDeleted(Delete(session, entry));
-    out.Done(record, fmt::format("Deleted the data item {}. {}", entry.name, stays));
-  }
-
-  static std::string Stays(const DataEntry& entry) {
-    return fmt::format("Its file, {}, is left alone.", entry.item->LayerFile());
-  }
-
-  [[nodiscard]] DataEntry FindInGroup(Session& session) const {
-    if (const auto entry = FindDataEntry(session, DataPlace::kGroup, name_)) return *entry;
+  DataEntry Find(Session& session) override {
+    const auto found = DataItems::Meant(session, DataPlace::kGroup, Selector());
+    if (!found.empty()) return TheOnlyOne<DataItems>(found, Selector());
     throw Failure(ExitCode::kRefused,
                   fmt::format("The data item {} stays: the component deletes only items in the "
                               "group of listed ones, and this one stands directly in the "
                               "collection.",
-                              FindDataEntry(session, name_).name));
-  }
-
-  // By name, unless the first of that name is another one.
-  static bool Delete(Session& session, const DataEntry& entry) {
-    const auto collection = DataCollection(session);
-    for (const DataEntry& namesake : DataEntries(session, DataPlace::kGroup)) {
-      if (namesake.name != entry.name) continue;
-      if (namesake.guid == entry.guid) return collection->DeleteDataItem(entry.name);
-      break;
-    }
-    return collection->DeleteDataItemByGUID(entry.guid);
-  }
-
-  std::string name_;
-};
-
-class DataFolder : public ReadingCommand {
- public:
-  explicit DataFolder(Arguments) {}
-
- private:
-  void Run(Session& session, Output& out) override {
-    session.Component().RequireWorkingDirectory();
-    const std::string folder = DataCollection(session)->DataItemsDir();
-    out.Text({{"folder", folder}}, folder);
+                              DataItems::Find(session, Selector()).name));
   }
 };
 
 }  // namespace
 
 void AddDataCommands(const CommandGroup& root) {
-  const CommandGroup data = root.Group("data", "Data items: named references to data files");
-  data.Add<DataList>("list", "List the data items in the group of listed ones",
-                     "kvdm data list\nkvdm data list --all");
-  data.Add<DataCreate>("create", "Make a data item and reserve its file",
-                       "kvdm data create Streets");
-  data.Add<DataShow>("show", "Show one data item", "kvdm data show Streets");
-  data.Add<ItemSet<DataItems>>("set", "Set fields of a data item",
-                               "kvdm data set Streets --layer-file 'D:\\Maps\\Streets.shp'");
-  data.Add<DataRename>("rename", "Rename a data item", "kvdm data rename Streets Roads");
-  data.Add<DataDelete>("delete", "Delete a listed data item and leave its file",
-                       "kvdm data delete Streets\nkvdm data delete Streets --yes");
-  AddParamCommands<DataItems>(data, "Streets");
-  data.Add<DataFolder>("dir", "Show the folder of the data files", "kvdm data dir");
+  const CommandGroup group = root.Group("data", "Data items: named references to data files");
+  group.Add<DataList>("list", "List the data items in the group of listed ones",
+                      "kvdm data list\nkvdm data list --all");
+  AddCreateCommand<DataItems>(group, " and reserve its file");
+  AddShowCommand<DataItems>(group);
+  AddSetCommand<DataItems>(group, "fields", " --layer-file 'D:\\Maps\\Streets.shp'");
+  AddRenameCommand<DataItems>(group);
+  AddDeleteCommand<DataItems, DataDelete>(group, " of the group of listed ones and leave its file");
+  AddParamCommands<DataItems>(group);
+  AddFolderCommand<DataItems>(group, "the data files");
 }
 
 }  // namespace kvdm

@@ -6,23 +6,20 @@
 #include <string_view>
 #include <vector>
 
-#include "host/arguments.h"
-#include "host/items.h"
+#include "host/commands/item_commands.h"
 
 namespace kvdm {
 
 // The parameters' names; none when the component answers with no list.
-template <class Item>
-[[nodiscard]] std::vector<std::string> ParameterNames(Item& item) {
+template <class Ref>
+[[nodiscard]] std::vector<std::string> ParameterNames(const Ref& item) {
   std::vector<std::string> names;
-  const auto list = item.ParametersList();
+  const auto list = item->ParametersList();
   if (!list) return names;
   for (const Value& name : *list) names.push_back(name.IsNull() ? "" : ToText(name));
   return names;
 }
 
-// A kind has its word in sentences, `kWord`, the word of its commands, `kCommand`, and `Find`, the
-// item that a name or {GUID} means.
 template <class Kind>
 class ParamList : public ReadingCommand {
  public:
@@ -34,7 +31,7 @@ class ParamList : public ReadingCommand {
   void Run(Session& session, Output& out) override {
     const auto item = Kind::Find(session, name_);
     std::vector<Record> items;
-    for (const std::string& key : ParameterNames(*item)) {
+    for (const std::string& key : ParameterNames(item)) {
       items.push_back({{"key", key}, {"value", item->GetParameter(key)}});
     }
     out.Items(std::move(items), fmt::format("The {} has no parameters.", Kind::kWord));
@@ -54,7 +51,7 @@ class ParamGet : public ReadingCommand {
  private:
   void Run(Session& session, Output& out) override {
     const auto item = Kind::Find(session, name_);
-    const auto names = ParameterNames(*item);
+    const auto names = ParameterNames(item);
     if (std::find(names.begin(), names.end(), key_) == names.end()) {
       throw Failure(ExitCode::kNotFound,
                     fmt::format("The {} {} has no parameter {}.", Kind::kWord, item->Name(), key_));
@@ -101,7 +98,7 @@ class ParamClear : public ChangingCommand {
  private:
   void Run(Session& session, Output& out) override {
     const auto item = Kind::Find(session, name_);
-    const auto count = static_cast<std::int64_t>(ParameterNames(*item).size());
+    const auto count = static_cast<std::int64_t>(ParameterNames(item).size());
     if (!item->ClearParametersList()) {
       throw Failure(ExitCode::kRefused, "The parameters could not be removed.");
     }
@@ -112,18 +109,14 @@ class ParamClear : public ChangingCommand {
   std::string name_;
 };
 
-// `example` is the name of an item in the examples.
 template <class Kind>
-void AddParamCommands(const CommandGroup& group, std::string_view example) {
+void AddParamCommands(const CommandGroup& group) {
   const CommandGroup param =
       group.Group("param", fmt::format("Named parameters of one {}", Kind::kWord));
-  const auto line = [example](std::string_view command, std::string_view rest) {
-    return fmt::format("kvdm {} param {} {}{}", Kind::kCommand, command, example, rest);
-  };
-  param.Add<ParamList<Kind>>("list", "List the parameters", line("list", ""));
-  param.Add<ParamGet<Kind>>("get", "Show one parameter", line("get", " radius"));
-  param.Add<ParamSet<Kind>>("set", "Set a parameter", line("set", " radius 5"));
-  param.Add<ParamClear<Kind>>("clear", "Remove all parameters", line("clear", ""));
+  param.Add<ParamList<Kind>>("list", "List the parameters", ExampleOf<Kind>("param list"));
+  param.Add<ParamGet<Kind>>("get", "Show one parameter", ExampleOf<Kind>("param get", " radius"));
+  param.Add<ParamSet<Kind>>("set", "Set a parameter", ExampleOf<Kind>("param set", " radius 5"));
+  param.Add<ParamClear<Kind>>("clear", "Remove all parameters", ExampleOf<Kind>("param clear"));
 }
 
 }  // namespace kvdm

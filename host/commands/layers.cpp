@@ -215,7 +215,7 @@ void AddLayerCommands(const CommandGroup& root, const char* help) {
   AddSetCommand<Kind>(group, "fields", " --id-field ID --name-field NAME");
   AddRenameCommand<Kind>(group);
   AddDeleteCommand<Kind, Delete>(group, " and leave its file");
-  AddParamCommands<Kind>(group, Kind::kExample);
+  AddParamCommands<Kind>(group);
   AddCommentCommand<Kind>(group);
   AddFolderCommand<Kind>(group, "the layer files");
 }

@@ -1,185 +1,193 @@
 // kvdm registry: the study areas and layers that a project registers directly in its metadata.
-#include <fmt/format.h>
-
-#include <algorithm>
-#include <functional>
-
 #include "host/commands/groups.h"
+#include "host/commands/item_commands.h"
 #include "host/deletion.h"
-#include "host/items.h"
 #include "host/registered_items.h"
 
 namespace kvdm {
 namespace {
 
-template <class Item>
-Record Described(Item& item) {
-  if constexpr (requires { item.StudyAreaDir(); }) {
-    return {{"name", item.Name()}, {"guid", item.GUID()}, {"folder", item.StudyAreaDir()}};
-  } else {
-    return {{"name", item.Name()}, {"guid", item.GUID()}, {"created", item.CreationTime()}};
-  }
-}
+// A kind of registered item. `Rules` are its words and the operations of AreaRegistry.
+template <class Rules>
+struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
+  using Item = typename Rules::Item;
+  using Ref = std::shared_ptr<Item>;
+  static constexpr char kExample[] = "North";
+  static constexpr char kNameHelp[] = "Its name";
+  static constexpr Check kNewName = &RequireKey;
 
-// The item that `selector` means: that with this "{GUID}", else the first of that name. Failure
-// kNotFound when there is none.
-template <class Kind>
-std::shared_ptr<typename Kind::Item> FindRegistered(Session& session, const std::string& selector) {
-  AreaRegistry& registry = RegistryOf(session);
-  if (IsGuid(selector) && std::invoke(Kind::kExistsByGuid, registry, selector)) {
-    return std::invoke(Kind::kGetByGuid, registry, selector);
-  }
-  if (std::invoke(Kind::kExists, registry, selector)) {
-    return std::invoke(Kind::kGet, registry, selector);
-  }
-  throw Failure(ExitCode::kNotFound,
-                fmt::format("There is no {} {}. 'kvdm registry {} list' shows what there is.",
-                            Kind::kWord, selector, Kind::kCommand));
-}
-
-bool Contains(const NameList& names, const std::string& name) {
-  return std::any_of(names.begin(), names.end(),
-                     [&](const Value& value) { return !value.IsNull() && ToText(value) == name; });
-}
-
-template <class Kind>
-class RegistryList : public ReadingCommand {
- public:
-  explicit RegistryList(Arguments) {}
-
- private:
   // The list of names leaves out what is not for people.
-  void Run(Session& session, Output& out) override {
+  static std::vector<Ref> All(Session& session) {
     AreaRegistry& registry = RegistryOf(session);
-    const std::size_t shown = out.Messages().size();
-    const NameListRef names = std::invoke(Kind::kNames, registry);
-    if (out.Messages().size() > shown) return;  // and the command fails with that message
-    std::vector<Record> items;
-    const NameListRef guids = std::invoke(Kind::kGuids, registry);
+    const NameListRef names = std::invoke(Rules::kNames, registry);
+    std::vector<Ref> items;
+    if (names->Count() == 0) return items;
+    const NameListRef guids = std::invoke(Rules::kGuids, registry);
     for (const Value& guid : *guids) {
-      const auto item =
-          guid.IsNull() ? nullptr : std::invoke(Kind::kGetByGuid, registry, ToText(guid));
-      if (item && Contains(*names, item->Name())) items.push_back(Described(*item));
+      Ref item = guid.IsNull() ? nullptr : std::invoke(Rules::kGetByGuid, registry, ToText(guid));
+      if (item && Contains(*names, item->Name())) items.push_back(std::move(item));
     }
-    out.Items(std::move(items), fmt::format("There are no {}s.", Kind::kWord));
-  }
-};
-
-template <class Kind>
-class RegistryCreate : public ChangingCommand {
- public:
-  explicit RegistryCreate(Arguments arguments) {
-    arguments.Required("NAME", name_, "Its name", RequireKey);
+    return items;
   }
 
- private:
-  void Run(Session& session, Output& out) override {
+  // That with this "{GUID}", else the first of that name.
+  static Ref Find(Session& session, const std::string& selector) {
     AreaRegistry& registry = RegistryOf(session);
-    if (std::invoke(Kind::kExists, registry, name_)) {
+    Ref item;
+    if (HasGuid(registry, selector)) {
+      item = std::invoke(Rules::kGetByGuid, registry, selector);
+    } else if (std::invoke(Rules::kExists, registry, selector)) {
+      item = std::invoke(Rules::kGet, registry, selector);
+    } else {
+      return TheOnlyOne<Registered>({}, selector);
+    }
+    static_cast<void>(Required(item));
+    return item;
+  }
+
+  static Record Columns(const Ref& item) {
+    if constexpr (Rules::kHasFolder) {
+      return {{"folder", item->StudyAreaDir()}};
+    } else {
+      return {{"created", item->CreationTime()}};
+    }
+  }
+
+  static Record Details(const Ref&, Session&, Output&) { return {}; }
+
+  static Ref Create(Session& session, const std::string& name) {
+    AreaRegistry& registry = RegistryOf(session);
+    if (std::invoke(Rules::kExists, registry, name)) {
       throw Failure(ExitCode::kConflict, fmt::format("Another {} is named {}. Choose another name.",
-                                                     Kind::kWord, name_));
+                                                     Rules::kWord, name));
     }
-    if (!std::invoke(Kind::kCreate, registry, name_)) {
+    if (!std::invoke(Rules::kCreate, registry, name)) {
       throw Failure(ExitCode::kRefused,
-                    fmt::format("The component did not make the {} {}.", Kind::kWord, name_));
+                    fmt::format("The component did not make the {} {}.", Rules::kWord, name));
     }
-    const auto item = std::invoke(Kind::kGet, registry, name_);
-    out.Done(Described(Required(item)), fmt::format("Created the {} {}.", Kind::kWord, name_));
+    Ref item = std::invoke(Rules::kGet, registry, name);
+    static_cast<void>(Required(item));
+    return item;
   }
 
-  std::string name_;
-};
+  static std::string WhereItIs(const Ref&) { return "."; }
 
-template <class Kind>
-class RegistryShow : public ReadingCommand {
- public:
-  explicit RegistryShow(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  static std::string Consequence(Session& session, const Ref& item) {
+    return fmt::format(
+        ". {} {}.",
+        Rules::kHasFolder ? "The component deletes what it can of" : "It leaves the files in",
+        FolderOf(session, item));
   }
 
- private:
-  void Run(Session& session, Output& out) override {
-    out.Fields(Described(Required(FindRegistered<Kind>(session, name_))));
-  }
-
-  std::string name_;
-};
-
-template <class Kind>
-class RegistryDelete : public DeletingCommand {
- public:
-  explicit RegistryDelete(Arguments arguments) : DeletingCommand(arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-  }
-
- private:
-  Question ToAsk(Session& session) override {
-    const auto item = FindRegistered<Kind>(session, name_);
-    return {fmt::format("This deletes the {} {}. {} {}.", Kind::kWord, Required(item).Name(),
-                        Kind::kHasFolder ? "The component deletes what it can of"
-                                         : "It leaves the files in",
-                        FolderOf(session, *item)),
-            Described(*item)};
-  }
-
-  void Run(Session& session, Output& out) override {
-    AreaRegistry& registry = RegistryOf(session);
-    const auto item = FindRegistered<Kind>(session, name_);
-    const Record record = Described(Required(item));
-    const std::string what = fmt::format("{} {}", Kind::kWord, item->Name());
-    const std::string folder = FolderOf(session, *item);
-    const bool by_guid = IsGuid(name_) && item->GUID() == name_;
-    const auto perform = [&] {
-      return by_guid ? std::invoke(Kind::kDeleteByGuid, registry, name_)
-                     : std::invoke(Kind::kDelete, registry, name_);
-    };
-    if constexpr (Kind::kHasFolder) {
-      out.Done(record, DeleteWithFolder(session, {what, item->GUID(), folder, perform}));
+  static std::string Delete(Session& session, const Ref& item) {
+    const std::string what = fmt::format("{} {}", Rules::kWord, item->Name());
+    const std::string folder = FolderOf(session, item);
+    const auto perform = [&] { return DeleteThis(RegistryOf(session), item); };
+    if constexpr (Rules::kHasFolder) {
+      return DeleteWithFolder(session, {what, item->GUID(), folder, perform});
     } else {
       RequireDeleted(perform());
-      out.Done(record, fmt::format("Deleted the {}. Its files in {} stay.", what, folder));
+      return fmt::format("Deleted the {}. Its files in {} stay.", what, folder);
     }
+  }
+
+  static std::string Folder(Session& session) {
+    return std::invoke(Rules::kLayersFolder, RegistryOf(session));
+  }
+
+ private:
+  static bool Contains(const NameList& names, const std::string& name) {
+    return std::any_of(names.begin(), names.end(), [&](const Value& value) {
+      return !value.IsNull() && ToText(value) == name;
+    });
+  }
+
+  static bool HasGuid(AreaRegistry& registry, const std::string& guid) {
+    return IsGuid(guid) && std::invoke(Rules::kExistsByGuid, registry, guid);
   }
 
   // The study area's own folder, or that of all layers of the kind.
-  static std::string FolderOf(Session& session, typename Kind::Item& item) {
-    if constexpr (Kind::kHasFolder) {
-      return session.Manager().WorkingDirectory() + item.StudyAreaDir();
+  static std::string FolderOf(Session& session, const Ref& item) {
+    if constexpr (Rules::kHasFolder) {
+      return session.Manager().WorkingDirectory() + item->StudyAreaDir();
     } else {
-      return std::invoke(Kind::kLayersFolder, RegistryOf(session));
+      return Folder(session);
     }
   }
 
-  std::string name_;
-};
-
-template <class Kind>
-class RegistryFolder : public ReadingCommand {
- public:
-  explicit RegistryFolder(Arguments) {}
-
- private:
-  void Run(Session& session, Output& out) override {
-    const std::string folder = std::invoke(Kind::kLayersFolder, RegistryOf(session));
-    out.Text({{"folder", folder}}, folder);
+  // By identifier, unless the first that has it is another one.
+  static bool DeleteThis(AreaRegistry& registry, const Ref& item) {
+    const std::string name = item->Name();
+    const std::string guid = item->GUID();
+    const bool by_guid =
+        HasGuid(registry, guid) && std::invoke(Rules::kGetByGuid, registry, guid)->Name() == name;
+    return by_guid ? std::invoke(Rules::kDeleteByGuid, registry, guid)
+                   : std::invoke(Rules::kDelete, registry, name);
   }
 };
 
-template <class Kind>
-void AddKind(const CommandGroup& registry) {
-  const std::string word = Kind::kWord;
-  const CommandGroup group = registry.Group(Kind::kCommand, fmt::format("The {}s", word));
-  const auto line = [](std::string_view rest) {
-    return fmt::format("kvdm registry {} {}", Kind::kCommand, rest);
-  };
-  group.Add<RegistryList<Kind>>("list", fmt::format("List the {}s", word), line("list"));
-  group.Add<RegistryCreate<Kind>>("create", fmt::format("Make a {}", word), line("create North"));
-  group.Add<RegistryShow<Kind>>("show", fmt::format("Show one {}", word), line("show North"));
-  group.Add<RegistryDelete<Kind>>("delete", fmt::format("Delete a {}", word),
-                                  line("delete North --yes"));
-  if constexpr (!Kind::kHasFolder) {
-    group.Add<RegistryFolder<Kind>>("dir", "Show the folder of their files", line("dir"));
-  }
+struct RegisteredAreaRules {
+  using Item = IKVStudyArea;
+  static constexpr char kWord[] = "registered study area";
+  static constexpr char kPlural[] = "registered study areas";
+  static constexpr char kCommand[] = "registry area";
+  static constexpr auto kNames = &AreaRegistry::StudyAreaNames;
+  static constexpr auto kGuids = &AreaRegistry::StudyAreaGUIDs;
+  static constexpr auto kExists = &AreaRegistry::StudyAreaExists;
+  static constexpr auto kExistsByGuid = &AreaRegistry::StudyAreaExistsByGUID;
+  static constexpr auto kGet = &AreaRegistry::GetStudyArea;
+  static constexpr auto kGetByGuid = &AreaRegistry::GetStudyAreaByGUID;
+  static constexpr auto kCreate = &AreaRegistry::CreateStudyArea;
+  static constexpr bool (AreaRegistry::*kDelete)(std::string_view) = &AreaRegistry::DeleteStudyArea;
+  static constexpr auto kDeleteByGuid = &AreaRegistry::DeleteStudyAreaByGUID;
+  static constexpr bool kHasFolder = true;  // which is deleted with it
+};
+
+struct RegisteredCustomerRules {
+  using Item = IKVCustLayer;
+  static constexpr char kWord[] = "registered customer layer";
+  static constexpr char kPlural[] = "registered customer layers";
+  static constexpr char kCommand[] = "registry customer";
+  static constexpr auto kNames = &AreaRegistry::CustLayerNames;
+  static constexpr auto kGuids = &AreaRegistry::CustLayerGUIDs;
+  static constexpr auto kExists = &AreaRegistry::CustLayerExists;
+  static constexpr auto kExistsByGuid = &AreaRegistry::CustLayerExistsByGUID;
+  static constexpr auto kGet = &AreaRegistry::GetCustLayer;
+  static constexpr auto kGetByGuid = &AreaRegistry::GetCustLayerByGUID;
+  static constexpr auto kCreate = &AreaRegistry::RegisterCustLayer;
+  static constexpr auto kDelete = &AreaRegistry::UnregisterCustLayer;
+  static constexpr auto kDeleteByGuid = &AreaRegistry::UnregisterCustLayerByGUID;
+  static constexpr auto kLayersFolder = &AreaRegistry::CustomersDir;
+  static constexpr bool kHasFolder = false;
+};
+
+struct RegisteredStoreRules {
+  using Item = IKVStoreLayer;
+  static constexpr char kWord[] = "registered store layer";
+  static constexpr char kPlural[] = "registered store layers";
+  static constexpr char kCommand[] = "registry store";
+  static constexpr auto kNames = &AreaRegistry::StoreLayerNames;
+  static constexpr auto kGuids = &AreaRegistry::StoreLayerGUIDs;
+  static constexpr auto kExists = &AreaRegistry::StoreLayerExists;
+  static constexpr auto kExistsByGuid = &AreaRegistry::StoreLayerExistsByGUID;
+  static constexpr auto kGet = &AreaRegistry::GetStoreLayer;
+  static constexpr auto kGetByGuid = &AreaRegistry::GetStoreLayerByGUID;
+  static constexpr auto kCreate = &AreaRegistry::RegisterStoreLayer;
+  static constexpr auto kDelete = &AreaRegistry::UnregisterStoreLayer;
+  static constexpr auto kDeleteByGuid = &AreaRegistry::UnregisterStoreLayerByGUID;
+  static constexpr auto kLayersFolder = &AreaRegistry::StoresDir;
+  static constexpr bool kHasFolder = false;
+};
+
+template <class Rules>
+void AddKind(const CommandGroup& registry, const std::string& name) {
+  using Kind = Registered<Rules>;
+  const CommandGroup group = registry.Group(name, fmt::format("The {}", Kind::kPlural));
+  AddListCommand<Kind>(group);
+  AddCreateCommand<Kind>(group);
+  AddShowCommand<Kind>(group);
+  AddDeleteCommand<Kind>(group);
+  if constexpr (!Kind::kHasFolder) AddFolderCommand<Kind>(group, "their files");
 }
 
 }  // namespace
@@ -187,9 +195,9 @@ void AddKind(const CommandGroup& registry) {
 void AddRegistryCommands(const CommandGroup& root) {
   const CommandGroup registry = root.Group(
       "registry", "Study areas and layers registered in the project itself, if it has them");
-  AddKind<RegisteredAreaKind>(registry);
-  AddKind<RegisteredCustomerKind>(registry);
-  AddKind<RegisteredStoreKind>(registry);
+  AddKind<RegisteredAreaRules>(registry, "area");
+  AddKind<RegisteredCustomerRules>(registry, "customer");
+  AddKind<RegisteredStoreRules>(registry, "store");
 }
 
 }  // namespace kvdm
