@@ -15,7 +15,6 @@
 namespace kvdm {
 namespace {
 
-constexpr char kWorkingDirectorySetting[] = "VELKKVDirectory";
 constexpr char kDefaultWorkingDirectory[] = "\\My Output Data";
 constexpr char kWrongWorkingDirectoryText[] = "101";
 constexpr char kComponentName[] = "KVDM";

@@ -10,6 +10,7 @@
 #include "host/metadata_text.h"
 #include "host/os.h"
 #include "platform/xml/document.h"
+#include "util/names.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {
@@ -92,11 +93,11 @@ std::vector<KeptValue> HostedComponent::KeptStudyAreas() const {
 }
 
 std::string HostedComponent::CurrentStudyArea() {
-  return ToText(state_->GetProperty(kStudyAreaState));
+  return ToText(state_->GetProperty(kStudyAreaNameProperty));
 }
 
 void HostedComponent::SetCurrentStudyArea(std::string_view name) {
-  state_->SetProperty(kStudyAreaState, name);
+  state_->SetProperty(kStudyAreaNameProperty, name);
 }
 
 void HostedComponent::SaveTo(Project& project) {

@@ -16,10 +16,6 @@
 
 namespace kvdm {
 
-// The host's properties that the component reads.
-inline constexpr char kWorkingDirectorySetting[] = "VELKKVDirectory";
-inline constexpr char kStudyAreaState[] = "Study Area Name";
-
 class HostedComponent {
  public:
   // Starts the component with the project's settings and state, and loads the project's values into

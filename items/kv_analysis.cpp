@@ -11,8 +11,6 @@ constexpr ItemReports kReports = {ReportStyle::kByName, messages::kSetParameter}
 constexpr LayerEditMessages kLayerEditMessages = {messages::kAnalysisLayerFile,
                                                   messages::kAnalysisGuid};
 
-constexpr char kLayerType[] = "Analysis Layer";
-
 // The names under which a property set holds what is no parameter.
 constexpr char kNameEntry[] = "Name";
 constexpr char kCommentsEntry[] = "Comments";
@@ -95,7 +93,7 @@ void KVAnalysis::ApplyEntry(const std::string& name, const Value& value) {
 
 void KVAnalysis::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   ExportDocument(metadata, *gis_core_, view().log(), [&](NamedValueSet& document) {
-    document.PutValue(metadata_paths::kLayerType, kLayerType);
+    document.PutValue(metadata_paths::kLayerType, layer_types::kAnalysis);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, AnalysisGUID());
     document.PutValue(metadata_paths::kComments, Comments());
@@ -110,7 +108,8 @@ void KVAnalysis::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) 
 
 void KVAnalysis::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   std::shared_ptr<NamedValueSet> document;
-  guard::Skipping(view().log(), [&] { document = ReadDocumentOf(metadata, kLayerType); });
+  guard::Skipping(view().log(),
+                  [&] { document = ReadDocumentOf(metadata, layer_types::kAnalysis); });
   if (!document) return;
   guard::Skipping(view().log(),
                   [&] { layer_edit_.SetGUID(FirstText(*document, metadata_paths::kGuid)); });

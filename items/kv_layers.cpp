@@ -4,12 +4,7 @@
 #include "util/names.h"
 
 namespace kvdm {
-namespace {
-
-constexpr char kCustLayerType[] = "Customer Layer";
-constexpr char kStoreLayerType[] = "Store Layer";
-
-}  // namespace
+namespace {}  // namespace
 
 std::string KVCustLayer::LinkField() { return view().TextOrNothing(attributes::kLinkField); }
 
@@ -24,7 +19,7 @@ bool KVCustLayer::IsTaken(std::string_view name) {
 
 void KVCustLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   ExportDocument(metadata, gis_core(), view().log(), [&](NamedValueSet& document) {
-    document.PutValue(metadata_paths::kLayerType, kCustLayerType);
+    document.PutValue(metadata_paths::kLayerType, layer_types::kCustLayer);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, GUID());
     document.PutValue(metadata_paths::kIdField, IDField());
@@ -37,7 +32,7 @@ void KVCustLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata)
 
 void KVCustLayer::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   guard::Quiet(view().log(), [&] {
-    const auto document = ReadDocumentOf(metadata, kCustLayerType);
+    const auto document = ReadDocumentOf(metadata, layer_types::kCustLayer);
     if (!document) return;
     SetIDField(FirstText(*document, metadata_paths::kIdField));
     SetLinkField(FirstText(*document, metadata_paths::kLinkField));
@@ -60,7 +55,7 @@ bool KVStoreLayer::IsTaken(std::string_view name) {
 
 void KVStoreLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   ExportDocument(metadata, gis_core(), view().log(), [&](NamedValueSet& document) {
-    document.PutValue(metadata_paths::kLayerType, kStoreLayerType);
+    document.PutValue(metadata_paths::kLayerType, layer_types::kStoreLayer);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, GUID());
     document.PutValue(metadata_paths::kIdField, IDField());
@@ -72,7 +67,7 @@ void KVStoreLayer::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata
 
 void KVStoreLayer::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   guard::Quiet(view().log(), [&] {
-    const auto document = ReadDocumentOf(metadata, kStoreLayerType);
+    const auto document = ReadDocumentOf(metadata, layer_types::kStoreLayer);
     if (!document) return;
     SetIDField(FirstText(*document, metadata_paths::kIdField));
     SetNameField(FirstText(*document, metadata_paths::kNameField));

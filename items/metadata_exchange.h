@@ -13,6 +13,7 @@ namespace kvdm {
 
 namespace metadata_paths {
 
+inline constexpr char kRoot[] = "Velk/Kelvaro8/";
 inline constexpr char kLayerType[] = "Velk/Kelvaro8/LayerType";
 inline constexpr char kName[] = "Velk/Kelvaro8/Name";
 inline constexpr char kGuid[] = "Velk/Kelvaro8/GUID";
@@ -29,6 +30,16 @@ inline constexpr char kMainLayer[] = "Velk/Kelvaro8/MainLayer";
 inline constexpr char kFeaturesList[] = "Velk/Kelvaro8/FeaturesList";
 
 }  // namespace metadata_paths
+
+// What stands under kLayerType.
+namespace layer_types {
+
+inline constexpr char kAnalysis[] = "Analysis Layer";
+inline constexpr char kCustLayer[] = "Customer Layer";
+inline constexpr char kStoreLayer[] = "Store Layer";
+inline constexpr char kStudyArea[] = "Study Area";
+
+}  // namespace layer_types
 
 // Reads the layer's document, or makes an empty one when there is none, has `put` fill it, and
 // writes it back. An error ends it quietly; the layer's metadata is then as before.

@@ -14,7 +14,6 @@ namespace {
 constexpr LayerEditMessages kLayerEditMessages = {messages::kSetStudyAreaLayerFile,
                                                   messages::kSetStudyAreaGuid};
 
-constexpr char kLayerType[] = "Study Area";
 constexpr char kTableBaseName[] = "Table";
 constexpr char kComponentName[] = "KVDM";
 constexpr char kMissingPropertiesText[] = "102";
@@ -160,7 +159,7 @@ std::string KVStudyArea::FreeTablePath() {
 
 void KVStudyArea::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   guard::Quiet(view_.log(), [&] {
-    const auto document = ReadDocumentOf(metadata, kLayerType);
+    const auto document = ReadDocumentOf(metadata, layer_types::kStudyArea);
     if (!document) return;
     for (const auto& [path, property] : kExchangedProperties) {
       SetProperty(property, FirstValue(*document, path));
@@ -171,7 +170,7 @@ void KVStudyArea::ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata)
 
 void KVStudyArea::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) {
   ExportDocument(metadata, *gis_core_, view_.log(), [&](NamedValueSet& document) {
-    document.PutValue(metadata_paths::kLayerType, kLayerType);
+    document.PutValue(metadata_paths::kLayerType, layer_types::kStudyArea);
     document.PutValue(metadata_paths::kName, Name());
     document.PutValue(metadata_paths::kGuid, GUID());
     for (const auto& [path, property] : kExchangedProperties) {

@@ -1,5 +1,5 @@
 // Fixed names: elements and attributes of the three documents, upper case and matched exactly, and
-// folders.
+// folders; properties of the host.
 #pragma once
 
 namespace kvdm::tags {
@@ -72,3 +72,12 @@ inline constexpr char kTables[] = "Tables";
 inline constexpr char kStudyAreaPrefix[] = "Study Area ";
 
 }  // namespace kvdm::sDefaultDirNames
+
+namespace kvdm {
+
+// Properties of the host: the working directory, of its settings, and the name of the current study
+// area, of what is open.
+inline constexpr char kWorkingDirectorySetting[] = "VELKKVDirectory";
+inline constexpr char kStudyAreaNameProperty[] = "Study Area Name";
+
+}  // namespace kvdm

@@ -9,6 +9,7 @@
 #include "host/os.h"
 #include "host/project_file.h"
 #include "platform/utf8.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {

@@ -7,16 +7,15 @@
 
 #include "host/commands/groups.h"
 #include "host/kinds.h"
+#include "items/metadata_exchange.h"
 #include "platform/portable/value_set.h"
 
 namespace kvdm {
 namespace {
 
 constexpr char kNameHelp[] = "An analysis, or what a flag says, by name or {GUID}";
-constexpr std::string_view kRootPath = "Velk/Kelvaro8/";
-constexpr char kNameField[] = "Name";  // below the root path
-constexpr char kLayerTypePath[] = "Velk/Kelvaro8/LayerType";
-constexpr char kGuidPath[] = "Velk/Kelvaro8/GUID";
+constexpr std::string_view kRootPath = metadata_paths::kRoot;
+constexpr std::string_view kNamePath = metadata_paths::kName;
 
 // An item with its layer's metadata.
 struct Layer {
@@ -46,10 +45,10 @@ class LayerChoice {
     if (int{area_} + int{customer_} + int{store_} > 1) {
       throw Failure(ExitCode::kUsage, "Give at most one of --area, --customer and --store.");
     }
-    if (area_) return LayerOf<StudyAreaKind>(session, name, "Study Area");
-    if (customer_) return LayerOf<CustLayerKind>(session, name, "Customer Layer");
-    if (store_) return LayerOf<StoreLayerKind>(session, name, "Store Layer");
-    return LayerOf<AnalysisKind>(session, name, "Analysis Layer");
+    if (area_) return LayerOf<StudyAreaKind>(session, name, layer_types::kStudyArea);
+    if (customer_) return LayerOf<CustLayerKind>(session, name, layer_types::kCustLayer);
+    if (store_) return LayerOf<StoreLayerKind>(session, name, layer_types::kStoreLayer);
+    return LayerOf<AnalysisKind>(session, name, layer_types::kAnalysis);
   }
 
  private:
@@ -78,7 +77,7 @@ std::shared_ptr<NamedValueSet> ReadMetadata(LayerMetadata& metadata,
   }
 }
 
-std::string FirstText(NamedValueSet& document, std::string_view path) {
+std::string TextAt(NamedValueSet& document, std::string_view path) {
   const auto values = document.GetValues(path);
   return values.empty() || values.front().IsNull() ? "" : ToText(values.front());
 }
@@ -217,7 +216,7 @@ class MetadataImport : public ChangingCommand {
   void Run(Session& session, Output& out) override {
     const Layer layer = choice_.Find(session, name_);
     const auto document = ReadMetadata(*MetadataOf(session, layer.file), layer.file);
-    const std::string type = FirstText(*document, kLayerTypePath);
+    const std::string type = TextAt(*document, metadata_paths::kLayerType);
     if (type != layer.type) {
       throw Failure(ExitCode::kRefused,
                     fmt::format("The metadata of {} describe \"{}\", not \"{}\". Nothing was "
@@ -227,10 +226,11 @@ class MetadataImport : public ChangingCommand {
     // From what was read here: the component would take a second look that fails for no metadata.
     Required(layer.exchange).ImportMetadata(std::make_shared<MetadataInMemory>(document));
     const auto result = WrittenBy(layer);
-    out.Done(
-        {{"name", layer.name}, {"guid", FirstText(*result, kGuidPath)}, {"layer_file", layer.file}},
-        fmt::format("Took over the metadata of {}{}.", layer.file,
-                    Exceptions(Differences(*result, *document))));
+    out.Done({{"name", layer.name},
+              {"guid", TextAt(*result, metadata_paths::kGuid)},
+              {"layer_file", layer.file}},
+             fmt::format("Took over the metadata of {}{}.", layer.file,
+                         Exceptions(Differences(*result, *document))));
   }
 
   // What the component left out, which it does quietly. It never takes over the name.
@@ -238,7 +238,8 @@ class MetadataImport : public ChangingCommand {
     std::vector<std::string> fields;
     for (const Difference& difference : differences) {
       const bool in_layer = difference.layer != Field();
-      if (in_layer && difference.field != kNameField) fields.push_back(difference.field);
+      const bool is_name = difference.field == kNamePath.substr(kRootPath.size());
+      if (in_layer && !is_name) fields.push_back(difference.field);
     }
     return fields.empty() ? "" : fmt::format(", but for {}", fmt::join(fields, ", "));
   }
