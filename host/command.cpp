@@ -6,10 +6,10 @@
 #include <tuple>
 
 #include "host/arguments.h"
+#include "host/deletion.h"
 #include "host/items.h"
 #include "host/os.h"
 #include "host/project_file.h"
-#include "host/waiting_folders.h"
 
 namespace kvdm {
 namespace {

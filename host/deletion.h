@@ -1,8 +1,9 @@
-// Deleting items whose folders go with them.
+// Deletion of items whose folders go with them, and what deletions that were ended left behind.
 #pragma once
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "host/session.h"
 
@@ -23,5 +24,27 @@ struct Deletion {
 // Deletes an item as DeleteWithFolder does, without an answer. True when there was a folder that
 // is gone now.
 bool DeleteAndSave(Session& session, const Deletion& deletion);
+
+// A folder that waits where the deletion of its item set it aside, because kvdm was ended before
+// the deletion was done.
+struct WaitingFolder {
+  enum class Item { kListed, kGone, kOfOtherProject };
+
+  std::string place;   // full paths
+  std::string folder;  // where it was; "" when nothing waits in that place
+  Item item = Item::kListed;
+  bool only_files = false;
+};
+
+// Those beside the folders of the project's items. Failure when it can't be told which items are
+// listed, std::system_error when a folder can't be looked at.
+[[nodiscard]] std::vector<WaitingFolder> WaitingFolders(Session& session);
+
+// Tells where folders wait, and what can be done.
+void TellOfWaitingFolders(Session& session);
+
+// Puts folders of listed items back in their place, deletes those whose items are gone, and tells
+// so. What can't be done stays as it is.
+void SettleWaitingFolders(Session& session);
 
 }  // namespace kvdm

@@ -5,7 +5,6 @@
 #include "host/deletion.h"
 #include "host/kinds.h"
 #include "platform/xml/document.h"
-#include "util/kvdm_utils.h"
 #include "util/names.h"
 
 namespace kvdm {
