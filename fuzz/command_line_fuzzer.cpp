@@ -19,8 +19,8 @@
 #include <vector>
 
 #include "fuzz/fuzzer.h"
-#include "host/cli.h"
-#include "host/exit_codes.h"
+#include "host/command.h"
+#include "host/result.h"
 #include "host/json.h"
 #include "tests/temp_folder.h"
 

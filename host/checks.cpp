@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "host/failure.h"
+#include "host/result.h"
 #include "platform/utf8.h"
 #include "platform/xml/xml_text.h"
 #include "studyarea/kv_study_area.h"

@@ -1,5 +1,4 @@
-#include "host/cli.h"
-
+// The program `kvdm`: its command line, and what becomes of errors.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/command.h"
 #include "host/commands/groups.h"
 #include "host/os.h"
 #include "host/output.h"

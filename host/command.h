@@ -4,9 +4,10 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/output.h"
-#include "host/record.h"
+#include "host/result.h"
 #include "host/session.h"
 
 namespace kvdm {
@@ -79,5 +80,9 @@ class DeletingCommand : public ChangingCommand {
 
   bool yes_ = false;
 };
+
+// Runs the command line `arguments`, the program's own name left out. Answers the exit status.
+// Where memory runs out, here or before, the program ends at once with a sentence and status 1.
+int RunCommandLine(std::vector<std::string> arguments);
 
 }  // namespace kvdm

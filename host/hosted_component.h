@@ -16,6 +16,13 @@
 
 namespace kvdm {
 
+class AreaRegistry;
+
+// Why the component does not take `text` as a document, as a sentence about `what` that names the
+// limit that it is over; "" when it does.
+[[nodiscard]] std::string DocumentProblem(XmlParser& parser, std::string_view what,
+                                          std::string_view text);
+
 class HostedComponent {
  public:
   // Starts the component with the project's settings and state, and loads the project's values into
@@ -23,6 +30,9 @@ class HostedComponent {
   HostedComponent(const Project& project, Output& out);
 
   [[nodiscard]] IKVDataManager& Manager() { return *manager_; }
+  // The data manager's own registry of study areas and layers, of which its interface shows
+  // nothing. Its failures are messages.
+  [[nodiscard]] AreaRegistry& RegisteredItems();
   [[nodiscard]] const Services& GetServices() const { return services_; }
   // The component's file system.
   [[nodiscard]] SettingAsideFiles& Files() { return *files_; }

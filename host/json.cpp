@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "host/failure.h"
-
 namespace kvdm {
 namespace {
 
@@ -31,6 +29,25 @@ Json ParseJson(std::string_view text) {
   } catch (const Json::exception&) {
     Unreadable("It holds a number that is too large.");
   }
+}
+
+Json ToJson(const Field& field) {
+  if (const auto* text = std::get_if<std::string>(&field)) return *text;
+  if (const auto* number = std::get_if<std::int64_t>(&field)) return *number;
+  if (const auto* answer = std::get_if<bool>(&field)) return *answer;
+  return nullptr;
+}
+
+Json ToJson(const Record& record) {
+  Json object = Json::object();
+  for (const auto& [name, field] : record) object[name] = ToJson(field);
+  return object;
+}
+
+Json ToJson(const std::vector<Record>& records) {
+  Json array = Json::array();
+  for (const Record& record : records) array.push_back(ToJson(record));
+  return array;
 }
 
 }  // namespace kvdm

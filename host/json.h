@@ -1,9 +1,12 @@
-// JSON that came from outside.
+// JSON: documents from outside, and results as JSON.
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include <nlohmann/json.hpp>
+
+#include "host/result.h"
 
 namespace kvdm {
 
@@ -15,5 +18,10 @@ inline constexpr int kMaxJsonDepth = 64;
 // The document of a text. Failure kUnreadable, with a sentence that begins with "It", for one that
 // is not well-formed, is nested too deeply or holds a number that no program could hold.
 [[nodiscard]] Json ParseJson(std::string_view text);
+
+// The keys have the order of the fields.
+[[nodiscard]] Json ToJson(const Field& field);
+[[nodiscard]] Json ToJson(const Record& record);
+[[nodiscard]] Json ToJson(const std::vector<Record>& records);
 
 }  // namespace kvdm

@@ -6,35 +6,13 @@
 #include <cctype>
 #include <iostream>
 
-#include <nlohmann/json.hpp>
-
 #include <kvdm/platform/error.h>
 
+#include "host/json.h"
 #include "host/text.h"
 
 namespace kvdm {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json ToJson(const Field& field) {
-  if (const auto* text = std::get_if<std::string>(&field)) return *text;
-  if (const auto* number = std::get_if<std::int64_t>(&field)) return *number;
-  if (const auto* answer = std::get_if<bool>(&field)) return *answer;
-  return nullptr;
-}
-
-Json ToJson(const Record& record) {
-  Json object = Json::object();
-  for (const auto& [name, field] : record) object[name] = ToJson(field);
-  return object;
-}
-
-Json ToJson(const std::vector<Record>& records) {
-  Json array = Json::array();
-  for (const Record& record : records) array.push_back(ToJson(record));
-  return array;
-}
 
 // Bytes that are not UTF-8 are shown as U+FFFD.
 void PrintJson(const Json& object) {

@@ -8,8 +8,7 @@
 
 #include <kvdm/platform/error.h>
 
-#include "host/failure.h"
-#include "host/record.h"
+#include "host/result.h"
 
 namespace kvdm {
 

@@ -8,8 +8,8 @@
 
 #include <kvdm/datamanager/component.h>
 
-#include "host/failure.h"
 #include "host/json.h"
+#include "host/result.h"
 
 namespace kvdm {
 namespace {

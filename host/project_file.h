@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/failure.h"
 #include "host/project.h"
+#include "host/result.h"
 
 namespace kvdm {
 

@@ -1,8 +1,8 @@
 // kvdm alias: what people call the two kinds of layers.
 #include <fmt/format.h>
 
+#include "datamanager/area_registry.h"
 #include "host/commands/groups.h"
-#include "host/registered_items.h"
 
 namespace kvdm {
 namespace {
@@ -13,7 +13,7 @@ class AliasShow : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    AreaRegistry& registry = RegistryOf(session);
+    AreaRegistry& registry = session.Component().RegisteredItems();
     const Record words = {{"customer", registry.CustomerAlias()}, {"store", registry.StoreAlias()}};
     session.Component().RequireRegistry();
     out.Fields(words);
@@ -31,7 +31,7 @@ class AliasSet : public ChangingCommand {
  private:
   void Run(Session& session, Output& out) override {
     session.Component().RequireRegistry();
-    AreaRegistry& registry = RegistryOf(session);
+    AreaRegistry& registry = session.Component().RegisteredItems();
     if (kind_ == "customer") {
       registry.SetCustomerAlias(word_);
     } else if (kind_ == "store") {

@@ -1,6 +1,9 @@
-// kvdm generate: the manual page and the completions for shells.
+// kvdm generate, kvdm version: what the program says of itself.
+#include <fmt/format.h>
+
 #include "host/commands/groups.h"
 #include "host/manual.h"
+#include "host/project.h"
 
 namespace kvdm {
 namespace {
@@ -19,6 +22,16 @@ class Generate : public Command {
   const CLI::App* root_;
 };
 
+class Version : public Command {
+ public:
+  explicit Version(Arguments) {}
+
+  void Execute(const Invocation& invocation) override {
+    invocation.out.Done({{"version", KVDM_VERSION}, {"project_version", kProjectVersion}},
+                        fmt::format("kvdm {}", KVDM_VERSION));
+  }
+};
+
 }  // namespace
 
 void AddGenerateCommands(const CommandGroup& root) {
@@ -31,6 +44,10 @@ void AddGenerateCommands(const CommandGroup& root) {
                                          "kvdm generate zsh");
   generate.Add<Generate<&FishCompletion>>("fish", "Print the completion for fish",
                                           "kvdm generate fish");
+}
+
+void AddVersionCommand(const CommandGroup& root) {
+  root.Add<Version>("version", "Show the version", "kvdm version");
 }
 
 }  // namespace kvdm

@@ -1,8 +1,8 @@
 // kvdm registry: the study areas and layers that a project registers directly in its metadata.
+#include "datamanager/area_registry.h"
 #include "host/commands/groups.h"
 #include "host/commands/item_commands.h"
 #include "host/deletion.h"
-#include "host/registered_items.h"
 
 namespace kvdm {
 namespace {
@@ -18,7 +18,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
 
   // The list of names leaves out what is not for people.
   static std::vector<Ref> All(Session& session) {
-    AreaRegistry& registry = RegistryOf(session);
+    AreaRegistry& registry = session.Component().RegisteredItems();
     const NameListRef names = std::invoke(Rules::kNames, registry);
     std::vector<Ref> items;
     if (names->Count() == 0) return items;
@@ -32,7 +32,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
 
   // That with this "{GUID}", else the first of that name.
   static Ref Find(Session& session, const std::string& selector) {
-    AreaRegistry& registry = RegistryOf(session);
+    AreaRegistry& registry = session.Component().RegisteredItems();
     Ref item;
     if (HasGuid(registry, selector)) {
       item = std::invoke(Rules::kGetByGuid, registry, selector);
@@ -56,7 +56,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
   static Record Details(const Ref&, Session&, Output&) { return {}; }
 
   static Ref Create(Session& session, const std::string& name) {
-    AreaRegistry& registry = RegistryOf(session);
+    AreaRegistry& registry = session.Component().RegisteredItems();
     if (std::invoke(Rules::kExists, registry, name)) {
       throw Failure(ExitCode::kConflict, fmt::format("Another {} is named {}. Choose another name.",
                                                      Rules::kWord, name));
@@ -82,7 +82,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
   static std::string Delete(Session& session, const Ref& item) {
     const std::string what = fmt::format("{} {}", Rules::kWord, item->Name());
     const std::string folder = FolderOf(session, item);
-    const auto perform = [&] { return DeleteThis(RegistryOf(session), item); };
+    const auto perform = [&] { return DeleteThis(session.Component().RegisteredItems(), item); };
     if constexpr (Rules::kHasFolder) {
       return DeleteWithFolder(session, {what, item->GUID(), folder, perform});
     } else {
@@ -92,7 +92,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
   }
 
   static std::string Folder(Session& session) {
-    return std::invoke(Rules::kLayersFolder, RegistryOf(session));
+    return std::invoke(Rules::kLayersFolder, session.Component().RegisteredItems());
   }
 
  private:

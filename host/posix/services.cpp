@@ -1,7 +1,10 @@
+// Services of POSIX systems, and what the host says of them.
 #include "host/services.h"
 
 #include <kvdm/platform/posix/posix_platform.h>
 
+#include "host/commands/groups.h"
+#include "host/manual.h"
 #include "host/os.h"
 #include "host/project_file.h"
 #include "platform/posix/sqlite_registry.h"
@@ -29,6 +32,24 @@ std::optional<std::filesystem::path> RegistryLockFile() {
   const std::string place = RegistryPlace();
   if (!NamesRegistryFile(place)) return std::nullopt;
   return Beside(os::Absolute(place), ".lock");
+}
+
+void AddSystemCommands(const CommandGroup&) {}
+
+SystemManual ThisSystemsManual() {
+  return {R"(.TP
+.I ~/.local/share/kvdm/registry.db
+The study areas, which all projects share, and the aliases.
+)",
+          R"(.TP
+.B KVDM_REGISTRY
+The file to use in place of
+.IR registry.db .
+.TP
+.B XDG_DATA_HOME
+The folder to use in place of
+.IR ~/.local/share .
+)"};
 }
 
 }  // namespace kvdm

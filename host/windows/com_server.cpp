@@ -12,8 +12,8 @@
 
 #include <kvdm/datamanager/component.h>
 
-#include "host/failure.h"
 #include "host/os.h"
+#include "host/result.h"
 #include "platform/windows/text.h"
 
 namespace kvdm {

@@ -1,11 +1,13 @@
+// Services of Windows, and what the host says of them.
 #include "host/services.h"
 
 #include <fmt/format.h>
 
 #include <kvdm/platform/portable/portable_services.h>
 
-#include "host/failure.h"
+#include "host/manual.h"
 #include "host/os.h"
+#include "host/result.h"
 #include "platform/windows/com_siblings.h"
 #include "platform/windows/windows_platform.h"
 #include "util/registry_strings.h"
@@ -62,6 +64,19 @@ std::optional<std::filesystem::path> RegistryLockFile() {
                   "The environment variable LOCALAPPDATA is not set; set it to a folder of yours.");
   }
   return os::ToPath(folder) / "kvdm" / "registry.lock";
+}
+
+SystemManual ThisSystemsManual() {
+  return {R"(.TP
+.I HKEY_LOCAL_MACHINE\eSoftware\eVelk\eKelvaro
+The registry key of the study areas, which all projects share, and of the aliases.
+)",
+          R"(.TP
+.B LOCALAPPDATA
+The folder of
+.IR kvdm\eregistry.lock ,
+which is locked while a command changes them.
+)"};
 }
 
 }  // namespace kvdm

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/failure.h"
+#include "host/result.h"
 
 namespace kvdm {
 namespace {

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/failure.h"
+#include "host/result.h"
 
 namespace kvdm {
 namespace {

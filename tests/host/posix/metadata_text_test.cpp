@@ -1,5 +1,5 @@
 // Under Wine the parser takes shorter values than documents have.
-#include "host/metadata_text.h"
+#include "host/hosted_component.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
