@@ -3,13 +3,11 @@
 #include <fmt/format.h>
 #include <zlib.h>
 
-#include <charconv>
-#include <sstream>
-
 #include <kvdm/datamanager/component.h>
 
 #include "host/json.h"
 #include "host/result.h"
+#include "platform/portable/value_text.h"
 
 namespace kvdm {
 namespace {
@@ -39,32 +37,20 @@ struct ValueWriter {
   Json operator()(std::int32_t number) const { return Typed("long", number); }
   // As text, which has a form for every number, infinite ones and "nan" included.
   Json operator()(double number) const { return Typed("double", fmt::format("{}", number)); }
-  Json operator()(const DateTime& time) const {
-    return Typed("date", fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", time.year, time.month,
-                                     time.day, time.hour, time.minute, time.second));
-  }
+  Json operator()(const DateTime& time) const { return Typed("date", DateText(time, ' ')); }
   Json operator()(const std::string& text) const {
     return text.starts_with('<') ? Typed("text", XmlLines(text)) : Typed("text", text);
   }
 };
 
 double ParseDouble(const std::string& text) {
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    Unreadable(fmt::format("\"{}\" is not a number.", text));
-  }
-  return number;
+  if (const auto number = NumberIn<double>(text)) return *number;
+  Unreadable(fmt::format("\"{}\" is not a number.", text));
 }
 
 DateTime ParseDate(const std::string& text) {
-  DateTime time;
-  char mark = ' ';
-  std::istringstream in(text);
-  in >> time.year >> mark >> time.month >> mark >> time.day >> time.hour >> mark >> time.minute >>
-      mark >> time.second;
-  if (!in) Unreadable(fmt::format("\"{}\" is not a date.", text));
-  return time;
+  if (const auto time = DateIn(text, ' ')) return *time;
+  Unreadable(fmt::format("\"{}\" is not a date.", text));
 }
 
 std::string ParseText(const Json& json) {

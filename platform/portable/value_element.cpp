@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
+#include <optional>
 
 #include <kvdm/platform/error.h>
 
+#include "platform/portable/value_text.h"
 #include "platform/xml/limits.h"
 #include "platform/xml/xml_text.h"
 
@@ -48,13 +49,7 @@ struct TypedTextVisitor {
     std::array<char, 32> buffer{};
     return {"Double", {buffer.begin(), std::to_chars(buffer.begin(), buffer.end(), number).ptr}};
   }
-  TypedText operator()(const DateTime& time) const {
-    std::array<char, 96> buffer{};
-    const int length =
-        std::snprintf(buffer.data(), buffer.size(), "%04d-%02d-%02dT%02d:%02d:%02d", time.year,
-                      time.month, time.day, time.hour, time.minute, time.second);
-    return {"Date", {buffer.data(), static_cast<std::size_t>(length)}};
-  }
+  TypedText operator()(const DateTime& time) const { return {"Date", DateText(time, 'T')}; }
   TypedText operator()(const std::string& text) const {
     if (xml::Sanitized(text) != text) return {"Bytes", Hex(text)};
     return {"Text", text};
@@ -68,30 +63,11 @@ struct TypedTextVisitor {
                          value.text.substr(0, kShownBytes) + "\"");
 }
 
-template <class Number>
-Number NumberIn(const TypedText& value) {
-  Number number{};
-  const char* end = value.text.data() + value.text.size();
-  const auto [rest, error] = std::from_chars(value.text.data(), end, number);
-  if (error != std::errc() || rest != end) Refuse(value);
-  return number;
-}
-
-DateTime DateIn(const TypedText& value) {
-  constexpr std::string_view kSeparators = "--T::";
-  DateTime time;
-  const std::array fields = {&time.year, &time.month,  &time.day,
-                             &time.hour, &time.minute, &time.second};
-  const char* next = value.text.data();
-  const char* const end = next + value.text.size();
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (i > 0 && (next == end || *next++ != kSeparators[i - 1])) Refuse(value);
-    const auto [rest, error] = std::from_chars(next, end, *fields[i]);
-    if (error != std::errc()) Refuse(value);
-    next = rest;
-  }
-  if (next != end) Refuse(value);
-  return time;
+// What was read from `value`, if anything.
+template <class Result>
+Result Accepted(const std::optional<Result>& result, const TypedText& value) {
+  if (!result) Refuse(value);
+  return *result;
 }
 
 bool BooleanIn(const TypedText& value) {
@@ -114,9 +90,9 @@ Value Parsed(const TypedText& value) {
   if (value.type == "Text") return value.text;
   if (value.type == "Bytes") return BytesIn(value);
   if (value.type == "Boolean") return BooleanIn(value);
-  if (value.type == "Long") return NumberIn<std::int32_t>(value);
-  if (value.type == "Double") return NumberIn<double>(value);
-  if (value.type == "Date") return DateIn(value);
+  if (value.type == "Long") return Accepted(NumberIn<std::int32_t>(value.text), value);
+  if (value.type == "Double") return Accepted(NumberIn<double>(value.text), value);
+  if (value.type == "Date") return Accepted(DateIn(value.text, 'T'), value);
   if (value.type == "Null") return Null{};
   if (value.type == "Empty") return {};
   Refuse(value);
