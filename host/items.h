@@ -1,7 +1,8 @@
 // Kinds of items, and finding the items that commands name: by name, or by "{GUID}".
 //
 // A kind is a class of static members: the words for its items, where they are and how they are
-// shown. The commands that kinds have in common (host/item_commands.h) are templates over kinds.
+// shown. The commands that kinds have in common (host/commands/item_commands.h) are templates over
+// kinds.
 #pragma once
 
 #include <fmt/format.h>

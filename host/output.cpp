@@ -122,7 +122,8 @@ void Output::Message(std::string_view text) {
   Tell(fmt::format("kvdm: {}", text));
 }
 
-void Output::Note(std::string_view line) const {
+void Output::Note(std::string_view line) {
+  noted_ = line;
   if (options_.debug) Tell(fmt::format("kvdm: log: {}", line));
 }
 

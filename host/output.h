@@ -46,7 +46,15 @@ class Output {
     return result;
   }
   // Notes a line of the component's log on standard error, with --debug.
-  void Note(std::string_view line) const;
+  void Note(std::string_view line);
+  // Runs `body`. The line that was noted last meanwhile, as the end of a sentence that says what
+  // failed: ": Path not found: D:\Data (76)"; "" when none was.
+  template <class Body>
+  [[nodiscard]] std::string CauseIn(Body&& body) {
+    noted_.clear();
+    std::forward<Body>(body)();
+    return noted_.empty() ? "" : ": " + noted_;
+  }
   // Tells people something on standard error.
   static void Tell(std::string_view text);
 
@@ -76,6 +84,7 @@ class Output {
   std::vector<Record> list_;
   std::string text_;
   std::vector<std::string> messages_;
+  std::string noted_;
   bool quiet_ = false;
 };
 

@@ -4,7 +4,6 @@
 #include "util/names.h"
 
 namespace kvdm {
-namespace {}  // namespace
 
 std::string KVCustLayer::LinkField() { return view().TextOrNothing(attributes::kLinkField); }
 

@@ -23,13 +23,15 @@ struct Analyses : CommandKind<AnalysisKind> {
             {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
   }
 
-  static Ref Create(Session& session, const std::string& name) {
+  static Ref Create(Session& session, const std::string& name, Output& out) {
     RequireCurrentArea(session);
-    if (!Collection(session)->CreateAnalysis(name)) {
+    bool created = false;
+    const std::string cause =
+        out.CauseIn([&] { created = Collection(session)->CreateAnalysis(name); });
+    if (!created) {
       throw Failure(ExitCode::kRefused,
-                    fmt::format("The folder of the analysis {} could not be made, so there is no "
-                                "new analysis.",
-                                name));
+                    fmt::format("There is no new analysis {}, as its folder could not be made{}.",
+                                name, cause));
     }
     auto analysis = Made(session, name);
     session.UnlessSaved([&files = *session.Component().GetServices().platform.files,

@@ -37,9 +37,11 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
             {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
   }
 
-  static Ref Create(Session& session, const std::string& name) {
+  static Ref Create(Session& session, const std::string& name, Output& out) {
     RequireFreeName<StudyAreas>(All(session), name);
-    const bool complete = Collection(session)->CreateStudyArea(name);
+    bool complete = false;
+    const std::string cause =
+        out.CauseIn([&] { complete = Collection(session)->CreateStudyArea(name); });
     auto area = Made(session, name);
     session.UnlessSaved([&session, guid = area->GUID(), folder = area->StudyAreaDir()] {
       Collection(session)->DeleteStudyAreaByGUID(guid);
@@ -47,9 +49,9 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
     });
     if (complete) return area;
     throw Failure(ExitCode::kRefused,
-                  fmt::format("The folder {} of the study area {} could not be made, so there is "
-                              "no new study area.",
-                              area->StudyAreaDir(), name));
+                  fmt::format("There is no new study area {}, as its folder {} could not be "
+                              "made{}.",
+                              name, area->StudyAreaDir(), cause));
   }
 
   static std::string WhereItIs(const Ref& area) {

@@ -152,7 +152,7 @@ struct DataItems : CommandKind<DataItemKind> {
             {"--info", "Additional information, as a text", &SetText<&Item::SetAdditionalInfo>}};
   }
 
-  static Ref Create(Session& session, const std::string& name) {
+  static Ref Create(Session& session, const std::string& name, Output&) {
     const auto collection = DataCollection(session);
     if (!collection->CreateDataItem(name)) NameIsTaken<DataItems>(name);
     const auto item = collection->GetDataItem(name);

@@ -60,7 +60,7 @@ void AddListCommand(const CommandGroup& group) {
                             fmt::format("kvdm {0} list\nkvdm {0} list --json", Kind::kCommand));
 }
 
-// A kind has `kNameHelp`; `Create(session, name)`, which answers the new item; and `WhereItIs`, the
+// A kind has `kNameHelp`; `Create(session, name, out)`, which answers the new item; and `WhereItIs`, the
 // end of a sentence that names it.
 template <class Kind>
 class ItemCreate : public ChangingCommand {
@@ -71,7 +71,7 @@ class ItemCreate : public ChangingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    const auto item = Kind::Create(session, name_);
+    const auto item = Kind::Create(session, name_, out);
     out.Done(RowOf<Kind>(item),
              fmt::format("Created the {} {}{}", Kind::kWord, name_, Kind::WhereItIs(item)));
   }

@@ -57,7 +57,7 @@ struct Layers : CommandKind<Layer> {
     return fields;
   }
 
-  static Ref Create(Session& session, const std::string& name) {
+  static Ref Create(Session& session, const std::string& name, Output&) {
     RequireFreeName<Layer>(Layer::All(session), name);
     if (std::invoke(Layer::kCreate, *Layer::Collection(session), name)) {
       return Layer::Made(session, name);

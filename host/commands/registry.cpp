@@ -55,7 +55,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
 
   static Record Details(const Ref&, Session&, Output&) { return {}; }
 
-  static Ref Create(Session& session, const std::string& name) {
+  static Ref Create(Session& session, const std::string& name, Output&) {
     AreaRegistry& registry = session.Component().RegisteredItems();
     if (std::invoke(Rules::kExists, registry, name)) {
       throw Failure(ExitCode::kConflict, fmt::format("Another {} is named {}. Choose another name.",
