@@ -1,4 +1,4 @@
-// How commands declare what they take. Help and parsing both come from the declaration.
+// Argument declarations of commands. Help and parsing both come from the declaration.
 #pragma once
 
 #include <memory>

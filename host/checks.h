@@ -1,5 +1,5 @@
-// Which texts a command may hand on to be stored. What the documents could not give back as it was
-// given is refused here, before anything is opened or changed.
+// Checks of arguments that are to be stored. What the documents could not give back as it was given
+// is refused here, before anything is opened or changed.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ namespace kvdm {
 // is for the number that makes a name unique, for an extension, and for the side-car's after that.
 inline constexpr std::size_t kLongestFolderName = 240;
 
-// How arguments are checked. `what` names the text in sentences, such as "NAME". All of them throw
+// A check of an argument. `what` names the text in sentences, such as "NAME". All of them throw
 // Failure kUsage that says what is wrong with it and what to do.
 using Check = void (*)(std::string_view what, std::string_view text);
 

@@ -14,7 +14,7 @@ namespace kvdm {
 
 class Arguments;
 
-// What a command is called with, apart from its own arguments.
+// Global options of a command line.
 struct Invocation {
   std::string project;  // as given with -p; "" for the one around
   Output& out;
@@ -32,7 +32,7 @@ class Command {
   virtual void Execute(const Invocation& invocation) = 0;
 };
 
-// What a person is asked before something is done, and the items that it is about.
+// Confirmation: the question before something is done, and the items that it is about.
 struct Question {
   std::string consequence;
   Record about;

@@ -99,8 +99,8 @@ std::string FishLines(const CommandNode& node, bool is_root) {
   return lines;
 }
 
-// What bash and zsh have in common: finds the command whose words stand before the word number
-// `last`, counted from `first`, and what may come after them.
+// Common part of the scripts for bash and zsh: finds the command whose words stand before the word
+// number `last`, counted from `first`, and what may come after them.
 std::string FindCandidates(const CommandNode& root, std::string_view words, std::string_view first,
                            std::string_view last) {
   return fmt::format(R"(  local path_so_far=kvdm names= options= i

@@ -64,7 +64,7 @@ std::string NameOfPlace(const std::filesystem::path& project, std::string_view g
                      RandomDigits().substr(0, kChanceDigits), closed ? "" : kOnlyFiles);
 }
 
-// What the name of a place says.
+// Parts of the name of a place.
 struct PlaceName {
   std::string_view project;
   std::string_view guid;
@@ -90,9 +90,9 @@ std::string ParentOf(std::string_view folder) {
 }
 
 // The folders in which folders of items are.
-class Surroundings {
+class ParentFolders {
  public:
-  Surroundings(Session& session, std::string_view catalogue) {
+  ParentFolders(Session& session, std::string_view catalogue) {
     const std::string top = session.Manager().WorkingDirectory();
     Add(top);
     for (const char* name : {sDefaultDirNames::kStudyAreas, sDefaultDirNames::kAnalyses,
@@ -148,7 +148,7 @@ std::string Catalogue(Session& session) {
   return stored ? stored->data : "";
 }
 
-// What is stored of all items, as text in which their identifiers are.
+// Stored text of all items, in which their identifiers are.
 std::string StoredItems(Session& session, std::string text) {
   for (const Value& value : session.GetProject().values) {
     if (value.IsText()) text += ToText(value);
@@ -189,7 +189,7 @@ std::string Settle(Session& session, const WaitingFolder& waiting) {
                      waiting.folder);
 }
 
-std::string WayOut(const WaitingFolder& waiting) {
+std::string Advice(const WaitingFolder& waiting) {
   switch (waiting.item) {
     case WaitingFolder::Item::kListed:
       return "The next change moves it back to its place; 'kvdm project save' does that.";
@@ -257,7 +257,7 @@ std::string DeleteWithFolder(Session& session, const Deletion& deletion) {
 std::vector<WaitingFolder> WaitingFolders(Session& session) {
   const os::Drives& drives = session.GetProject().drives;
   const std::string catalogue = Catalogue(session);
-  const Surroundings around(session, catalogue);
+  const ParentFolders around(session, catalogue);
   const std::string stored = StoredItems(session, catalogue);
   std::vector<WaitingFolder> waiting;
   for (const std::string& parent : around.Folders()) {
@@ -279,7 +279,7 @@ void TellOfWaitingFolders(Session& session) try {
     Output::Tell(
         fmt::format("kvdm: the folder {} waits in {}, where a deletion that was ended had "
                     "moved it. {}",
-                    waiting.folder, waiting.place, WayOut(waiting)));
+                    waiting.folder, waiting.place, Advice(waiting)));
   }
 } catch (const std::exception& error) {
   Output::Tell(

@@ -10,7 +10,7 @@ class App;
 
 namespace kvdm {
 
-// What the command line takes, as plain data.
+// The command line as plain data.
 struct CommandOption {
   std::vector<std::string> names;  // "-p", "--project"; of a place in the command line, its name
   std::string value;               // what it takes, such as "FILE"; "" for a flag

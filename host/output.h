@@ -1,4 +1,4 @@
-// What a command prints: results on standard output, everything else on standard error.
+// Output of a command: results on standard output, everything else on standard error.
 #pragma once
 
 #include <string>

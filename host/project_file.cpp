@@ -44,7 +44,7 @@ template <class Look>
 auto LookUndisturbed(const fs::path& project, Look look) {
   std::shared_ptr<void> lock;
   try {
-    lock = LockPatiently(Beside(project, kLockSuffix));
+    lock = LockPatiently(WithSuffix(project, kLockSuffix));
   } catch (const std::system_error&) {
     return look();  // Nobody can hold what can't be opened for locking.
   }
@@ -98,7 +98,7 @@ fs::path Located(const fs::path& project) {
   try {
     return locate();
   } catch (const std::system_error&) {
-    if (!os::Exists(Beside(project, kLockSuffix))) throw;
+    if (!os::Exists(WithSuffix(project, kLockSuffix))) throw;
   }
   return LookUndisturbed(project, locate);
 }
@@ -117,9 +117,9 @@ fs::path GivenProjectFile(std::string_view given) {
   }
 }
 
-// What to do about a project file that can't be used.
-std::string WayOut(const fs::path& file) {
-  const fs::path previous = Beside(file, ".bak");
+// Advice about a project file that can't be used.
+std::string Advice(const fs::path& file) {
+  const fs::path previous = WithSuffix(file, ".bak");
   if (!guard::Quiet(nullptr, [&] { return os::Exists(previous); }))
     return "Restore it from a backup.";
   return fmt::format(
@@ -135,10 +135,10 @@ Failure TooLarge() {
 
 }  // namespace
 
-fs::path Beside(const fs::path& file, std::string_view suffix) {
-  fs::path beside = file;
-  beside += suffix;
-  return beside;
+fs::path WithSuffix(const fs::path& file, std::string_view suffix) {
+  fs::path path = file;
+  path += suffix;
+  return path;
 }
 
 fs::path FindProjectFile(std::string_view given) {
@@ -170,7 +170,7 @@ Project ReadProjectFile(const fs::path& file) {
 
 void FailToOpen(const fs::path& file, const Failure& failure) {
   throw Failure(failure.code(), fmt::format("The project {} can't be opened. {} {}",
-                                            os::ToText(file), failure.what(), WayOut(file)));
+                                            os::ToText(file), failure.what(), Advice(file)));
 }
 
 Unconfirmed::Unconfirmed(const fs::path& file)
@@ -189,7 +189,7 @@ bool WriteProjectFile(const fs::path& file, const Project& project) {
   }
   try {
     if (os::Exists(file) && os::ReadBytes(file, kMaxProjectBytes) == text) return false;
-    if (os::Replace(file, text, Beside(file, ".bak"))) return true;
+    if (os::Replace(file, text, WithSuffix(file, ".bak"))) return true;
   } catch (const std::system_error& error) {
     throw Failure(ExitCode::kRefused,
                   fmt::format("The project {} can't be saved: {}. It is what it was before.",

@@ -45,7 +45,7 @@ bool WriteProjectFile(const std::filesystem::path& file, const Project& project)
                                                 std::string_view what);
 
 // `file` with `suffix` appended to its name.
-[[nodiscard]] std::filesystem::path Beside(const std::filesystem::path& file,
-                                           std::string_view suffix);
+[[nodiscard]] std::filesystem::path WithSuffix(const std::filesystem::path& file,
+                                               std::string_view suffix);
 
 }  // namespace kvdm

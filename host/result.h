@@ -10,7 +10,7 @@
 
 namespace kvdm {
 
-// What the exit status of `kvdm` tells its caller.
+// Exit statuses of `kvdm`.
 enum class ExitCode : int {
   kDone = 0,
   kRefused = 1,       // the component, or the system around it, said no

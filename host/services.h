@@ -1,4 +1,4 @@
-// The services that the hosted component stands on.
+// Platform services of the hosted component.
 #pragma once
 
 #include <filesystem>

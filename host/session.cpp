@@ -36,7 +36,7 @@ std::shared_ptr<void> LockRegistry() {
 }  // namespace
 
 ChangeLock::ChangeLock(const std::filesystem::path& project_file)
-    : project_(WaitForLock(Beside(project_file, ".lock"),
+    : project_(WaitForLock(WithSuffix(project_file, ".lock"),
                            fmt::format("The project {}", os::ToText(project_file)))),
       registry_(LockRegistry()) {}
 

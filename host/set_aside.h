@@ -1,4 +1,4 @@
-// Deferred deletion: the folder of an item that is deleted goes only once the change is saved.
+// Deferred deletion of a folder: it goes only once the change is saved.
 #pragma once
 
 #include <memory>

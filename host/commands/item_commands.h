@@ -60,8 +60,8 @@ void AddListCommand(const CommandGroup& group) {
                             fmt::format("kvdm {0} list\nkvdm {0} list --json", Kind::kCommand));
 }
 
-// A kind has `kNameHelp`; `Create(session, name, out)`, which answers the new item; and `WhereItIs`, the
-// end of a sentence that names it.
+// A kind has `kNameHelp`; `Create(session, name, out)`, which answers the new item; and
+// `WhereItIs`, the end of a sentence that names it.
 template <class Kind>
 class ItemCreate : public ChangingCommand {
  public:

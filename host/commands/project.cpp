@@ -36,7 +36,7 @@ class ProjectInfo : public Command {
     for (const Value& value : project.values) {
       if (value.IsText()) metadata_bytes += static_cast<std::int64_t>(ToText(value).size());
     }
-    const fs::path previous = Beside(file, ".bak");
+    const fs::path previous = WithSuffix(file, ".bak");
     const bool kept = os::Exists(previous);
     invocation.out.Fields({{"project", os::ToText(file)},
                            {"version", kProjectVersion},

@@ -31,7 +31,7 @@ std::optional<std::string> SetRegistryAside(Output& out) {
 std::optional<std::filesystem::path> RegistryLockFile() {
   const std::string place = RegistryPlace();
   if (!NamesRegistryFile(place)) return std::nullopt;
-  return Beside(os::Absolute(place), ".lock");
+  return WithSuffix(os::Absolute(place), ".lock");
 }
 
 void AddSystemCommands(const CommandGroup&) {}

@@ -1,4 +1,4 @@
-// The component's DLL, and what the system knows about it.
+// COM server registration: the component's DLL, and where the system has it registered.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// What the host asks of the system about files.
+// Files and locks on Windows, for the host.
 #include "platform/windows/files.h"
 
 #include <windows.h>

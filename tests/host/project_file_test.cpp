@@ -59,19 +59,19 @@ TEST_F(ProjectFileTest, KeepsThePreviousFile) {
   WriteProjectFile(file_, ProjectWith("two"));
 
   EXPECT_EQ(ReadProjectFile(file_).values, ProjectWith("two").values);
-  EXPECT_EQ(ReadProjectFile(Beside(file_, ".bak")).values, ProjectWith("one").values);
+  EXPECT_EQ(ReadProjectFile(WithSuffix(file_, ".bak")).values, ProjectWith("one").values);
   EXPECT_EQ(os::FilesIn(folder_.Path()).size(), 2U);
 }
 
 TEST_F(ProjectFileTest, IsNotRewrittenWithoutAChange) {
   EXPECT_TRUE(WriteProjectFile(file_, ProjectWith("one")));
   EXPECT_FALSE(WriteProjectFile(file_, ProjectWith("one")));
-  EXPECT_FALSE(fs::exists(Beside(file_, ".bak")));
+  EXPECT_FALSE(fs::exists(WithSuffix(file_, ".bak")));
 }
 
 TEST_F(ProjectFileTest, StaysAsItIsWhenItCantBeWritten) {
   WriteProjectFile(file_, ProjectWith("one"));
-  fs::create_directory(Beside(file_, ".bak"));
+  fs::create_directory(WithSuffix(file_, ".bak"));
 
   const Failure failure = FailureOf([&] { WriteProjectFile(file_, ProjectWith("two")); });
 

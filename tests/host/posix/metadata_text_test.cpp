@@ -1,9 +1,8 @@
 // Under Wine the parser takes shorter values than documents have.
-#include "host/hosted_component.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/hosted_component.h"
 #include "platform/xml/document.h"
 #include "platform/xml/limits.h"
 

@@ -50,7 +50,7 @@ TEST(ProjectLockTest, AProjectIsWaitedForWhileItsLockIsHeld) {
   const fs::path inner = folder.Path("inner");
   const fs::path project = inner / "Inner.kvdm";
   const fs::path outer = folder.Path("Outer.kvdm");
-  const fs::path lock_file = Beside(project, ".lock");
+  const fs::path lock_file = WithSuffix(project, ".lock");
   fs::create_directory(inner);
   WriteProjectFile(outer, Project());
   for (const char* given : {"", "Inner.kvdm"}) {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/result.h"
 #include "host/os.h"
+#include "host/result.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm {
