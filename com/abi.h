@@ -24,11 +24,6 @@
 
 namespace kvdm::com::abi {
 
-// Puts the exception that is being handled into the calling thread's error object, with its
-// description, with its source or else `class_identity`, and with the interface `iid`; answers its
-// result code. To be called in a catch clause. Never throws.
-HRESULT RaiseCurrentError(const char* class_identity, const IID& iid) noexcept;
-
 // Parameter<T>: a parameter T of an operation. Made of what the client passed if that is IsValid;
 // Get() is what the operation is given.
 template <class T>
@@ -106,7 +101,7 @@ void Finish(Parameter& parameter) {
   if constexpr (requires { parameter.HandOut(); }) parameter.HandOut();
 }
 
-// Where a result goes: Clear makes it the neutral result, Put the operation's.
+// A result, at the client's pointer: Clear makes it the neutral one, Put the operation's.
 inline void Clear(BSTR* out) { *out = nullptr; }
 inline void Clear(VARIANT_BOOL* out) { *out = VARIANT_FALSE; }
 inline void Clear(long* out) { *out = 0; }

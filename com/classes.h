@@ -1,4 +1,4 @@
-// The classes of the component, as COM knows them.
+// Class table of the DLL: identity, CLSID and interfaces of each class.
 #pragma once
 
 #include <windows.h>

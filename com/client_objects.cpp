@@ -40,7 +40,7 @@ class SlotObject : public ClientObject {
   ComPtr<Interface> object_;
 };
 
-// What a client's operation answers in a variant.
+// The variant that a client's operation answers.
 template <class Operation>
 Variant Answer(const Operation& operation) {
   Variant answer;

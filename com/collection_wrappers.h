@@ -1,4 +1,4 @@
-// The interfaces of the collections of analyses, layers and data items.
+// Wrappers of the collections of analyses, layers and data items.
 #pragma once
 
 #include <kvdm/datamanager/analyses.h>

@@ -1,4 +1,4 @@
-// Small objects with one interface.
+// Reference counting for objects with one interface.
 #pragma once
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// The interfaces of analyses, layers and data items.
+// Wrappers of analyses, layers and data items.
 #pragma once
 
 #include <kvdm/datamanager/analyses.h>
@@ -10,7 +10,7 @@
 
 namespace kvdm::com {
 
-// What all items have.
+// The operations of all items.
 template <class Abi, class CoreInterface>
 class ItemWrapper : public WrapperOf<Abi, CoreInterface> {
  public:
@@ -35,7 +35,7 @@ class ItemWrapper : public WrapperOf<Abi, CoreInterface> {
   }
 };
 
-// What both kinds of layers have.
+// The operations of both kinds of layers.
 template <class Abi, class CoreInterface>
 class LayerWrapper : public ItemWrapper<Abi, CoreInterface> {
  public:

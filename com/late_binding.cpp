@@ -95,7 +95,7 @@ void Assign(IUnknown* object, VARIANT& argument) {
   }
 }
 
-// What a parameter points to; VT_EMPTY when it is no pointer.
+// The type that a parameter points to; VT_EMPTY when it is no pointer.
 VARTYPE PointeeOf(const ELEMDESC& parameter) {
   const bool is_pointer = parameter.tdesc.vt == VT_PTR;
   return is_pointer ? parameter.tdesc.lptdesc->vt : static_cast<VARTYPE>(VT_EMPTY);

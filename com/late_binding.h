@@ -10,7 +10,7 @@
 
 namespace kvdm::com {
 
-// What IDispatch::Invoke is given.
+// The arguments of IDispatch::Invoke.
 struct LateCall {
   DISPID id;
   LCID locale;

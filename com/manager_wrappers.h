@@ -1,4 +1,4 @@
-// The interfaces of the data manager.
+// Wrappers of the data manager.
 #pragma once
 
 #include <kvdm/kvdm.h>

@@ -20,7 +20,7 @@ class ModuleLock {
 // Whether anything keeps the DLL from being unloaded.
 [[nodiscard]] bool IsModuleLocked();
 
-// What IClassFactory::LockServer adds and takes.
+// Adds or takes a lock, as IClassFactory::LockServer does.
 void LockModule(bool lock);
 
 // The full path of the DLL's file.

@@ -1,4 +1,4 @@
-// The interfaces of study areas.
+// Wrappers of study areas.
 #pragma once
 
 #include <kvdm/datamanager/study_areas.h>

@@ -82,18 +82,18 @@ class MemoryDirectory final : public Directory {
     std::string path;
   };
 
-  [[nodiscard]] MemoryNode& Here() const { return *way_.back().folder; }
+  [[nodiscard]] MemoryNode& Here() const { return *levels_.back().folder; }
   [[nodiscard]] std::string PathOf(std::string_view name) const {
-    return PathIn(way_.back().path, name);
+    return PathIn(levels_.back().path, name);
   }
   // A folder inside, by its real name; run-time error 76 or 75.
   [[nodiscard]] Nodes::const_iterator FolderNamed(std::string_view name) const;
 
-  std::vector<Level> way_;  // The last one is where it is.
+  std::vector<Level> levels_;  // The last one is where it is.
 };
 
 MemoryDirectory::MemoryDirectory(std::shared_ptr<MemoryNode> folder, std::string path) {
-  way_.push_back({std::move(folder), {}, std::move(path)});
+  levels_.push_back({std::move(folder), {}, std::move(path)});
 }
 
 std::vector<std::string> MemoryDirectory::Files() {
@@ -105,8 +105,8 @@ std::vector<std::string> MemoryDirectory::Files() {
 
 std::vector<std::string> MemoryDirectory::Entries() {
   std::vector<std::string> names = Here().SeenNames();
-  way_.back().known.clear();
-  for (const std::string& name : names) way_.back().known[name] = Here().children.at(name);
+  levels_.back().known.clear();
+  for (const std::string& name : names) levels_.back().known[name] = Here().children.at(name);
   return names;
 }
 
@@ -122,17 +122,17 @@ void MemoryDirectory::DeleteFiles() {
 
 void MemoryDirectory::Enter(std::string_view name) {
   const auto [real_name, folder] = *FolderNamed(name);
-  way_.back().known[real_name] = folder;
-  way_.push_back({folder, {}, PathOf(real_name)});
+  levels_.back().known[real_name] = folder;
+  levels_.push_back({folder, {}, PathOf(real_name)});
 }
 
-void MemoryDirectory::Leave() { way_.pop_back(); }
+void MemoryDirectory::Leave() { levels_.pop_back(); }
 
 void MemoryDirectory::RemoveFolder(std::string_view name) {
   const auto found = FolderNamed(name);
   if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(name));
   if (!found->second->children.empty()) throw PathError(kPathFileAccess, PathOf(name));
-  way_.back().known.erase(found->first);
+  levels_.back().known.erase(found->first);
   Here().children.erase(found);
 }
 
@@ -140,8 +140,8 @@ MemoryDirectory::Nodes::const_iterator MemoryDirectory::FolderNamed(std::string_
   const auto real_name = Here().Find(name, FindSameName);
   if (!real_name) throw PathError(kPathNotFound, PathOf(name));
   const auto found = Here().children.find(*real_name);
-  const auto known = way_.back().known.find(*real_name);
-  const bool replaced = known != way_.back().known.end() && known->second != found->second;
+  const auto known = levels_.back().known.find(*real_name);
+  const bool replaced = known != levels_.back().known.end() && known->second != found->second;
   if (!found->second->IsFolder() || replaced) throw PathError(kPathFileAccess, PathOf(name));
   return found;
 }

@@ -46,8 +46,8 @@ std::vector<ElementRef> ElementsIn(const Element& parent) {
   return elements;
 }
 
-// What an element says, whatever the order of its attributes and elements and the way in which it
-// was written; without the attribute `ignored`. The marks between the parts can't be in an XML
+// Canonical text of an element: the same for any order of attributes and elements and any way of
+// writing; without the attribute `ignored`. The marks between the parts can't be in an XML
 // text.
 std::string Canonical(const Element& element, const char* ignored = "") {
   std::map<std::string, std::string> attributes;

@@ -16,7 +16,7 @@ namespace {
 // The folders of one way down that are kept open.
 constexpr std::size_t kMostOpen = 64;
 
-// What is in a folder and is seen and `chosen`, by name in the order of a listing.
+// The entries of a folder that are seen and `chosen`, in the order of a listing.
 template <class Chosen>
 std::vector<std::pair<std::string, FileIdentity>> SeenEntries(int folder, Chosen chosen) {
   std::vector<std::pair<std::string, FileIdentity>> entries;
@@ -55,7 +55,7 @@ class PosixDirectory final : public Directory {
   void DeleteFiles() override;
   void Enter(std::string_view name) override;
   void Leave() override;
-  // What replacements of files that were broken off left in the folder does not keep it.
+  // Temporary files that killed replacements left in the folder do not keep it.
   void RemoveFolder(std::string_view name) override;
 
  private:
@@ -66,7 +66,7 @@ class PosixDirectory final : public Directory {
     std::map<std::string, FileIdentity> known;  // What was listed or entered, by name.
   };
 
-  [[nodiscard]] int Here() const { return way_.back().folder.get(); }
+  [[nodiscard]] int Here() const { return levels_.back().folder.get(); }
   [[nodiscard]] std::string PathOf(std::string_view name) const { return PathIn(path_, name); }
   // The real name of an entry. Throws std::system_error ENOENT when it is missing.
   [[nodiscard]] std::string RealName(std::string_view name) const;
@@ -74,13 +74,13 @@ class PosixDirectory final : public Directory {
   void RequireKnown(const std::string& name, const FileIdentity& found) const;
   [[nodiscard]] std::vector<std::string> DeletableFiles() const;
 
-  std::vector<Level> way_;  // The last one is where it is.
+  std::vector<Level> levels_;  // The last one is where it is.
   std::string path_;
 };
 
 PosixDirectory::PosixDirectory(FileDescriptor folder, std::string path) : path_(std::move(path)) {
   const FileIdentity identity = IdentityOf(folder.get());
-  way_.push_back({std::move(folder), identity, path_.size(), {}});
+  levels_.push_back({std::move(folder), identity, path_.size(), {}});
 }
 
 std::vector<std::string> PosixDirectory::Files() {
@@ -92,7 +92,7 @@ std::vector<std::string> PosixDirectory::Files() {
 std::vector<std::string> PosixDirectory::Entries() {
   return TranslatingErrors(path_, [&] {
     std::vector<std::string> names;
-    auto& known = way_.back().known;
+    auto& known = levels_.back().known;
     known.clear();
     for (auto& [name, identity] : SeenEntries(Here(), [](const FileStatus&) { return true; })) {
       known[name] = identity;
@@ -117,22 +117,22 @@ void PosixDirectory::Enter(std::string_view name) {
     FileDescriptor inside = OpenFolderIn(Here(), real_name);
     const FileIdentity identity = IdentityOf(inside.get());
     RequireKnown(real_name, identity);
-    way_.back().known[real_name] = identity;
-    if (way_.size() >= kMostOpen) way_.back().folder = FileDescriptor(-1);
+    levels_.back().known[real_name] = identity;
+    if (levels_.size() >= kMostOpen) levels_.back().folder = FileDescriptor(-1);
     path_ = PathOf(real_name);
-    way_.push_back({std::move(inside), identity, path_.size(), {}});
+    levels_.push_back({std::move(inside), identity, path_.size(), {}});
   });
 }
 
 void PosixDirectory::Leave() {
   TranslatingErrors(path_, [&] {
-    const Level inside = std::move(way_.back());
-    way_.pop_back();
-    path_.resize(way_.back().path_length);
+    const Level inside = std::move(levels_.back());
+    levels_.pop_back();
+    path_.resize(levels_.back().path_length);
     if (Here() >= 0) return;
     FileDescriptor around = OpenAt(inside.folder.get(), "..", O_RDONLY | O_DIRECTORY);
-    if (IdentityOf(around.get()) != way_.back().identity) ThrowSystemError(ENOENT);
-    way_.back().folder = std::move(around);
+    if (IdentityOf(around.get()) != levels_.back().identity) ThrowSystemError(ENOENT);
+    levels_.back().folder = std::move(around);
   });
 }
 
@@ -146,7 +146,7 @@ void PosixDirectory::RemoveFolder(std::string_view name) {
       DeleteStaleTemporaryFiles(OpenFolderIn(Here(), real_name).get());
       if (!WasEmpty(Here(), real_name)) ThrowSystemError(ENOTEMPTY);
     }
-    way_.back().known.erase(real_name);
+    levels_.back().known.erase(real_name);
   });
 }
 
@@ -157,7 +157,7 @@ std::string PosixDirectory::RealName(std::string_view name) const {
 }
 
 void PosixDirectory::RequireKnown(const std::string& name, const FileIdentity& found) const {
-  const auto& known = way_.back().known;
+  const auto& known = levels_.back().known;
   const auto entry = known.find(name);
   if (entry != known.end() && entry->second != found) ThrowSystemError(ENOTDIR);
 }

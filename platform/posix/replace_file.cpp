@@ -105,7 +105,7 @@ bool IsOf(std::string_view text, std::string_view characters) {
   return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
 }
 
-// What makes a temporary file's name its own: ".kvdm-" stands before it and ".tmp" after it.
+// The part of a temporary file's name between ".kvdm-" and ".tmp"; nothing for other names.
 std::optional<std::string_view> OwnPart(std::string_view name) {
   constexpr std::string_view kBefore = ".kvdm-";
   constexpr std::string_view kAfter = ".tmp";

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <exception>
 #include <limits>
 #include <memory>
 #include <new>
@@ -249,6 +250,20 @@ std::vector<Value> Elements(SAFEARRAY* array, VARTYPE type) {
   return values;
 }
 
+using Microsoft::WRL::ComPtr;
+
+void SetErrorObject(const RuntimeError& error, const char* default_source, const IID& iid) {
+  ComPtr<ICreateErrorInfo> made;
+  Check(::CreateErrorInfo(&made));
+  const std::string source = error.source().empty() ? default_source : error.source();
+  Check(made->SetGUID(iid));
+  Check(made->SetSource(Bstr(source).get()));
+  Check(made->SetDescription(Bstr(error.what()).get()));
+  ComPtr<IErrorInfo> info;
+  Check(made.As(&info));
+  Check(::SetErrorInfo(0, info.Get()));
+}
+
 }  // namespace
 
 RuntimeError ErrorOf(HRESULT result, std::string source) {
@@ -275,6 +290,16 @@ HRESULT ResultOf(const RuntimeError& error) {
 
 void Check(HRESULT result) {
   if (FAILED(result)) throw ErrorOf(result);
+}
+
+HRESULT RaiseCurrentError(const char* source, const IID& iid) noexcept {
+  try {
+    const RuntimeError error = CurrentError();
+    SetErrorObject(error, source, iid);
+    return ResultOf(error);
+  } catch (const std::exception& error) {
+    return ResultOf(AsRuntimeError(error));
+  }
 }
 
 Bstr::Bstr(std::string_view utf8) {

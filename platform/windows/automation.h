@@ -24,6 +24,11 @@ namespace kvdm {
 // Throws what ErrorOf gives when `result` is a failure.
 void Check(HRESULT result);
 
+// Puts the exception that is being handled into the calling thread's error object, with its
+// description, with its source or else `source`, and with the interface `iid`; answers its
+// result code. To be called in a catch clause. Never throws.
+HRESULT RaiseCurrentError(const char* source, const IID& iid) noexcept;
+
 // Owns a text of automation. Null, which means "", without a text.
 class Bstr {
  public:

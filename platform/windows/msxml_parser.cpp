@@ -75,7 +75,7 @@ std::string Redeclared(std::string_view text) {
   return std::string(R"(<?xml version="1.0"?>)").append(text.substr(declaration->length));
 }
 
-// What could hurt MSXML, and what not every version of it refuses, is refused before it is asked.
+// Texts that could harm MSXML, or that not every version of it refuses, are refused before.
 bool ParseUtf8(std::string_view utf8, XmlHandler& handler) {
   const std::string text = Redeclared(WithLineFeeds(utf8));
   NamespaceCheck namespaces;

@@ -60,19 +60,19 @@ class WindowsDirectory final : public Directory {
     std::map<std::wstring, LONGLONG> known;  // What was listed or entered, by name.
   };
 
-  [[nodiscard]] const FileHandle& Here() const { return way_.back().folder; }
+  [[nodiscard]] const FileHandle& Here() const { return levels_.back().folder; }
   [[nodiscard]] std::string PathOf(std::string_view name) const { return PathIn(path_, name); }
   // A folder inside. Throws std::system_error: ERROR_PATH_NOT_FOUND when it is missing,
   // ERROR_DIRECTORY when it is no folder or not the one that is known by its name.
   [[nodiscard]] FolderEntry FolderNamed(std::string_view name) const;
   [[nodiscard]] std::vector<FolderEntry> DeletableFiles() const;
 
-  std::vector<Level> way_;  // The last one is where it is.
+  std::vector<Level> levels_;  // The last one is where it is.
   std::string path_;
 };
 
 WindowsDirectory::WindowsDirectory(FileHandle folder, std::string path) : path_(std::move(path)) {
-  way_.push_back({std::move(folder), path_.size(), {}});
+  levels_.push_back({std::move(folder), path_.size(), {}});
 }
 
 std::vector<std::string> WindowsDirectory::Files() {
@@ -84,8 +84,8 @@ std::vector<std::string> WindowsDirectory::Files() {
 std::vector<std::string> WindowsDirectory::Entries() {
   return TranslatingErrors(path_, [&] {
     const auto entries = SeenEntries(Here(), [](const FolderEntry&) { return true; });
-    way_.back().known.clear();
-    for (const FolderEntry& entry : entries) way_.back().known[entry.name] = entry.id;
+    levels_.back().known.clear();
+    for (const FolderEntry& entry : entries) levels_.back().known[entry.name] = entry.id;
     return NamesOf(entries);
   });
 }
@@ -102,22 +102,22 @@ void WindowsDirectory::Enter(std::string_view name) {
   TranslatingErrors(PathOf(name), [&] {
     const FolderEntry entry = FolderNamed(name);
     FileHandle inside = OpenEntry(Here(), entry, kListAccess);
-    way_.back().known[entry.name] = entry.id;
+    levels_.back().known[entry.name] = entry.id;
     path_ = PathOf(ToUtf8(entry.name));
-    way_.push_back({std::move(inside), path_.size(), {}});
+    levels_.push_back({std::move(inside), path_.size(), {}});
   });
 }
 
 void WindowsDirectory::Leave() {
-  way_.pop_back();
-  path_.resize(way_.back().path_length);
+  levels_.pop_back();
+  path_.resize(levels_.back().path_length);
 }
 
 void WindowsDirectory::RemoveFolder(std::string_view name) {
   TranslatingErrors(PathOf(name), [&] {
     const FolderEntry entry = FolderNamed(name);
     DeleteEntry(Here(), entry);
-    way_.back().known.erase(entry.name);
+    levels_.back().known.erase(entry.name);
   });
 }
 
@@ -128,8 +128,8 @@ FolderEntry WindowsDirectory::FolderNamed(std::string_view name) const {
   const auto found = FindSameName(names, name);
   if (!found) ThrowSystemError(ERROR_PATH_NOT_FOUND);
   FolderEntry& entry = entries.at(std::ranges::find(names, *found) - names.begin());
-  const auto known = way_.back().known.find(entry.name);
-  const bool replaced = known != way_.back().known.end() && known->second != entry.id;
+  const auto known = levels_.back().known.find(entry.name);
+  const bool replaced = known != levels_.back().known.end() && known->second != entry.id;
   if (!entry.IsFolder() || replaced) ThrowSystemError(ERROR_DIRECTORY);
   return std::move(entry);
 }

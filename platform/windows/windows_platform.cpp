@@ -61,7 +61,7 @@ std::shared_ptr<Log> MakeLog(const CallbackLog::Callback& note) {
   return std::make_shared<CallbackLog>(note);
 }
 
-// What is shown is what the system's message box would show.
+// Shows the text as the system's message box would.
 std::shared_ptr<MessageBox> MakeMessageBox(const CallbackMessageBox::Callback& show) {
   if (!show) return std::make_shared<Win32MessageBox>();
   return std::make_shared<CallbackMessageBox>([show](auto text, auto caption, auto style) {

@@ -26,8 +26,8 @@ void Require(LSTATUS status) {
   if (status != ERROR_SUCCESS) ThrowSystemError(static_cast<DWORD>(status));
 }
 
-// What `query` fills in: it takes a type, a buffer and the buffer's size, which it changes to the
-// value's. The value may grow between two calls.
+// A value of any size. `query` fills in a type, a buffer and the buffer's size, which it changes to
+// the value's. The value may grow between two calls.
 template <class Query>
 std::optional<StoredValue> Queried(const Query& query) {
   StoredValue value;
@@ -225,7 +225,7 @@ void ForgetOldest(const RegistryKey& history) {
   }
 }
 
-// What an update refuses is a fault of what the registry holds.
+// When an update refuses, the fault lies in the stored value.
 TextUpdate::Outcome OutcomeOf(const TextUpdate& update,
                               const std::optional<RegistryValue>& stored) {
   try {

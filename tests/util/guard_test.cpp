@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/file_names.h"
-#include "platform/memory/recording_sinks.h"
+#include "platform/memory/memory_platform.h"
 #include "tests/throws_number.h"
 
 namespace kvdm {

@@ -2,9 +2,7 @@
 
 #include <atomic>
 
-#include "com/error_object.h"
 #include "com/kvdm.h"
-#include "com/value_arrays.h"
 #include "platform/windows/automation.h"
 #include "tests/boundary/client/com_object.h"
 #include "tests/boundary/client/objects.h"
@@ -28,7 +26,7 @@ class Face : public ComObject<Interface> {
       body(*core_);
       return S_OK;
     } catch (...) {
-      return com::RaiseCurrentError("Test.Host", __uuidof(Interface));
+      return RaiseCurrentError("Test.Host", __uuidof(Interface));
     }
   }
 
@@ -96,7 +94,7 @@ class ValueSetFace final : public Face<::INamedValueSet, NamedValueSet> {
   }
 
   STDMETHODIMP GetValues(BSTR* path, VARIANT* result) override {
-    return With([&](auto& set) { com::PutArray(set.GetValues(ToText(*path)), result); });
+    return With([&](auto& set) { PutArray(set.GetValues(ToText(*path)), result); });
   }
   STDMETHODIMP PutValue(BSTR* path, VARIANT* value) override {
     return With([&](auto& set) { set.PutValue(ToText(*path), FromVariant(*value)); });
@@ -104,8 +102,8 @@ class ValueSetFace final : public Face<::INamedValueSet, NamedValueSet> {
   STDMETHODIMP ListAll(VARIANT* names, VARIANT* values) override {
     return With([&](auto& set) {
       const NamedValueSet::Listing all = set.ListAll();
-      com::PutArray({all.names.begin(), all.names.end()}, names);
-      com::PutArray(all.values, values);
+      PutArray({all.names.begin(), all.names.end()}, names);
+      PutArray(all.values, values);
     });
   }
   STDMETHODIMP EntryCount(long* result) override {

@@ -2,7 +2,6 @@
 
 #include <map>
 
-#include "com/value_arrays.h"
 #include "platform/windows/automation.h"
 #include "tests/boundary/client/collection_clients.h"
 #include "tests/boundary/client/host_objects.h"
@@ -33,7 +32,7 @@ class ValueSetClient final : public NamedValueSet, public Slots<::INamedValueSet
     Bstr text(path);
     Variant values;
     Check(TheObject()->GetValues(text.address(), values.address()));
-    return com::FromArray(values.get());
+    return FromArray(values.get());
   }
   void PutValue(std::string_view path, const Value& value) override {
     Call(&Abi::PutValue, path, value);
@@ -43,8 +42,8 @@ class ValueSetClient final : public NamedValueSet, public Slots<::INamedValueSet
     Variant values;
     Check(TheObject()->ListAll(names.address(), values.address()));
     Listing listing;
-    for (const Value& name : com::FromArray(names.get())) listing.names.push_back(ToText(name));
-    listing.values = com::FromArray(values.get());
+    for (const Value& name : FromArray(names.get())) listing.names.push_back(ToText(name));
+    listing.values = FromArray(values.get());
     return listing;
   }
   int EntryCount() override { return Call(&Abi::EntryCount); }
