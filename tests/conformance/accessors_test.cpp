@@ -91,6 +91,13 @@ TEST(AccessorsConformance, NeedNoMetadataForStudyAreasAndTables) {
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
+TEST(AccessorsConformance, StudyAreasComeFromTheCatalogueWhateverItsRoot) {
+  World world;
+  world.PutRegistryText("StudyAreaCollection", R"(<ANYTHING><STUDYAREA NAME="_A_"/></ANYTHING>)");
+  world.Load("<STUDYAREACOLLECTION><STUDYAREA NAME='_B_'/></STUDYAREACOLLECTION>");
+  EXPECT_EQ(TextsOf(world.Manager()->StudyAreaCollection()->StudyAreasList()), Texts{"A"});
+}
+
 TEST(AccessorsConformance, DoNotFlush) {
   for (const Row& row : MetadataCollections()) {
     OpenWorld world;

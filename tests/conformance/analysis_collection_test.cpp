@@ -86,6 +86,10 @@ TEST(CreateAnalysisConformance, AcceptsAnEmptyName) {
   EXPECT_TRUE(Analyses(world)->CreateAnalysis(""));
   EXPECT_EQ(Analyses(world)->GetAnalysis("")->AnalysisDir(), R"(D:\Data\Analyses\1\)");
   EXPECT_TRUE(world.FolderExists(R"(D:\Data\Analyses\1)"));
+
+  OpenWorld without_folder;
+  EXPECT_TRUE(Analyses(without_folder)->CreateAnalysis(""));
+  EXPECT_EQ(Analyses(without_folder)->GetAnalysis("")->AnalysisDir(), R"(D:\Data\Analyses\\)");
 }
 
 TEST(CreateAnalysisConformance, MakesEveryMissingFolder) {
@@ -119,6 +123,7 @@ TEST(CreateAnalysisConformance, NeedsAHostWithAState) {
     EXPECT_EQ(OutcomeOf([&] { Analyses(*world)->CreateAnalysis("A"); }),
               FailsToReport(kCreateFailed));
     EXPECT_THAT(TextsOf(Analyses(*world)->AnalysesList()), IsEmpty());
+    EXPECT_FALSE(world->FolderExists(R"(D:\Data\Analyses)"));
     EXPECT_THAT(world->Messages(), IsEmpty());
   }
 }
@@ -151,11 +156,21 @@ TEST(DeleteAnalysisConformance, RemovesElementAndFolder) {
     Analyses(world)->CreateAnalysis("Other");
     world.AddFile(R"(D:\Data\Analyses\Sales\Sub\a.lyr)");
     world.AddFile(R"(D:\Data\Analyses\Sales\Analysis.lyr)");
+    world.SetState("Study Area Name", "Sales");
     EXPECT_TRUE(by_guid ? Analyses(world)->DeleteAnalysisByGUID(Guid(1))
                         : Analyses(world)->DeleteAnalysis("Sales"));
     EXPECT_EQ(TextsOf(Analyses(world)->AnalysesList()), Texts{"Other"});
     EXPECT_THAT(world.Tree(R"(D:\Data\Analyses)"), ElementsAre(R"(Other\)"));
+    EXPECT_EQ(world.State("Study Area Name"), Value("Sales"));
   }
+}
+
+TEST(DeleteAnalysisConformance, NeedsNoHost) {
+  World world;
+  world.Load(FamilyWorld<AnalysisFamily>::Inside(
+      R"(<ANALYSIS NAME="_A_" GUID="{1}" DIRNAME="x"/><ANALYSIS GUID="{2}" DIRNAME="x"/>)"));
+  EXPECT_TRUE(Analyses(world)->DeleteAnalysis("A"));
+  EXPECT_TRUE(Analyses(world)->DeleteAnalysisByGUID("{2}"));
 }
 
 TEST(DeleteAnalysisConformance, SucceedsWhenTheFolderStays) {
@@ -178,9 +193,12 @@ TEST(DeleteAnalysisConformance, WithoutDirNameFailsAfterTheElementIsGone) {
 
 TEST(DeleteAnalysisConformance, WithADirNameThatNamesNoFolderDeletesNothing) {
   for (const char* folder :
-       {"", " ", R"(D:\)", R"(\)", R"(D:\Gone\)", R"(D:\Data\..\Precious\)", R"(Precious\)"}) {
+       {"", " ", R"(D:\)", R"(\)", R"(D:\Gone\)", R"(D:\Data\..\Precious\)", R"(Precious\)",
+        R"(D:\Data\Analyses\\)", R"(D:\Data\Analyses\A\..\B\)"}) {
     AnalysesWorld world(std::string("<ANALYSIS NAME='_A_' DIRNAME='") + folder + "'/>");
     world.AddFile(R"(D:\Precious\a.txt)");
+    world.AddFolder(R"(D:\Data\Analyses\A)");
+    world.AddFolder(R"(D:\Data\Analyses\B)");
     const auto before = world.Tree(R"(D:\)");
     EXPECT_TRUE(Analyses(world)->DeleteAnalysis("A")) << folder;
     EXPECT_EQ(world.Tree(R"(D:\)"), before) << folder;

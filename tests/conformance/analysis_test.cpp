@@ -47,6 +47,12 @@ TEST(AnalysisConformance, FailsWithoutAName) {
   FamilyWorld<AnalysisFamily> world("<ANALYSIS GUID='{1}'/>");
   const auto analysis = world.Manager()->AnalysisCollection()->GetAnalysisByGUID("{1}");
   EXPECT_EQ(OutcomeOf([&] { analysis->Name(); }), Fails(94));
+  std::shared_ptr<NamedValueSet> set;
+  EXPECT_FALSE(analysis->WriteToPropertySet(set));
+  const auto metadata = std::make_shared<RecordingMetadata>();
+  Query<IKVMetadata>(analysis)->ExportMetadata(metadata);
+  EXPECT_EQ(metadata->written, nullptr);
+  EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
 TEST(AnalysisConformance, SetsItsLayerFileAndSaves) {
@@ -103,6 +109,9 @@ TEST(AnalysisPropertySetConformance, IsFalseAfterAnErrorAndKeepsWhatWasPut) {
   AnalysisWorld nameless("", "<PARAM VALUE='1'/>");
   std::shared_ptr<NamedValueSet> set;
   EXPECT_FALSE(nameless.item->WriteToPropertySet(set));
+  const auto metadata = std::make_shared<RecordingMetadata>();
+  Query<IKVMetadata>(nameless.item)->ExportMetadata(metadata);
+  EXPECT_EQ(metadata->written, nullptr);
   EXPECT_THAT(nameless.Messages(), IsEmpty());
 }
 
@@ -114,13 +123,17 @@ TEST(AnalysisPropertySetConformance, UnboundPutsEmptyTexts) {
 }
 
 TEST(AnalysisPropertySetConformance, AppliesNameCommentsAndParameters) {
-  AnalysisWorld world("");
-  EXPECT_TRUE(world.item->ReadFromPropertySet(
-      SetOf({{"Name", "B"}, {"Comments", "c"}, {"name", "x"}, {"n", 42}, {"t", true}})));
-  EXPECT_EQ(world.Metadata(),
-            AnalysisWorld::Inside(R"(<ANALYSIS NAME="_B_"><COMMENTS>c</COMMENTS>)"
-                                  R"(<PARAM NAME="name" VALUE="x"/><PARAM NAME="n" VALUE="42"/>)"
-                                  R"(<PARAM NAME="t" VALUE="-1"/></ANALYSIS>)"));
+  AnalysisWorld world("", R"(<PARAM NAME="own" VALUE="0"/>)");
+  EXPECT_TRUE(Saves(world, [&] {
+    EXPECT_TRUE(world.item->ReadFromPropertySet(
+        SetOf({{"Name", "B"}, {"Comments", "c"}, {"name", "x"}, {"n", 42}, {"t", true}})));
+  }));
+  EXPECT_EQ(
+      world.Metadata(),
+      AnalysisWorld::Inside(
+          R"(<ANALYSIS NAME="_B_"><PARAM NAME="own" VALUE="0"/>)"
+          R"(<COMMENTS>c</COMMENTS><PARAM NAME="name" VALUE="x"/><PARAM NAME="n" VALUE="42"/>)"
+          R"(<PARAM NAME="t" VALUE="-1"/></ANALYSIS>)"));
 }
 
 TEST(AnalysisPropertySetConformance, SkipsWhatCannotBeApplied) {

@@ -161,12 +161,36 @@ TYPED_TEST(CollectionFamilyConformance, KeepsNamesThatDifferInCaseApart) {
 TYPED_TEST(CollectionFamilyConformance, FindsWhatItCreated) {
   OpenWorld world;
   const auto all = TypeParam::Of(world);
-  for (const char* name : {"North", "_x_", "a & 'b'", "\xE4\xB8\xAD\xC3\xA9", " ", "it's"}) {
+  for (const char* name :
+       {"", "North", "_x_", "a & 'b'", "\xE4\xB8\xAD\xC3\xA9", " ", "it's", "_", "__"}) {
     EXPECT_TRUE(TypeParam::Create(*all, name)) << name;
     EXPECT_TRUE(TypeParam::Exists(*all, name)) << name;
     EXPECT_EQ(TypeParam::Get(*all, name)->Name(), name);
     EXPECT_EQ(TypeParam::Get(*all, name)->CreationTime(), kNow);
   }
+}
+
+TYPED_TEST(CollectionFamilyConformance, KeepsAnyNameEvenWhenRestored) {
+  const std::vector<std::string> names = {"a & <b>", "..", "two  blanks", "a]b = \t",
+                                          std::string(300, 'x')};
+  for (const auto& name : names) {
+    OpenWorld world;
+    // Not each of them is the name of a folder.
+    static_cast<void>(TypeParam::Create(*TypeParam::Of(world), name));
+    world.LoadText(world.SavedText());
+    EXPECT_EQ(TextsOf(TypeParam::List(*TypeParam::Of(world))), Texts{name});
+    ASSERT_NE(TypeParam::Get(*TypeParam::Of(world), name), nullptr) << name;
+    EXPECT_EQ(TypeParam::Get(*TypeParam::Of(world), name)->Name(), name);
+  }
+}
+
+TYPED_TEST(CollectionFamilyConformance, GivesListsThatAreNotLive) {
+  OpenWorld world;
+  const auto all = TypeParam::Of(world);
+  TypeParam::Create(*all, "A");
+  const auto list = TypeParam::List(*all);
+  TypeParam::Create(*all, "B");
+  EXPECT_EQ(TextsOf(list), Texts{"A"});
 }
 
 TYPED_TEST(CollectionFamilyConformance, AViewKeepsItsElementAfterDeletion) {
@@ -176,6 +200,8 @@ TYPED_TEST(CollectionFamilyConformance, AViewKeepsItsElementAfterDeletion) {
   const auto item = TypeParam::Get(*all, "A");
   TypeParam::Delete(*all, "A");
   EXPECT_EQ(item->Name(), "A");
+  item->SetName("B");
+  EXPECT_EQ(item->Name(), "B");
   item->SetComments("gone");
   EXPECT_EQ(item->Comments(), "gone");
   EXPECT_EQ(TextsOf(TypeParam::List(*all)), Texts{});

@@ -141,6 +141,14 @@ TEST(CreateDataItemConformance, RefusesAnExistingName) {
   EXPECT_TRUE(Items(world)->CreateDataItem("streets"));
 }
 
+TEST(CreateDataItemConformance, StoresAnyNameAsGiven) {
+  OpenWorld world;
+  for (const char* name : {"", "_", "_a_", "\xE4\xB8\xAD\xC3\xA9", "a'b", "a&b<c>", " "}) {
+    EXPECT_TRUE(Items(world)->CreateDataItem(name)) << name;
+    EXPECT_EQ(Items(world)->GetDataItem(name)->Name(), name);
+  }
+}
+
 TEST(CreateDataItemConformance, IsNotStoppedByTheGroupOrAWrappedName) {
   DataWorld world(R"(<DATAITEM NAME="_A_"/>)" + Group(R"(<DATAITEM NAME="A"/>)"));
   EXPECT_TRUE(Items(world)->CreateDataItem("A"));
@@ -186,6 +194,15 @@ TEST(DeleteDataItemConformance, RemovesFromTheGroupAndSaves) {
     EXPECT_EQ(world.Metadata(), DataWorld::Inside(direct + Group(R"(<DATAITEM NAME="B"/>)")));
     EXPECT_THAT(world.Tree(R"(D:\Data\Data)"), ElementsAre("A.shp"));
   }
+}
+
+TEST(DeleteDataItemConformance, LeavesViewsWithTheirElement) {
+  DataWorld world(Group(R"(<DATAITEM NAME="A" GUID="{1}"/>)"));
+  const auto item = Items(world)->GetDataItemByGUID("{1}");
+  EXPECT_TRUE(Items(world)->DeleteDataItem("A"));
+  item->SetName("B");
+  EXPECT_EQ(item->Name(), "B");
+  EXPECT_THAT(TextsOf(Items(world)->DataItemsList()), IsEmpty());
 }
 
 TEST(DeleteDataItemConformance, DoesNothingForAnUnknownKey) {

@@ -37,8 +37,10 @@ TEST(DataItemConformance, CompletesARelativeFileOnly) {
   for (const Row& row :
        {Row{R"( FILE="a" PATHTYPE="RELATIVE")", R"(D:\Data\Data\a)"},
         Row{R"( FILE="\a" PATHTYPE="RELATIVE")", R"(D:\Data\Data\\a)"},
-        Row{R"( FILE="a" PATHTYPE="relative")", "a"}, Row{R"( FILE="a" PATHTYPE="ABSOLUTE")", "a"},
-        Row{R"( FILE="a")", "a"}, Row{R"( PATHTYPE="RELATIVE")", ""}}) {
+        Row{R"( FILE="a" PATHTYPE="relative")", "a"}, Row{R"( FILE="a" PATHTYPE="Relative")", "a"},
+        Row{R"( FILE="a" PATHTYPE="RELATIVE ")", "a"}, Row{R"( FILE="a" PATHTYPE="")", "a"},
+        Row{R"( FILE="a" PATHTYPE="ABSOLUTE")", "a"}, Row{R"( FILE="a")", "a"},
+        Row{R"( PATHTYPE="RELATIVE")", ""}}) {
     DataItemWorld world(row.attributes);
     EXPECT_EQ(world.item->LayerFile(), row.file) << row.attributes;
   }
@@ -81,10 +83,12 @@ TEST(DataItemConformance, MayHaveTheNameOfAnother) {
   EXPECT_EQ(items->GetDataItem("A")->GUID(), "{1}");
 }
 
-TEST(DataItemConformance, AcceptsADoubleQuoteInItsName) {
+TEST(DataItemConformance, StoresAnyNameAsGiven) {
   DataItemWorld world("");
-  world.item->SetName("a\"b");
-  EXPECT_EQ(world.item->Name(), "a\"b");
+  for (const char* name : {"a\"b", "_", "_B_", ""}) {
+    world.item->SetName(name);
+    EXPECT_EQ(world.item->Name(), name);
+  }
 }
 
 TEST(DataItemConformance, PassesOnWhatItCannotStore) {

@@ -79,6 +79,23 @@ TEST(DeleteStudyAreaConformance, NeedsAHost) {
   EXPECT_TRUE(Areas(world)->StudyAreaExists("North"));
 }
 
+TEST(DeleteStudyAreaConformance, NeedsTheNameOfTheCurrentStudyArea) {
+  OpenWorld world(R"(<STUDYAREA NAME="_North_" DIRNAME=""/>)");
+  world.SetState("Study Area Name", Null{});
+  EXPECT_EQ(OutcomeOf([&] { Areas(world)->DeleteStudyArea("North"); }), FailsToReport(kFailed));
+  EXPECT_TRUE(Areas(world)->StudyAreaExists("North"));
+}
+
+TEST(DeleteStudyAreaConformance, ClosesTheStudyAreaEvenWithoutACatalogue) {
+  World world;
+  world.PutRegistryText("StudyAreaCollection", "<bad");
+  world.Initialize();
+  world.SetState("Study Area Name", "North");
+  EXPECT_FALSE(Areas(world)->DeleteStudyArea("North"));
+  EXPECT_EQ(world.State("Study Area Name"), Value(""));
+  EXPECT_THAT(world.Messages(), IsEmpty());
+}
+
 TEST(DeleteStudyAreaConformance, CannotReportADoubleQuote) {
   OpenWorld world;
   EXPECT_EQ(OutcomeOf([&] { Areas(world)->DeleteStudyArea("a\"b"); }), FailsToReport(kFailed));
@@ -103,11 +120,26 @@ TEST(DeleteStudyAreaConformance, WithoutDirNameFailsAfterTheElementIsGone) {
   EXPECT_EQ(world.StudyAreas(), "");
 }
 
-TEST(DeleteStudyAreaConformance, WithAnEmptyDirNameDeletesNoFolder) {
-  OpenWorld world(R"(<STUDYAREA NAME="_A_" DIRNAME=""/>)");
-  const auto before = world.Tree(R"(D:\)");
+TEST(DeleteStudyAreaConformance, WithADirNameThatNamesNoFolderDeletesNothing) {
+  for (const char* folder : {"", " ", R"(D:\)", R"(\)", R"(Data\)", R"(D:\Data\StudyAreas\\)",
+                             R"(D:\Data\StudyAreas\..\)", R"(D:\Data\StudyAreas\North\..\South\)",
+                             R"(D:\Data\StudyAreas\.\)"}) {
+    OpenWorld world(std::string("<STUDYAREA NAME='_A_' DIRNAME='") + folder + "'/>");
+    world.AddFolder(R"(D:\Data\StudyAreas\North)");
+    world.AddFolder(R"(D:\Data\StudyAreas\South)");
+    const auto before = world.Tree(R"(D:\)");
+    EXPECT_TRUE(Areas(world)->DeleteStudyArea("A")) << folder;
+    EXPECT_EQ(world.Tree(R"(D:\)"), before) << folder;
+  }
+}
+
+TEST(DeleteStudyAreaConformance, RemovesTheStoredFolderWhereverItIs) {
+  OpenWorld world(R"(<STUDYAREA NAME="_A_" DIRNAME="D:\Elsewhere\"/>)");
+  world.AddFile(R"(D:\Elsewhere\a.txt)");
+  world.AddFolder(R"(D:\Data\StudyAreas\A)");
   EXPECT_TRUE(Areas(world)->DeleteStudyArea("A"));
-  EXPECT_EQ(world.Tree(R"(D:\)"), before);
+  EXPECT_FALSE(world.FolderExists(R"(D:\Elsewhere)"));
+  EXPECT_TRUE(world.FolderExists(R"(D:\Data\StudyAreas\A)"));
 }
 
 TEST(DeleteStudyAreaConformance, SucceedsWhenTheFolderCannotBeDeleted) {
@@ -172,12 +204,15 @@ TEST(DeleteStudyAreaByGuidConformance, LeavesTheStudyAreaOpenAndNeedsNoHost) {
   EXPECT_TRUE(Areas(without_host)->DeleteStudyAreaByGUID("{1}"));
 }
 
-TEST(DeleteStudyAreaByGuidConformance, NeverLeavesTheStudyAreasFolder) {
-  OpenWorld world(R"(<STUDYAREA NAME="_A_" GUID="{1}" DIRNAME="..\..\Precious\"/>)");
-  world.AddFile(R"(D:\Precious\a.txt)");
-  world.AddFolder(R"(D:\Data\StudyAreas)");
-  EXPECT_TRUE(Areas(world)->DeleteStudyAreaByGUID("{1}"));
-  EXPECT_THAT(world.Tree(R"(D:\Precious)"), ElementsAre("a.txt"));
+TEST(DeleteStudyAreaByGuidConformance, RemovesNothingButAFolderBelowStudyAreas) {
+  for (const char* folder : {R"(..\..\Precious\)", "", R"(..\)", R"(North\..\)"}) {
+    OpenWorld world(std::string("<STUDYAREA GUID='{1}' DIRNAME='") + folder + "'/>");
+    world.AddFile(R"(D:\Precious\a.txt)");
+    world.AddFolder(R"(D:\Data\StudyAreas\North)");
+    const auto before = world.Tree(R"(D:\)");
+    EXPECT_TRUE(Areas(world)->DeleteStudyAreaByGUID("{1}"));
+    EXPECT_EQ(world.Tree(R"(D:\)"), before) << folder;
+  }
 }
 
 }  // namespace

@@ -166,23 +166,30 @@ TEST(DeleteStoreLayerByGuidConformance, WithDirNameRemovesThatFolderOnly) {
 
 TEST(DeleteStoreLayerByGuidConformance, SucceedsWhenTheFolderStays) {
   FamilyWorld<StoreLayerFamily> world(R"(<STORELAYER NAME="_A_" GUID="{1}" DIRNAME="Gone\"/>)"
-                                      R"(<STORELAYER NAME="_B_" GUID="{2}"/>)");
+                                      R"(<STORELAYER NAME="_B_" GUID="{2}"/>)"
+                                      R"(<STORELAYER NAME="_C_" GUID="{3}"/>)");
   world.AddFile(R"(D:\Data\StoreLayers\keep.lyr)");
   world.SetReadOnly(R"(D:\Data\StoreLayers\keep.lyr)");
   const auto stores = world.Manager()->StoreLayerCollection();
   EXPECT_TRUE(stores->DeleteStoreLayerByGUID("{1}"));
   EXPECT_TRUE(stores->DeleteStoreLayerByGUID("{2}"));
-  EXPECT_THAT(TextsOf(stores->StoreLayersList()), IsEmpty());
   EXPECT_THAT(world.Tree(R"(D:\Data\StoreLayers)"), ElementsAre("keep.lyr"));
+  world.Remove(R"(D:\Data\StoreLayers)");
+  EXPECT_TRUE(stores->DeleteStoreLayerByGUID("{3}"));
+  EXPECT_THAT(TextsOf(stores->StoreLayersList()), IsEmpty());
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
 TEST(DeleteStoreLayerByGuidConformance, NeverLeavesTheLayersFolder) {
-  FamilyWorld<StoreLayerFamily> world(
-      R"(<STORELAYER NAME="_A_" GUID="{1}" DIRNAME="..\..\Precious\"/>)");
-  world.AddFile(R"(D:\Precious\a.txt)");
-  EXPECT_TRUE(world.Manager()->StoreLayerCollection()->DeleteStoreLayerByGUID("{1}"));
-  EXPECT_THAT(world.Tree(R"(D:\Precious)"), ElementsAre("a.txt"));
+  for (const char* folder :
+       {R"(..\..\Precious\)", R"(..\)", R"(..\..\)", R"(Sub\..\..\)", "..", R"(\)"}) {
+    FamilyWorld<StoreLayerFamily> world(std::string("<STORELAYER GUID='{1}' DIRNAME='") + folder +
+                                        "'/>");
+    world.AddFile(R"(D:\Precious\a.txt)");
+    const auto before = world.Tree(R"(D:\)");
+    EXPECT_TRUE(world.Manager()->StoreLayerCollection()->DeleteStoreLayerByGUID("{1}"));
+    EXPECT_EQ(world.Tree(R"(D:\)"), before) << folder;
+  }
 }
 
 }  // namespace

@@ -234,6 +234,7 @@ TYPED_TEST(LayerConformance, IsInternalOnlyForTrueInUpperCase) {
   for (const Row& row :
        {Row{R"( ISINTERNALDATA="TRUE")", true}, Row{R"( ISINTERNALDATA="true")", false},
         Row{R"( ISINTERNALDATA="True")", false}, Row{R"( ISINTERNALDATA="-1")", false},
+        Row{R"( ISINTERNALDATA="TRUE ")", false}, Row{R"( ISINTERNALDATA="")", false},
         Row{R"( ISINTERNAL="TRUE")", false}, Row{R"( ISINTERNALDATA="FALSE")", false},
         Row{"", false}}) {
     ItemWorld<TypeParam> world(row.attributes);

@@ -68,6 +68,15 @@ Pairs Changed(const std::string& path, const Value& value, Pairs pairs) {
   return pairs;
 }
 
+// What is exported of an item that has no more than a name.
+template <class Family>
+Pairs Blank(const std::string& name) {
+  Pairs pairs = Without(kRoot + "AnalysisParams/p", Family::Exported());
+  for (auto& [path, value] : pairs)
+    value = path == kRoot + "IsInternalData" ? Value(false) : Value("");
+  return Changed(kRoot + "LayerType", Family::kType, Changed(kRoot + "Name", name, pairs));
+}
+
 template <class Family>
 class LayerMetadataConformance : public testing::Test {
  protected:
@@ -111,13 +120,17 @@ TYPED_TEST(LayerMetadataConformance, ExportMakesADocumentWhenThereIsNone) {
 }
 
 TYPED_TEST(LayerMetadataConformance, ExportIsNotWrittenAfterAnError) {
-  ItemWorld<TypeParam> world(TypeParam::Attributes(), TypeParam::Content());
-  const auto metadata = std::make_shared<RecordingMetadata>(Pairs{});
-  metadata->failing_paths = {kRoot + "Comments"};
-  this->Export(world, metadata);
-  EXPECT_EQ(metadata->written, nullptr);
-  EXPECT_EQ(metadata->calls.back(), "PutValue " + kRoot + "Comments");
-  EXPECT_THAT(world.Messages(), IsEmpty());
+  std::vector<std::string> calls = {"PrepareForUpdate", "WriteDocument"};
+  for (const auto& [path, value] : TypeParam::Exported()) calls.push_back("PutValue " + path);
+  for (const auto& call : calls) {
+    ItemWorld<TypeParam> world(TypeParam::Attributes(), TypeParam::Content());
+    const auto metadata = std::make_shared<RecordingMetadata>(Pairs{});
+    metadata->failing_call = call;
+    this->Export(world, metadata);
+    EXPECT_EQ(metadata->written, nullptr);
+    EXPECT_EQ(metadata->calls.back(), call);
+    EXPECT_THAT(world.Messages(), IsEmpty());
+  }
 }
 
 TYPED_TEST(LayerMetadataConformance, ExportChangesNothingInTheItemAndSavesNothing) {
@@ -189,12 +202,23 @@ TYPED_TEST(LayerMetadataConformance, ImportIgnoresAMissingDocument) {
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
-TYPED_TEST(LayerMetadataConformance, UnboundDoesNothingToAnyone) {
+TYPED_TEST(LayerMetadataConformance, UnboundExportsEmptyValues) {
   World world;
   const auto unbound = world.New<IKVMetadata>(TypeParam::kClass);
   unbound->ImportMetadata(std::make_shared<RecordingMetadata>(TypeParam::Exported()));
-  unbound->ExportMetadata(std::make_shared<RecordingMetadata>());
+  const auto metadata = std::make_shared<RecordingMetadata>();
+  unbound->ExportMetadata(metadata);
+  EXPECT_EQ(PairsOf(*metadata->written), Blank<TypeParam>(""));
   EXPECT_THAT(world.Messages(), IsEmpty());
+}
+
+TYPED_TEST(LayerMetadataConformance, ImportTakesTheFirstOfSeveralValues) {
+  ItemWorld<TypeParam> world("");
+  const auto set = SetOf(TypeParam::Exported());
+  for (const auto& [path, value] : Blank<TypeParam>("A")) set->AddValue(path, "second");
+  this->Import(world, std::make_shared<RecordingMetadata>(*set));
+  EXPECT_EQ(world.Metadata(),
+            ItemWorld<TypeParam>::With(TypeParam::Attributes(), TypeParam::Content()));
 }
 
 template <class Family>
@@ -210,13 +234,38 @@ TYPED_TEST(FieldImportConformance, SetsEverythingInOrder) {
 }
 
 TYPED_TEST(FieldImportConformance, EndsAtTheFirstMissingValue) {
+  // The values in the order in which they are taken over.
+  std::vector<std::string> paths;
+  for (const char* name :
+       {"IDField", "LinkField", "NameField", "Comments", "GUID", "IsInternalData"}) {
+    const Pairs all = TypeParam::Exported();
+    if (Without(kRoot + name, all).size() < all.size()) paths.push_back(kRoot + name);
+  }
+  Pairs expected = Blank<TypeParam>("A");
+  for (const auto& path : paths) {
+    ItemWorld<TypeParam> world("");
+    this->Import(world, Without(path, TypeParam::Exported()));
+    const auto imported = std::make_shared<RecordingMetadata>();
+    this->Export(world, imported);
+    EXPECT_EQ(PairsOf(*imported->written), expected) << path;
+    EXPECT_THAT(world.Messages(), IsEmpty());
+    const auto value = SetOf(TypeParam::Exported())->GetValues(path).front();
+    expected = Changed(path, value, expected);
+  }
+}
+
+TYPED_TEST(FieldImportConformance, NeedsNoName) {
   ItemWorld<TypeParam> world("");
-  this->Import(world, Without(kRoot + "Comments", TypeParam::Exported()));
-  EXPECT_EQ(world.item->IDField(), "i");
-  EXPECT_EQ(world.item->NameField(), "n");
-  EXPECT_EQ(world.item->GUID(), "");
-  EXPECT_FALSE(world.item->IsInternalData());
-  EXPECT_THAT(world.Messages(), IsEmpty());
+  this->Import(world, Without(kRoot + "Name", TypeParam::Exported()));
+  EXPECT_EQ(world.Metadata(), world.With(TypeParam::Attributes(), TypeParam::Content()));
+}
+
+TYPED_TEST(FieldImportConformance, ReadsABooleanFromTextOrNumber) {
+  for (const Value& value : {Value("True"), Value("-1"), Value(1)}) {
+    ItemWorld<TypeParam> world("");
+    this->Import(world, Changed(kRoot + "IsInternalData", value, TypeParam::Exported()));
+    EXPECT_TRUE(world.item->IsInternalData()) << ToText(value);
+  }
 }
 
 TYPED_TEST(FieldImportConformance, EndsQuietlyAtAValueThatIsNoText) {
@@ -258,6 +307,32 @@ TEST_F(AnalysisImportConformance, SkipsWhatFails) {
   EXPECT_EQ(world.item->AnalysisGUID(), "");
   EXPECT_EQ(world.item->Comments(), "");
   EXPECT_THAT(world.Messages(), IsEmpty());
+}
+
+TEST_F(AnalysisImportConformance, SkipsTheStepThatFails) {
+  const std::string comments = "<COMMENTS>c</COMMENTS>";
+  const std::string parameter = R"(<PARAM NAME="p" VALUE="1"/>)";
+  const std::string guid = R"( GUID="{1}")";
+  using World = ItemWorld<AnalysisMetadata>;
+  for (const auto& [call, left] :
+       {std::pair{"GetValues " + kRoot + "LayerType", World::With("")},
+        std::pair{"GetValues " + kRoot + "GUID", World::With("", comments + parameter)},
+        std::pair{"GetValues " + kRoot + "Comments", World::With(guid, parameter)},
+        std::pair{std::string("ListAll"), World::With(guid, comments)}}) {
+    World world("");
+    const auto metadata = std::make_shared<RecordingMetadata>(AnalysisMetadata::Exported());
+    metadata->failing_call = call;
+    Import(world, metadata);
+    EXPECT_EQ(world.Metadata(), left) << call;
+  }
+}
+
+TEST_F(AnalysisImportConformance, TakesTheLastOfSeveralValuesOfAParameter) {
+  ItemWorld<AnalysisMetadata> world("");
+  const auto set = SetOf(AnalysisMetadata::Exported());
+  set->AddValue(kRoot + "AnalysisParams/p", "2");
+  Import(world, std::make_shared<RecordingMetadata>(*set));
+  EXPECT_EQ(world.item->GetParameter("p"), "2");
 }
 
 TEST_F(AnalysisImportConformance, SkipsAnIdentifierThatCannotBeStored) {

@@ -53,10 +53,33 @@ TEST(PersistenceConformance, SaveAfterLoadGivesTheSameText) {
   world.Manager()->AnalysisCollection()->CreateAnalysis("A & <B> '\t\xC3\xA9\xE4\xB8\xAD");
   world.Manager()->AnalysisCollection()->CreateAnalysis("Plain");
   world.Manager()->AnalysisCollection()->GetAnalysis("Plain")->SetComments(" one\r\ntwo \n");
+  world.Manager()->CustLayerCollection()->CreateCustLayer("\xF0\x9F\x98\x80");
+  world.Manager()->StoreLayerCollection()->CreateStoreLayer(std::string(5000, 'x'));
+  world.Manager()->DataCollection()->CreateDataItem("item");
   const std::string saved = world.SavedText();
   OpenWorld other;
   other.LoadText(saved);
   EXPECT_EQ(other.SavedText(), saved);
+}
+
+TEST(PersistenceConformance, KeepsForeignContent) {
+  OpenWorld world;
+  const std::string root =
+      "<KVDATACOLLECTION A=\"1\">\r\n  <OTHER>text</OTHER>\r\n  <?target data?></KVDATACOLLECTION>";
+  world.LoadText("<!--before-->" + root + "\r\n<!--after-->\r\n");
+  const std::string saved = world.SavedText();
+  for (const auto& part : {std::string("<!--before-->"), root, std::string("<!--after-->")}) {
+    EXPECT_THAT(saved, testing::HasSubstr(part));
+  }
+  world.LoadText(saved);
+  EXPECT_EQ(world.SavedText(), saved);
+}
+
+TEST(PersistenceConformance, LoadTouchesNeitherTheWorkingDirectoryNorTheCatalogue) {
+  OpenWorld world(R"(<STUDYAREA NAME="_A_"/>)");
+  world.Load("");
+  EXPECT_EQ(world.Manager()->WorkingDirectory(), R"(D:\Data\)");
+  EXPECT_EQ(world.StudyAreas(), R"(<STUDYAREA NAME="_A_"/>)");
 }
 
 TEST(PersistenceConformance, CarriesOnlyTheMetadata) {
@@ -77,7 +100,8 @@ TEST(PersistenceConformance, LoadReplacesTheDocument) {
 }
 
 TEST(PersistenceConformance, LoadOfBadTextLeavesNoDocument) {
-  for (const char* text : {"", "no xml", "<KVDATACOLLECTION>", "<A/><B/>"}) {
+  for (const char* text :
+       {"", "no xml", "<KVDATACOLLECTION>", "<A/><B/>", "<!DOCTYPE A><A/>", "<A b='\x01'/>"}) {
     OpenWorld world;
     world.LoadText(text);
     EXPECT_THAT(world.Messages(), IsEmpty()) << text;
@@ -102,11 +126,13 @@ TEST(PersistenceConformance, LoadAgainAfterBadTextRestores) {
   EXPECT_NE(world.Manager()->AnalysisCollection(), nullptr);
 }
 
-TEST(PersistenceConformance, LoadOfNullKeepsTheDocument) {
+TEST(PersistenceConformance, LoadOfAValueThatIsNoTextKeepsTheDocument) {
   OpenWorld world;
   const std::string before = world.SavedText();
-  world.LoadText(Null{});
-  EXPECT_EQ(world.SavedText(), before);
+  for (const Value& value : {Value(), Value(Null{}), Value(5), Value(true), Value(1.5)}) {
+    world.LoadText(value);
+    EXPECT_EQ(world.SavedText(), before) << ToText(value.IsNull() ? Value("Null") : value);
+  }
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 

@@ -40,6 +40,25 @@ TEST(PresetsConformance, GivesTheFullPathOfAFile) {
   EXPECT_EQ(world.Manager()->GetPDataFile("_Rivers_"), R"(C:\Preset\w\rivers.shp)");
 }
 
+TEST(PresetsConformance, ListsAnItemWithoutANameAsNull) {
+  PresetWorld world("<P><DATAITEM GUID='{1}'/><DATAITEM NAME=''/></P>");
+  EXPECT_EQ(TextsOf(world.Manager()->PDataList()), (Texts{"(null)", ""}));
+}
+
+TEST(PresetsConformance, TrimsTheFilesName) {
+  PresetWorld world(
+      "<P><DATAITEM NAME='a'>\n  sub\\a b.shp\t</DATAITEM><DATAITEM NAME='b'> \r\n </DATAITEM>"
+      "<DATAITEM NAME='c'/></P>");
+  EXPECT_EQ(world.Manager()->GetPDataFile("a"), R"(C:\Preset\sub\a b.shp)");
+  EXPECT_EQ(world.Manager()->GetPDataFile("b"), R"(C:\Preset\)");
+  EXPECT_EQ(world.Manager()->GetPDataFile("c"), R"(C:\Preset\)");
+}
+
+TEST(PresetsConformance, FindsANameOfAnyOtherCharacters) {
+  PresetWorld world("<P><DATAITEM NAME=\"a'&lt;&amp;]&#9;\xE4\xB8\xAD\">1.shp</DATAITEM></P>");
+  EXPECT_EQ(world.Manager()->GetPDataFile("a'<&]\t\xE4\xB8\xAD"), R"(C:\Preset\1.shp)");
+}
+
 TEST(PresetsConformance, HasNoFileForAnUnknownName) {
   PresetWorld world(kCatalogue);
   for (const char* name : {"Rivers", "roads", "Hidden", "Deep", "", "{1}"}) {
@@ -62,7 +81,7 @@ TEST(PresetsConformance, TakesTheFirstOfTwoItemsOfOneName) {
 }
 
 TEST(PresetsConformance, AreEmptyWhenTheFileCannotBeLoaded) {
-  for (const char* text : {"", "<P><DATAITEM NAME='A'>", "no xml"}) {
+  for (const char* text : {"", "<P><DATAITEM NAME='A'>", "no xml", "<P/><P/>"}) {
     PresetWorld world(text);
     EXPECT_THAT(TextsOf(world.Manager()->PDataList()), IsEmpty()) << text;
     EXPECT_EQ(world.Manager()->GetPDataFile("A"), "") << text;

@@ -1,8 +1,7 @@
-// Layer metadata that notes what is called, in order.
+// Layer metadata that notes the calls that change it, in order, and can fail at any call.
 #pragma once
 
 #include <memory>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,8 +34,9 @@ inline std::shared_ptr<ValueSet> SetOf(const Pairs& pairs) {
 class RecordingMetadata : public LayerMetadata {
  public:
   RecordingMetadata() = default;
-  explicit RecordingMetadata(const Pairs& pairs)
-      : document_(std::make_shared<RecordingSet>(*SetOf(pairs), *this)) {}
+  explicit RecordingMetadata(const Pairs& pairs) : RecordingMetadata(*SetOf(pairs)) {}
+  explicit RecordingMetadata(const ValueSet& set)
+      : document_(std::make_shared<RecordingSet>(set, *this)) {}
 
   std::shared_ptr<NamedValueSet> ReadDocument() override {
     calls.emplace_back("ReadDocument");
@@ -44,26 +44,40 @@ class RecordingMetadata : public LayerMetadata {
     return document_;
   }
   void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
-    calls.emplace_back("WriteDocument");
+    Note("WriteDocument");
     written = document;
   }
 
   std::vector<std::string> calls;
   bool fails_to_read = false;
-  std::set<std::string> failing_paths;
+  std::string failing_call;
   std::shared_ptr<NamedValueSet> written;
 
  private:
+  void FailAt(const std::string& call) const {
+    if (call == failing_call) throw RuntimeError(kPermissionDenied);
+  }
+  void Note(const std::string& call) {
+    calls.push_back(call);
+    FailAt(call);
+  }
+
   class RecordingSet : public ValueSet {
    public:
     RecordingSet(const ValueSet& set, RecordingMetadata& owner) : ValueSet(set), owner_(owner) {}
     void PutValue(std::string_view path, const Value& value) override {
-      const std::string name(path);
-      owner_.calls.push_back("PutValue " + name);
-      if (owner_.failing_paths.count(name) != 0) throw RuntimeError(kPermissionDenied);
+      owner_.Note("PutValue " + std::string(path));
       ValueSet::PutValue(path, value);
     }
-    void PrepareForUpdate() override { owner_.calls.emplace_back("PrepareForUpdate"); }
+    void PrepareForUpdate() override { owner_.Note("PrepareForUpdate"); }
+    std::vector<Value> GetValues(std::string_view path) override {
+      owner_.FailAt("GetValues " + std::string(path));
+      return ValueSet::GetValues(path);
+    }
+    Listing ListAll() override {
+      owner_.FailAt("ListAll");
+      return ValueSet::ListAll();
+    }
 
    private:
     RecordingMetadata& owner_;

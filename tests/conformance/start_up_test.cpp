@@ -77,6 +77,9 @@ TEST(CreationConformance, LeavesTheCatalogueEmptyWhenItsTextIsBad) {
     EXPECT_EQ(areas->StudyAreasList(), nullptr) << text;
     EXPECT_FALSE(areas->CreateStudyArea("North")) << text;
     EXPECT_FALSE(areas->StudyAreaExists("North")) << text;
+    EXPECT_EQ(areas->StudyAreasGUIDsList(), nullptr) << text;
+    EXPECT_EQ(areas->GetStudyArea("North"), nullptr) << text;
+    EXPECT_FALSE(areas->DeleteStudyAreaByGUID("1")) << text;
   }
 }
 
@@ -97,6 +100,7 @@ TEST(CreationConformance, ReportsAFailureAndGoesOnWithoutPresets) {
               ElementsAre(Message{"Couldn't read the preset data directory", "Kelvaro", 48}));
   EXPECT_EQ(manager->GetDatasetManager(), nullptr);
   EXPECT_EQ(manager->PDataList(), nullptr);
+  EXPECT_NE(manager->AnalysisCollection(), nullptr);
   EXPECT_EQ(manager->GetPDataFile("Roads"), "");
   EXPECT_EQ(world.SavedText(), kFresh);
 }

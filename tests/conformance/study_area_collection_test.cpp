@@ -99,8 +99,9 @@ TEST(StudyAreaCollectionConformance, FailsOnADoubleQuote) {
 }
 
 TEST(StudyAreaCollectionConformance, GivesANewViewEachTime) {
-  OpenWorld world(R"(<STUDYAREA NAME="_A_" GUID="{1}"/>)");
+  OpenWorld world(R"(<STUDYAREA NAME="_A_" GUID="{1}"/><STUDYAREA NAME="_A_" GUID="{2}"/>)");
   EXPECT_NE(Areas(world)->GetStudyArea("A"), Areas(world)->GetStudyArea("A"));
+  EXPECT_EQ(Areas(world)->GetStudyArea("A")->GUID(), "{1}");
 }
 
 TEST(CreateStudyAreaConformance, AddsTheElementMakesTheFolderAndSaves) {
@@ -163,6 +164,10 @@ TEST(CreateStudyAreaConformance, AcceptsAnEmptyNameAndNumbersItsFolder) {
   EXPECT_TRUE(Areas(world)->CreateStudyArea(""));
   EXPECT_TRUE(Areas(world)->StudyAreaExists(""));
   EXPECT_EQ(Areas(world)->GetStudyArea("")->StudyAreaDir(), R"(D:\Data\StudyAreas\1\)");
+
+  OpenWorld without_folder;
+  EXPECT_FALSE(Areas(without_folder)->CreateStudyArea(""));
+  EXPECT_EQ(Areas(without_folder)->GetStudyArea("")->StudyAreaDir(), R"(D:\Data\StudyAreas\\)");
 }
 
 TEST(CreateStudyAreaConformance, KeepsForeignLettersAndMarkup) {
@@ -195,6 +200,13 @@ TEST(CreateStudyAreaConformance, IgnoresThatTheCatalogueCannotBeSaved) {
   world.LockRegistry();
   EXPECT_TRUE(Areas(world)->CreateStudyArea("North"));
   EXPECT_THAT(world.Messages(), IsEmpty());
+}
+
+TEST(CreateStudyAreaConformance, NeedsNoHost) {
+  World world;
+  world.Manager()->SetWorkingDirectory(R"(D:\Data)");
+  EXPECT_TRUE(Areas(world)->CreateStudyArea("North"));
+  EXPECT_EQ(Areas(world)->GetStudyArea("North")->StudyAreaDir(), R"(D:\Data\StudyAreas\North\)");
 }
 
 TEST(CreateStudyAreaConformance, GivesUpAfter32767Folders) {

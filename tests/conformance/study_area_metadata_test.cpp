@@ -27,6 +27,16 @@ Pairs Exported() {
           {kRoot + "FeaturesList", "f"}};
 }
 
+// What is exported of a study area that has no more than a name.
+Pairs Blank(const std::string& name) {
+  return {{kRoot + "LayerType", "Study Area"},
+          {kRoot + "Name", name},
+          {kRoot + "GUID", ""},
+          {kRoot + "Type", ""},
+          {kRoot + "MainLayer", ""},
+          {kRoot + "FeaturesList", ""}};
+}
+
 std::string Area(const std::string& attributes, const std::string& content) {
   return "<STUDYAREA NAME=\"_A_\"" + attributes + ">" + content + "</STUDYAREA>";
 }
@@ -120,19 +130,53 @@ TEST(StudyAreaMetadataConformance, ImportShowsThatThereIsNoPlaceForPropertiesAnd
 }
 
 TEST(StudyAreaMetadataConformance, ExportIsNotWrittenAfterAnError) {
-  MetadataWorld world(R"( GUID="{1}")", kProperties);
+  std::vector<std::string> calls = {"PrepareForUpdate", "WriteDocument"};
+  for (const auto& [path, value] : Exported()) calls.push_back("PutValue " + path);
+  for (const auto& call : calls) {
+    MetadataWorld world(R"( GUID="{1}")", kProperties);
+    const auto layer = std::make_shared<RecordingMetadata>(Pairs{});
+    layer->failing_call = call;
+    world.metadata->ExportMetadata(layer);
+    EXPECT_EQ(layer->calls.back(), call);
+    EXPECT_EQ(layer->written, nullptr);
+    EXPECT_THAT(world.Messages(), IsEmpty());
+  }
+}
+
+TEST(StudyAreaMetadataConformance, ExportShowsWhatItCannotRead) {
+  MetadataWorld world("", "");
   const auto layer = std::make_shared<RecordingMetadata>(Pairs{});
-  layer->failing_paths = {kRoot + "GUID"};
   world.metadata->ExportMetadata(layer);
+  EXPECT_EQ(world.Texts(),
+            (Texts{"Can't find the attribute GUID", "Can't find TYPE property",
+                   "Can't find MAINLAYER property", "Can't find FEATURESLIST property"}));
+  EXPECT_EQ(PairsOf(*layer->written), Blank("A"));
+}
+
+TEST(StudyAreaMetadataConformance, ExportsNothingWithoutAName) {
+  OpenWorld world("<STUDYAREA GUID='{1}'/>");
+  const auto layer = std::make_shared<RecordingMetadata>(Pairs{});
+  Query<IKVMetadata>(world.Manager()->StudyAreaCollection()->GetStudyAreaByGUID("{1}"))
+      ->ExportMetadata(layer);
   EXPECT_EQ(layer->written, nullptr);
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
-TEST(StudyAreaMetadataConformance, UnboundRaisesNothing) {
+TEST(StudyAreaMetadataConformance, ImportTakesTheFirstOfSeveralValues) {
+  MetadataWorld world("", kPlace);
+  const auto set = SetOf(Exported());
+  for (const auto& [path, value] : Exported()) set->AddValue(path, "second");
+  world.metadata->ImportMetadata(std::make_shared<RecordingMetadata>(*set));
+  EXPECT_EQ(world.StudyAreas(), Area(R"( GUID="{1}")", kProperties));
+}
+
+TEST(StudyAreaMetadataConformance, UnboundExportsEmptyTexts) {
   World world;
   const auto unbound = world.New<IKVMetadata>("KVStudyArea");
   unbound->ImportMetadata(std::make_shared<RecordingMetadata>(Exported()));
-  unbound->ExportMetadata(std::make_shared<RecordingMetadata>());
+  const auto layer = std::make_shared<RecordingMetadata>();
+  unbound->ExportMetadata(layer);
+  EXPECT_EQ(PairsOf(*layer->written), Blank(""));
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 

@@ -50,6 +50,8 @@ TEST(StudyAreaPropertiesConformance, ReadsTheFirstOfTwoAndAMissingValueAsNull) {
                         R"(<PROPERTY NAME="A" VALUE="2"/><PROPERTY NAME="B"/></SAPROPERTIES>)");
   EXPECT_EQ(world.properties->GetProperty("A"), Value("1"));
   EXPECT_TRUE(world.properties->GetProperty("B").IsNull());
+  EXPECT_TRUE(world.properties->SetProperty("A", "3"));
+  EXPECT_EQ(world.properties->GetProperty("A"), Value("3"));
 }
 
 TEST(StudyAreaPropertiesConformance, UnknownNamesReadAsEmptyText) {
@@ -73,6 +75,14 @@ TEST(StudyAreaPropertiesConformance, StoresTheTextOfAnyValue) {
   }
 }
 
+TEST(StudyAreaPropertiesConformance, KeepsAnyNameAndText) {
+  PropertiesWorld world("<SAPROPERTIES/>");
+  for (const char* text : {"", "_", "\xE4\xB8\xAD", "a\\b", "<&>'", "tab\t", " blanks "}) {
+    EXPECT_TRUE(world.properties->SetProperty(text, text));
+    EXPECT_EQ(world.properties->GetProperty(text), Value(text));
+  }
+}
+
 TEST(StudyAreaPropertiesConformance, NullCannotBeStored) {
   PropertiesWorld world("<SAPROPERTIES/>");
   EXPECT_FALSE(Saves(world, [&] { EXPECT_FALSE(world.properties->SetProperty("A", Null{})); }));
@@ -93,6 +103,14 @@ TEST(StudyAreaPropertiesConformance, ShowsThatThereIsNoPlaceToWriteTo) {
   EXPECT_EQ(world.Messages()[0].text, "Text 102");
   EXPECT_EQ(world.Messages()[0].style, 0);
   EXPECT_EQ(world.Messages()[1], (Message{"Couldn't set TYPE property", "Kelvaro", 48}));
+}
+
+TEST(StudyAreaPropertiesConformance, WithoutTheTextsNothingIsShownWhenThereIsNoPlace) {
+  World world;
+  world.PutStudyAreas(R"(<STUDYAREA NAME="_A_"/>)");
+  const auto area = world.Manager()->StudyAreaCollection()->GetStudyArea("A");
+  EXPECT_FALSE(Query<IKVPropertySet>(area)->SetProperty("TYPE", "x"));
+  EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
 TEST(StudyAreaPropertiesConformance, ADoubleQuoteInANameEndsQuietly) {

@@ -146,6 +146,8 @@ TEST(StudyAreaConformance, OverwritesExistingComments) {
   AreaWorld world("", "<COMMENTS>old</COMMENTS><SAPROPERTIES/>");
   world.area->SetComments("new");
   EXPECT_EQ(world.StudyAreas(), Area("><COMMENTS>new</COMMENTS><SAPROPERTIES/></STUDYAREA>"));
+  world.area->SetComments("");
+  EXPECT_EQ(world.area->Comments(), "");
 }
 
 TEST(StudyAreaConformance, WidensEveryLineFeedOfItsComments) {

@@ -37,6 +37,15 @@ TEST(TablesManagerConformance, UsesTheWorkingDirectoryForAStudyAreaThatIsGone) {
   }
 }
 
+TEST(TablesManagerConformance, UsesTheWorkingDirectoryWithoutACatalogue) {
+  World world;
+  world.PutRegistryText("StudyAreaCollection", "<bad");
+  world.SetSetting("VELKKVDirectory", R"(D:\Data)");
+  world.Initialize();
+  world.SetState("Study Area Name", "North");
+  EXPECT_EQ(Tables(world)->TablesDir(), R"(D:\Data\Tables)");
+}
+
 TEST(TablesManagerConformance, ReadsTheCurrentStateAndNotTheSettings) {
   OpenWorld world(kNorth);
   world.SetSetting("Study Area Name", "North");
@@ -71,6 +80,7 @@ TEST(TablesManagerConformance, CountsPastFilesOfAnyExtension) {
   world.AddFile(R"(D:\Data\Tables\Table.dbf)");
   EXPECT_EQ(Tables(world)->FreeTablePath(), R"(D:\Data\Tables\Table1)");
   world.AddFile(R"(D:\Data\Tables\Table1.txt)");
+  world.AddFile(R"(D:\Data\Tables\Table3)");
   EXPECT_EQ(Tables(world)->FreeTablePath(), R"(D:\Data\Tables\Table2)");
 }
 

@@ -24,6 +24,8 @@ TEST(TemporaryFilesConformance, GiveTheSamePathUntilAFileIsWritten) {
   EXPECT_EQ(world.Manager()->TmpFilePath(), world.Manager()->TmpFilePath());
   world.AddFile(R"(D:\Data\KelvaroTemp\tmp.shp)");
   EXPECT_EQ(world.Manager()->TmpFilePath(), R"(D:\Data\KelvaroTemp\tmp1)");
+  world.AddFile(R"(D:\Data\KelvaroTemp\TMP1.dbf)");
+  EXPECT_EQ(world.Manager()->TmpFilePath(), R"(D:\Data\KelvaroTemp\tmp2)");
 }
 
 TEST(TemporaryFilesConformance, SkipNamesTakenWithAnyExtension) {
