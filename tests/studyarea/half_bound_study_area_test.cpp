@@ -20,7 +20,7 @@ constexpr char kNorth[] =
     R"(<STUDYAREA NAME="_North_" GUID="1" DIRNAME="D:\North\" LAYERFILE="a.lyr" DATASET="_d_">)"
     R"(<SAPROPERTIES/></STUDYAREA>)";
 
-class StudyAreaBindingTest : public ::testing::Test {
+class HalfBoundStudyAreaTest : public ::testing::Test {
  protected:
   TestWorld world_;
   std::shared_ptr<KVStudyArea> study_area_ =
@@ -48,7 +48,7 @@ void ExpectNothingReadable(KVStudyArea& study_area) {
   EXPECT_EQ(study_area.TablesDir(), "");
 }
 
-TEST_F(StudyAreaBindingTest, AnUnboundStudyAreaAnswersNeutrallyWithoutAnError) {
+TEST_F(HalfBoundStudyAreaTest, AnUnboundStudyAreaAnswersNeutrallyWithoutAnError) {
   ExpectNothingReadable(*study_area_);
   SetEverything(*study_area_);
   study_area_->SetComments("x");
@@ -57,7 +57,7 @@ TEST_F(StudyAreaBindingTest, AnUnboundStudyAreaAnswersNeutrallyWithoutAnError) {
   EXPECT_THAT(world_.Messages(), IsEmpty());
 }
 
-TEST_F(StudyAreaBindingTest, WithoutAnElementItAnswersNeutrallyAndSavesNothing) {
+TEST_F(HalfBoundStudyAreaTest, WithoutAnElementItAnswersNeutrallyAndSavesNothing) {
   study_area_->SetDataManager(world_.manager->Reference());
   EXPECT_FALSE(Saves(world_, [&] {
     SetEverything(*study_area_);
@@ -67,7 +67,7 @@ TEST_F(StudyAreaBindingTest, WithoutAnElementItAnswersNeutrallyAndSavesNothing) 
   EXPECT_THAT(world_.Messages(), IsEmpty());
 }
 
-TEST_F(StudyAreaBindingTest, WithoutADataManagerItReadsButForTheLayerFile) {
+TEST_F(HalfBoundStudyAreaTest, WithoutADataManagerItReadsButForTheLayerFile) {
   study_area_->SetNode(xml::Parsed(kNorth));
   EXPECT_EQ(study_area_->Name(), "North");
   EXPECT_EQ(study_area_->GUID(), "1");
@@ -76,7 +76,7 @@ TEST_F(StudyAreaBindingTest, WithoutADataManagerItReadsButForTheLayerFile) {
   EXPECT_EQ(study_area_->LayerFile(), "");
 }
 
-TEST_F(StudyAreaBindingTest, WithoutADataManagerOnlyCommentsAndPropertiesChange) {
+TEST_F(HalfBoundStudyAreaTest, WithoutADataManagerOnlyCommentsAndPropertiesChange) {
   const auto node = xml::Parsed(kNorth);
   study_area_->SetNode(node);
   SetEverything(*study_area_);
@@ -87,7 +87,7 @@ TEST_F(StudyAreaBindingTest, WithoutADataManagerOnlyCommentsAndPropertiesChange)
   EXPECT_EQ(study_area_->GetProperty("TYPE"), Value("1"));
 }
 
-TEST_F(StudyAreaBindingTest, WithoutADataManagerFailuresGoUnreported) {
+TEST_F(HalfBoundStudyAreaTest, WithoutADataManagerFailuresGoUnreported) {
   study_area_->SetNode(xml::Parsed("<STUDYAREA/>"));
   EXPECT_RUNTIME_ERROR(study_area_->Name(), kInvalidUseOfNull);
   EXPECT_EQ(study_area_->GUID(), "");
@@ -99,13 +99,13 @@ TEST_F(StudyAreaBindingTest, WithoutADataManagerFailuresGoUnreported) {
   EXPECT_THAT(world_.Messages(), IsEmpty());
 }
 
-TEST_F(StudyAreaBindingTest, TheTablesFolderIsInTheStudyAreasFolderAndNotCreated) {
+TEST_F(HalfBoundStudyAreaTest, TheTablesFolderIsInTheStudyAreasFolderAndNotCreated) {
   study_area_->SetNode(xml::Parsed(kNorth));
   EXPECT_EQ(study_area_->TablesDir(), R"(D:\North\Tables\)");
   EXPECT_FALSE(world_.platform.files->FolderExists(R"(D:\North)"));
 }
 
-TEST_F(StudyAreaBindingTest, AFreeTablePathIsTheFirstThatNoFileTakes) {
+TEST_F(HalfBoundStudyAreaTest, AFreeTablePathIsTheFirstThatNoFileTakes) {
   study_area_->SetNode(xml::Parsed(kNorth));
   study_area_->SetDataManager(world_.manager->Reference());
   EXPECT_EQ(study_area_->FreeTablePath(), R"(D:\North\Tables\Table)");
@@ -122,7 +122,7 @@ class AllFilesExist : public FailingFileSystem {
   std::vector<std::string> FindFiles(std::string_view) override { return {"taken"}; }
 };
 
-TEST_F(StudyAreaBindingTest, WhenTableNamesRunOutAMessageIsShown) {
+TEST_F(HalfBoundStudyAreaTest, WhenTableNamesRunOutAMessageIsShown) {
   auto services = world_.platform.Bundle();
   services.files =
       std::make_shared<AllFilesExist>(services.files, std::make_shared<FailureCounter>());
