@@ -12,7 +12,6 @@ namespace kvdm {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 template <class Interface>
 bool Answers(const std::shared_ptr<Unknown>& object) {
@@ -84,18 +83,6 @@ TEST(ComponentTest, CreatesEachOfItsThirteenClassesWithItsInterfaces) {
   }
 }
 
-TEST(ComponentTest, ListsTheIdentitiesOfAllClasses) {
-  std::vector<std::string_view> expected;
-  for (const auto& row : kClasses) expected.push_back(row.identity);
-  EXPECT_EQ(ClassIdentities(), expected);
-}
-
-TEST(ComponentTest, CreatesANewObjectAtEachCall) {
-  const MemoryPlatform platform;
-  EXPECT_NE(CreateObject("KVDM.KVFileInfo", platform.Bundle()),
-            CreateObject("KVDM.KVFileInfo", platform.Bundle()));
-}
-
 TEST(ComponentTest, HasNoOtherClasses) {
   const MemoryPlatform platform;
   for (const std::string identity :
@@ -133,42 +120,6 @@ TEST(QueryTest, AnswersTheSameFacetAgain) {
   EXPECT_EQ(Query<IKVLayerEdit>(analysis), Query<IKVLayerEdit>(Query<IKVMetadata>(analysis)));
 }
 
-TEST(QueryTest, AFacetKeepsItsObjectAlive) {
-  TestWorld world;
-  const auto analyses = world.manager->AnalysisCollection();
-  ASSERT_TRUE(analyses->CreateAnalysis("Sales"));
-  const auto edit = Query<IKVLayerEdit>(analyses->GetAnalysis("Sales"));
-  edit->SetGUID("{changed}");
-  EXPECT_EQ(analyses->GetAnalysis("Sales")->AnalysisGUID(), "{changed}");
-}
-
-TEST(ViewsTest, UnboundCollectionsAnswerNothingAndShowNothing) {
-  const TestWorld world;
-  const auto platform = world.platform.Bundle();
-  const auto create = [&](const char* identity) { return CreateObject(identity, platform); };
-  EXPECT_EQ(Query<IKVAnalysisCollection>(create("KVDM.KVAnalysisCollection"))->AnalysesList(),
-            nullptr);
-  EXPECT_EQ(
-      Query<IKVStoreLayerCollection>(create("KVDM.KVStoreLayerCollection"))->StoreLayersList(),
-      nullptr);
-  EXPECT_EQ(Query<IKVCustLayerCollection>(create("KVDM.KVCustLayerCollection"))->CustLayersList(),
-            nullptr);
-  EXPECT_EQ(Query<IKVStudyAreaCollection>(create("KVDM.KVStudyAreaCollection"))->StudyAreasList(),
-            nullptr);
-  EXPECT_THAT(world.Messages(), IsEmpty());
-}
-
-TEST(ViewsTest, EveryGetMakesAnotherViewOfTheSameElement) {
-  TestWorld world;
-  const auto analyses = world.manager->AnalysisCollection();
-  ASSERT_TRUE(analyses->CreateAnalysis("Sales"));
-  const auto one = analyses->GetAnalysis("Sales");
-  const auto other = analyses->GetAnalysis("Sales");
-  EXPECT_NE(one, other);
-  one->SetComments("seen by both");
-  EXPECT_EQ(other->Comments(), "seen by both");
-}
-
 TEST(ViewsTest, KeepTheDataManagerAlive) {
   TestWorld world;
   auto analyses = world.manager->AnalysisCollection();
@@ -179,16 +130,6 @@ TEST(ViewsTest, KeepTheDataManagerAlive) {
   EXPECT_THAT(Texts(analyses->AnalysesList()), ElementsAre("Sales"));
   analyses.reset();
   EXPECT_TRUE(manager.expired());
-}
-
-TEST(ViewsTest, ListsAreInDocumentOrderAndNotLive) {
-  TestWorld world;
-  const auto layers = world.manager->CustLayerCollection();
-  ASSERT_TRUE(layers->CreateCustLayer("b"));
-  ASSERT_TRUE(layers->CreateCustLayer("a"));
-  const auto list = layers->CustLayersList();
-  ASSERT_TRUE(layers->CreateCustLayer("c"));
-  EXPECT_THAT(Texts(list), ElementsAre("b", "a"));
 }
 
 }  // namespace

@@ -50,21 +50,6 @@ ShownMessage MessageOf(std::function<void()> fails) {
   return messages.size() == 1 ? messages[0] : ShownMessage{};
 }
 
-TEST(FlushTest, WritesTheCatalogueAsOneStringAndIsFalse) {
-  TestWorld world;
-  EXPECT_FALSE(world.manager->Flush());
-  EXPECT_EQ(world.platform.registry->Read(RegistryRoot::kLocalMachine, R"(Software\Velk\Kelvaro)",
-                                          "StudyAreaCollection"),
-            (RegistryValue{RegistryType::kText, kEmptyCatalogue}));
-  EXPECT_THAT(world.Messages(), IsEmpty());
-}
-
-TEST(FlushTest, AnErrorIsShownWithItsNumberAndDescriptionRunTogether) {
-  EXPECT_EQ(MessageOf([] { throw RuntimeError(kPermissionDenied); }),
-            (ShownMessage{"error while saving XML   70Permission denied", "Kelvaro",
-                          MessageStyle::kExclamation}));
-}
-
 TEST(FlushTest, ANegativeNumberHasNoLeadingBlank) {
   EXPECT_EQ(MessageOf([] { throw RuntimeError(kAutomationFailure); }).text,
             "error while saving XML  -2147467259Automation error");
@@ -90,13 +75,6 @@ TEST(FlushTest, ABrokenMessageBoxDoesNotReachTheCaller) {
       std::make_shared<FailingMessageBox>(platform.box, std::make_shared<FailureCounter>(0, 1));
   KVDataManager manager(services);
   EXPECT_NO_THROW(manager.Flush());
-}
-
-TEST(FlushTest, ADamagedCatalogueListsNothing) {
-  TestWorld world;
-  world.LoadCatalogue(kDamaged);
-  EXPECT_EQ(world.manager->StudyAreaCollection()->StudyAreasList(), nullptr);
-  EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
 TEST(FlushTest, ADamagedCatalogueIsPreservedOnceBeforeItIsOverwritten) {

@@ -12,8 +12,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kNoSettings[] = "Cannot read working directory settings";
-constexpr char kNoStructure[] = "Couldn't create structure of working directory";
-constexpr char kInvalidSelected[] = "Invalid Working Directory was selected";
 constexpr char kSetting[] = "VELKKVDirectory";
 
 // A data manager that was not initialised yet.
@@ -39,15 +37,6 @@ TEST_F(InitializeTest, TakesTheHostsSetting) {
   EXPECT_EQ(manager->HostObject(), host);
   EXPECT_TRUE(manager->Resources());
   EXPECT_TRUE(platform.files->FolderExists(R"(D:\Data\CustLayers)"));
-  EXPECT_THAT(Messages(), IsEmpty());
-}
-
-TEST_F(InitializeTest, WithoutASettingItIsAFolderOnTheSystemsDrive) {
-  for (const Value& nothing : {Value(), Value("")}) {
-    Initialize(nothing);
-    EXPECT_EQ(manager->WorkingDirectory(), R"(C:\My Output Data\)");
-    EXPECT_TRUE(platform.files->FolderExists(R"(C:\My Output Data\StoreLayers)"));
-  }
   EXPECT_THAT(Messages(), IsEmpty());
 }
 
@@ -103,18 +92,6 @@ TEST_F(InitializeTest, AHostWithoutSettingsIsReported) {
   EXPECT_EQ(manager->WorkingDirectory(), "");
 }
 
-TEST_F(InitializeTest, ASettingThatIsNoTextIsReported) {
-  Initialize(Null());
-  EXPECT_THAT(Messages(), ElementsAre(kNoSettings));
-  EXPECT_EQ(manager->WorkingDirectory(), "");
-}
-
-TEST_F(InitializeTest, AFolderThatCanNotBeMadeIsReportedThreeTimesAndHeld) {
-  Initialize(R"(Q:\Data)");
-  EXPECT_THAT(Messages(), ElementsAre(kNoStructure, kInvalidSelected, kNoSettings));
-  EXPECT_EQ(manager->WorkingDirectory(), R"(Q:\Data\)");
-}
-
 TEST_F(InitializeTest, AShareLosesALeadingBackslashAndIsReported) {
   platform.files->AddFolder(R"(C:\server)");
   Initialize(R"(\\server\share)");
@@ -140,14 +117,6 @@ struct OtherFolderTest : InitializeTest {
     manager = std::make_shared<KVDataManager>(services);
   }
 };
-
-TEST_F(OtherFolderTest, ShowsTheLocalisedTextPlainly) {
-  Initialize(R"(D:\Data)");
-  const auto text = manager->Resources()->FindString("101");
-  EXPECT_FALSE(text.empty());
-  EXPECT_THAT(platform.box->Messages(),
-              ElementsAre(ShownMessage{text, "KVDM", MessageStyle::kPlain}));
-}
 
 TEST_F(OtherFolderTest, ForgetsTheWorkingDirectoryButKeepsTheMetadataValid) {
   Initialize(R"(D:\Data)");

@@ -40,12 +40,6 @@ TEST(PresetDataTest, ListsTheItemsOfTheRootInOrderAsStored) {
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
-TEST(PresetDataTest, EveryListIsANewOne) {
-  PresetWorld world(kPresets);
-  world.manager->PDataList()->Add("mine");
-  EXPECT_EQ(world.manager->PDataList()->Count(), 3);
-}
-
 TEST(PresetDataTest, AnItemWithoutNameOrIdentifierIsListedAsNull) {
   PresetWorld world("<P><DATAITEM GUID='{1}'/><DATAITEM NAME=''/></P>");
   EXPECT_THAT(Texts(world.manager->PDataList()), ElementsAre("(null)", ""));
@@ -56,15 +50,6 @@ TEST(PresetDataTest, TheFileIsInThePresetFolder) {
   PresetWorld world(kPresets);
   EXPECT_EQ(world.manager->GetPDataFileByGUID("{1}"), R"(D:\Presets\shops.shp)");
   EXPECT_EQ(world.manager->GetPDataFile("Shops"), R"(D:\Presets\shops.shp)");
-}
-
-TEST(PresetDataTest, TheFilesNameIsTrimmed) {
-  PresetWorld world(kPresets);
-  EXPECT_EQ(world.manager->GetPDataFile("_Roads_"), R"(D:\Presets\sub\roads.shp)");
-  EXPECT_EQ(PresetWorld("<P><DATAITEM NAME='a'> \r\n </DATAITEM></P>").manager->GetPDataFile("a"),
-            R"(D:\Presets\)");
-  EXPECT_EQ(PresetWorld("<P><DATAITEM NAME='a'/></P>").manager->GetPDataFile("a"),
-            R"(D:\Presets\)");
 }
 
 TEST(PresetDataTest, AnUnknownItemHasNoFileAndNoMessage) {
@@ -83,11 +68,6 @@ TEST(PresetDataTest, AKeyWithADoubleQuoteIsReported) {
   EXPECT_THAT(world.Messages(), ElementsAre(kNoFile, kNoFile));
 }
 
-TEST(PresetDataTest, NamesMayHoldAnyOtherCharacter) {
-  PresetWorld world("<P><DATAITEM NAME=\"a'&lt;&amp;]&#9;北\">1.shp</DATAITEM></P>");
-  EXPECT_EQ(world.manager->GetPDataFile("a'<&]\t北"), R"(D:\Presets\1.shp)");
-}
-
 TEST(PresetDataTest, AFolderWithATrailingBackslashIsTakenAsItStands) {
   PresetWorld world(kPresets, R"(D:\Presets\)");
   EXPECT_EQ(world.manager->GetPDataFile("Shops"), R"(D:\Presets\\shops.shp)");
@@ -96,32 +76,6 @@ TEST(PresetDataTest, AFolderWithATrailingBackslashIsTakenAsItStands) {
 TEST(PresetDataTest, WithoutAFolderTheCatalogueIsAtTheRootOfTheCurrentDrive) {
   PresetWorld world(kPresets, "");
   EXPECT_EQ(world.manager->GetPDataFile("Shops"), R"(\shops.shp)");
-}
-
-TEST(PresetDataTest, ACatalogueThatCanNotBeReadIsEmptyAndNotReported) {
-  for (const auto* xml : {"", "<P><DATAITEM NAME='a'>", "<P/><P/>", "no xml"}) {
-    PresetWorld world(xml);
-    EXPECT_THAT(Texts(world.manager->PDataList()), IsEmpty()) << xml;
-    EXPECT_THAT(Texts(world.manager->PDataGUIDList()), IsEmpty()) << xml;
-    EXPECT_EQ(world.manager->GetPDataFile("a"), "") << xml;
-    EXPECT_EQ(world.manager->GetPDataFileByGUID("a"), "") << xml;
-    EXPECT_THAT(world.Messages(), IsEmpty()) << xml;
-  }
-}
-
-TEST(PresetDataTest, AMissingCatalogueIsEmptyAndNotReported) {
-  TestWorld world;
-  EXPECT_THAT(Texts(world.manager->PDataList()), IsEmpty());
-  EXPECT_EQ(world.manager->GetPDataFile("a"), "");
-  EXPECT_THAT(world.Messages(), IsEmpty());
-}
-
-TEST(PresetDataTest, IsReadOnceAndNeverWritten) {
-  PresetWorld world(kPresets);
-  world.platform.files->WriteFile(R"(D:\Presets\PresetData.xml)", "<P/>");
-  EXPECT_EQ(world.manager->PDataList()->Count(), 3);
-  static_cast<void>(world.Metadata());
-  EXPECT_EQ(world.platform.files->ReadFile(R"(D:\Presets\PresetData.xml)"), "<P/>");
 }
 
 TEST(PresetDataTest, ADirectoryThatIsNoStringCountsAsNone) {

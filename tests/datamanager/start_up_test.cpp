@@ -89,34 +89,6 @@ TEST_F(StartUpTest, StartsWithoutWorkingDirectoryAndHostAndShowsNothing) {
   EXPECT_THAT(platform.box->Messages(), IsEmpty());
 }
 
-TEST_F(StartUpTest, StartsWithAFreshMetadataDocument) {
-  const auto stream = std::make_shared<VariantList>();
-  Start()->Save(stream);
-  EXPECT_THAT(stream->Values(), ElementsAre(Value(NewMetadataDocument()->Xml())));
-}
-
-TEST_F(StartUpTest, TakesTheCatalogueFromTheRegistry) {
-  Start()->Flush();
-  EXPECT_EQ(Stored(), "<STUDYAREACOLLECTION A=\"1\"/>\r\n");
-}
-
-TEST_F(StartUpTest, AMissingOrEmptyCatalogueStartsAsAnEmptyCollection) {
-  MemoryPlatform empty;
-  Start(empty.Bundle())->Flush();
-  EXPECT_EQ(empty.registry->Read(RegistryRoot::kLocalMachine, kRegistryKey, "studyareacollection"),
-            (RegistryValue{RegistryType::kText, "<STUDYAREACOLLECTION/>\r\n"}));
-  Put(kStudyAreaCollectionValue, "");
-  Start()->Flush();
-  EXPECT_EQ(Stored(), "<STUDYAREACOLLECTION/>\r\n");
-}
-
-TEST_F(StartUpTest, ACatalogueThatDoesNotParseIsNotReported) {
-  Put(kStudyAreaCollectionValue, "<STUDYAREACOLLECTION>");
-  const auto manager = Start();
-  EXPECT_THAT(platform.box->Messages(), IsEmpty());
-  EXPECT_THAT(Texts(manager->PDataList()), ElementsAre("Shops"));
-}
-
 TEST_F(StartUpTest, AParserThatFailsOnTheCatalogueIsNotReported) {
   auto services = platform.Bundle();
   services.xml_parser = std::make_shared<ExhaustedParser>(platform.xml_parser, 1);
@@ -133,16 +105,6 @@ TEST_F(StartUpTest, AParserThatFailsOnThePresetsEndsTheStart) {
   EXPECT_THAT(platform.box->Messages(),
               ElementsAre(ShownMessage{kStartFailed, "Kelvaro", MessageStyle::kExclamation}));
   EXPECT_EQ(manager->GetDatasetManager(), nullptr);
-}
-
-TEST_F(StartUpTest, CreatesTheDatasetManagerAndInitialisesItOnce) {
-  auto services = platform.Bundle();
-  const auto siblings = std::make_shared<OneDatasetManager>();
-  services.siblings = siblings;
-  const auto manager = Start(services);
-  manager->DMInitialize(nullptr);
-  EXPECT_EQ(manager->GetDatasetManager(), siblings->created);
-  EXPECT_EQ(siblings->created->initialized, 1);
 }
 
 TEST_F(StartUpTest, WithoutTheDatasetManagersLibraryThereAreNoPresets) {
@@ -196,12 +158,6 @@ TEST_F(StartUpTest, WhicheverCallFailsTheObjectIsCreatedAndAtMostOneMessageShown
     EXPECT_TRUE(manager->AnalysisCollection()) << "call " << call;
   } while (counter->calls >= call);
   EXPECT_GT(call, 5);
-}
-
-TEST_F(StartUpTest, WritesNothingWhenItStartsAndWhenItIsReleased) {
-  Put(kStudyAreaCollectionValue, "<STUDYAREACOLLECTION  />");
-  Start()->DMInitialize(std::make_shared<PropertiesHost>());
-  EXPECT_EQ(Stored(), "<STUDYAREACOLLECTION  />");
 }
 
 }  // namespace

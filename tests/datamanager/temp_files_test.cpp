@@ -9,12 +9,9 @@
 namespace kvdm {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
-constexpr char kNoTempFile[] = "Couldn't generate new Temp file name";
 constexpr char kTemp[] = R"(D:\Data\KelvaroTemp)";
 
 struct TempFilesTest : testing::Test {
@@ -32,77 +29,11 @@ struct TempFilesTest : testing::Test {
   TestWorld world;
 };
 
-TEST_F(TempFilesTest, ThePathIsTheFirstFreeOneWithoutExtension) {
-  EXPECT_EQ(world.manager->TmpFilePath(), R"(D:\Data\KelvaroTemp\tmp)");
-  Add("tmp.shp");
-  EXPECT_EQ(world.manager->TmpFilePath(), R"(D:\Data\KelvaroTemp\tmp1)");
-  Add("TMP1.dbf");
-  EXPECT_EQ(world.manager->TmpFilePath(), R"(D:\Data\KelvaroTemp\tmp2)");
-  EXPECT_THAT(world.Messages(), IsEmpty());
-}
-
-TEST_F(TempFilesTest, TwoCallsWithoutAFileBetweenAnswerTheSamePath) {
-  EXPECT_EQ(world.manager->TmpFilePath(), world.manager->TmpFilePath());
-  EXPECT_THAT(files().Tree(kTemp), IsEmpty());
-}
-
-TEST_F(TempFilesTest, AMissingFolderIsCreatedHidden) {
-  files().RemoveTree(kTemp);
-  EXPECT_EQ(world.manager->TmpFilePath(), R"(D:\Data\KelvaroTemp\tmp)");
-  EXPECT_TRUE(files().FolderExists(kTemp));
-  EXPECT_THAT(files().OpenFolder(R"(D:\Data)")->Entries(), Not(Contains("KelvaroTemp")));
-}
-
-TEST_F(TempFilesTest, AnExistingFolderKeepsItsAttributes) {
-  files().SetAttributes(kTemp, 0);
-  EXPECT_EQ(world.manager->TmpFilePath(), R"(D:\Data\KelvaroTemp\tmp)");
-  EXPECT_THAT(files().OpenFolder(R"(D:\Data)")->Entries(), Contains("KelvaroTemp"));
-}
-
-TEST_F(TempFilesTest, AFolderThatCanNotBeMadeIsReported) {
-  files().RemoveTree(kTemp);
-  files().RefuseWrites(R"(D:\Data)");
-  EXPECT_EQ(world.manager->TmpFilePath(), "");
-  EXPECT_THAT(world.platform.box->Messages(),
-              ElementsAre(ShownMessage{kNoTempFile, "Kelvaro", MessageStyle::kExclamation}));
-}
-
 TEST_F(TempFilesTest, WithoutAWorkingDirectoryThePathIsInTheCurrentFolder) {
   KVDataManager manager(world.platform.Bundle());
   files().SetCurrentFolder("Z:\\");
   EXPECT_EQ(manager.TmpFilePath(), R"(KelvaroTemp\tmp)");
   EXPECT_THAT(files().Tree("Z:\\"), ElementsAre(R"(KelvaroTemp\)"));
-}
-
-// A file system in which every file name is taken.
-class FullFileSystem : public FailingFileSystem {
- public:
-  explicit FullFileSystem(std::shared_ptr<FileSystem> files)
-      : FailingFileSystem(std::move(files), std::make_shared<FailureCounter>()) {}
-  std::vector<std::string> FindFiles(std::string_view) override { return {"taken"}; }
-};
-
-TEST_F(TempFilesTest, PathsRunOutWithAMessage) {
-  auto services = world.platform.Bundle();
-  services.files = std::make_shared<FullFileSystem>(world.platform.files);
-  KVDataManager manager(services);
-  EXPECT_EQ(manager.TmpFilePath(), "");
-  EXPECT_THAT(world.Messages(), ElementsAre(kNoTempFile));
-}
-
-TEST_F(TempFilesTest, CleaningTakesEverythingButTheFolderItself) {
-  Add("tmp.shp");
-  Add(R"(a\b\tmp.shp)");
-  files().AddFolder(R"(D:\Data\KelvaroTemp\empty )");
-  EXPECT_THAT(Cleaned(), IsEmpty());
-  EXPECT_TRUE(files().FolderExists(kTemp));
-}
-
-TEST_F(TempFilesTest, CleaningLeavesTheRestOfTheWorkingDirectory) {
-  files().AddFile(R"(D:\Data\CustLayers\a.lyr)");
-  Add("tmp.shp");
-  EXPECT_THAT(Cleaned(), IsEmpty());
-  EXPECT_THAT(files().Tree(R"(D:\Data)"), Contains(R"(CustLayers\a.lyr)"));
 }
 
 TEST_F(TempFilesTest, CleaningLeavesHiddenAndSystemEntries) {
@@ -137,13 +68,6 @@ TEST_F(TempFilesTest, AFolderThatStaysStopsTheCleaning) {
 TEST_F(TempFilesTest, CleaningRemovesLinksAndNotWhatTheyMean) {
   files().AddLink(R"(D:\Data\KelvaroTemp\link)");
   EXPECT_THAT(Cleaned(), IsEmpty());
-}
-
-TEST_F(TempFilesTest, CleaningAMissingFolderDoesNothing) {
-  files().RemoveTree(kTemp);
-  world.manager->CleanTemp();
-  EXPECT_FALSE(files().FolderExists(kTemp));
-  EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
 TEST_F(TempFilesTest, WithoutAWorkingDirectoryNothingIsCleaned) {

@@ -11,7 +11,6 @@
 namespace kvdm {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -100,31 +99,6 @@ TEST_F(WorkingDirectoryTest, AMissingOneIsCreatedWithItsFoldersInOrder) {
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
-TEST_F(WorkingDirectoryTest, AMissingOneStartsTheMetadataAfresh) {
-  EXPECT_TRUE(StartedAfresh());
-  Manager().SetWorkingDirectory(R"(D:\New)");
-  EXPECT_TRUE(StartedAfresh());
-}
-
-TEST_F(WorkingDirectoryTest, AnExistingOneIsLeftAloneAndKeepsTheMetadata) {
-  world.platform.files->AddFolder(R"(D:\Old)");
-  EXPECT_TRUE(StartedAfresh());
-  files->made.clear();
-  Manager().SetWorkingDirectory(R"(D:\Old)");
-  EXPECT_FALSE(StartedAfresh());
-  EXPECT_THAT(files->made, IsEmpty());
-  EXPECT_THAT(world.platform.files->Tree(R"(D:\Old)"), IsEmpty());
-  EXPECT_THAT(world.Messages(), IsEmpty());
-}
-
-TEST_F(WorkingDirectoryTest, AViewFromBeforeStaysWithTheOldMetadata) {
-  const auto analyses = Manager().AnalysisCollection();
-  ASSERT_TRUE(analyses->CreateAnalysis("Sales"));
-  Manager().SetWorkingDirectory(R"(D:\New)");
-  EXPECT_THAT(Texts(analyses->AnalysesList()), ElementsAre("Sales"));
-  EXPECT_THAT(Texts(Manager().AnalysisCollection()->AnalysesList()), IsEmpty());
-}
-
 TEST_F(WorkingDirectoryTest, OneThatCanNotBeCreatedIsHeldAllTheSame) {
   world.platform.files->AddFile(R"(D:\file)");
   for (const std::string path :
@@ -135,14 +109,6 @@ TEST_F(WorkingDirectoryTest, OneThatCanNotBeCreatedIsHeldAllTheSame) {
     EXPECT_THAT(world.Messages(), ElementsAre(kNoStructure, kInvalidSelected)) << path;
     EXPECT_EQ(Manager().WorkingDirectory(), path + "\\");
     EXPECT_FALSE(StartedAfresh()) << path;
-  }
-}
-
-TEST_F(WorkingDirectoryTest, ItsMessagesAreExclamationsUnderTheProductsName) {
-  Manager().SetWorkingDirectory(R"(Q:\Data)");
-  for (const auto& message : world.platform.box->Messages()) {
-    EXPECT_EQ(message.caption, "Kelvaro");
-    EXPECT_EQ(message.style, MessageStyle::kExclamation);
   }
 }
 
@@ -178,14 +144,6 @@ TEST_F(WorkingDirectoryTest, SettingOneAgainMakesTheMetadataValidAgain) {
   files->folder_exists = nullptr;
   Manager().SetWorkingDirectory(R"(D:\New)");
   EXPECT_EQ(Manager().GenerateFolderName("", "a"), "a");
-}
-
-TEST_F(WorkingDirectoryTest, SettingOneCleansItsTemporaryFolder) {
-  world.platform.files->AddFile(R"(D:\Old\KelvaroTemp\tmp.shp)");
-  world.platform.files->AddFile(R"(D:\Data\KelvaroTemp\tmp.shp)");
-  Manager().SetWorkingDirectory(R"(D:\Old)");
-  EXPECT_THAT(world.platform.files->Tree(R"(D:\Old)"), ElementsAre(R"(KelvaroTemp\)"));
-  EXPECT_THAT(world.platform.files->Tree(R"(D:\Data)"), Contains(R"(KelvaroTemp\tmp.shp)"));
 }
 
 TEST_F(WorkingDirectoryTest, FolderNamesAreTheFirstThatIsFree) {
