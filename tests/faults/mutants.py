@@ -31,11 +31,11 @@ JUDGED = HERE / "judged_mutants.txt"
 
 # The folders of the component, and the test program of each.
 FOLDERS = {
-    "datamanager": "datamanager_test",
-    "studyarea": "studyarea_test",
-    "collections": "collections_test",
-    "items": "items_test",
-    "util": "util_test",
+    "datamanager": "core_test",
+    "studyarea": "core_test",
+    "collections": "core_test",
+    "items": "core_test",
+    "util": "core_test",
     "platform/xml": "xml_test",
     "platform/portable": "platform_test",
 }
