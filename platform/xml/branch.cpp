@@ -13,7 +13,7 @@ namespace kvdm::xml {
 namespace {
 
 // Up to so many children are walked through as fast as looked up.
-constexpr std::size_t kFewChildren = 8;
+std::size_t few_children = 8;
 
 Element* AsElement(Branch* branch) {
   const bool is_element = branch != nullptr && branch->Type() == NodeType::kElement;
@@ -21,6 +21,8 @@ Element* AsElement(Branch* branch) {
 }
 
 }  // namespace
+
+void IndexMoreChildrenThan(std::size_t count) { few_children = count; }
 
 Element* Node::Parent() const { return AsElement(parent_); }
 
@@ -185,7 +187,7 @@ bool Branch::ReplaceChildren(const std::shared_ptr<Node>& child) {
 }
 
 ChildIndex* Branch::Index() const {
-  if (child_count_ <= kFewChildren) return nullptr;
+  if (child_count_ <= few_children) return nullptr;
   if (!index_) index_ = std::make_unique<ChildIndex>();
   return index_.get();
 }

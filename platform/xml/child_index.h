@@ -1,6 +1,7 @@
 // Finds children by tag and attribute value without walking through all of them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -56,5 +57,8 @@ class ChildIndex {
 
   std::vector<Table> tables_;
 };
+
+// Children are indexed where there are more than `count`, which is 8 unless a test sets it.
+void IndexMoreChildrenThan(std::size_t count);
 
 }  // namespace kvdm::xml

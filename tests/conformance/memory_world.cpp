@@ -1,4 +1,6 @@
 // The component in memory: its services are the test's.
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <map>
 
@@ -6,6 +8,7 @@
 #include <kvdm/platform/error.h>
 
 #include "platform/memory/memory_platform.h"
+#include "platform/xml/child_index.h"
 #include "tests/conformance/results.h"
 #include "tests/conformance/world.h"
 
@@ -158,3 +161,10 @@ std::vector<Message> World::Messages() {
 }
 
 }  // namespace kvdm::conformance
+
+// With --indexed, every look-up goes through the index of children, however few there are.
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  if (argc > 1 && argv[1] == std::string_view("--indexed")) kvdm::xml::IndexMoreChildrenThan(0);
+  return RUN_ALL_TESTS();
+}
