@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "collections/collection_view.h"
+#include "util/names.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {

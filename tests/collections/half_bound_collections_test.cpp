@@ -2,14 +2,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <kvdm/platform/error.h>
+
 #include "collections/kv_analysis_collection.h"
-#include "collections/kv_cust_layer_collection.h"
 #include "collections/kv_data_collection.h"
-#include "collections/kv_store_layer_collection.h"
+#include "collections/kv_layer_collections.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/test_world.h"
 #include "tests/throws_number.h"
-#include "util/error_chain.h"
 
 namespace kvdm {
 namespace {
@@ -35,7 +35,7 @@ TEST(HalfBoundCollectionsTest, AnalysesAreReadAndFailToChangeWithoutADataManager
 TEST(HalfBoundCollectionsTest, AnalysesAnswerNeutrallyWithoutAnElement) {
   TestWorld world;
   KVAnalysisCollection analyses(world.platform.gis_core);
-  analyses.SetDataManager(world.manager);
+  analyses.SetDataManager(world.manager->Reference());
   EXPECT_FALSE(analyses.AnalysesList());
   EXPECT_FALSE(analyses.CreateAnalysis("a"));
   EXPECT_FALSE(analyses.DeleteAnalysis("a"));
@@ -65,7 +65,7 @@ TEST(HalfBoundCollectionsTest, LayersHaveNoFolderWithoutADataManager) {
 TEST(HalfBoundCollectionsTest, TheFolderOfDataItemsNeedsNoElement) {
   TestWorld world;
   KVDataCollection items(world.platform.gis_core);
-  items.SetDataManager(world.manager);
+  items.SetDataManager(world.manager->Reference());
   EXPECT_EQ(items.DataItemsDir(), R"(D:\Data\Data\)");
 }
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/memory/failing_file_system.h"
+#include "platform/memory/failing_services.h"
 #include "tests/late_report.h"
 #include "tests/test_world.h"
 

@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "items/kv_analysis.h"
-#include "items/kv_cust_layer.h"
 #include "items/kv_data_item.h"
-#include "items/kv_store_layer.h"
-#include "platform/memory/memory_layer_metadata.h"
+#include "items/kv_layers.h"
+#include "platform/memory/memory_platform.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/saves.h"
 #include "tests/test_world.h"
@@ -25,7 +24,7 @@ class HalfBoundAnalysisTest : public ::testing::Test {
 };
 
 TEST_F(HalfBoundAnalysisTest, WithoutAnElementItAnswersNeutrallyAndSavesNothing) {
-  analysis_->AttachDataManager(world_.manager);
+  analysis_->AttachDataManager(world_.manager->Reference());
   EXPECT_FALSE(Saves(world_, [&] {
     analysis_->SetName("x");
     analysis_->SetLayerFile("x");

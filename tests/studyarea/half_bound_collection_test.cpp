@@ -1,11 +1,12 @@
 // A study area collection without a data manager, and the causes of failed reports.
 #include <gtest/gtest.h>
 
+#include <kvdm/platform/error.h>
+
 #include "studyarea/kv_study_area_collection.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/test_world.h"
 #include "tests/throws_number.h"
-#include "util/error_chain.h"
 
 namespace kvdm {
 namespace {
