@@ -1,6 +1,4 @@
 #include <gtest/gtest.h>
-#include <oleauto.h>
-#include <wrl/client.h>
 
 #include "platform/windows/automation.h"
 #include "tests/throws_number.h"
