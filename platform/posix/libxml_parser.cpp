@@ -72,6 +72,9 @@ class Run {
     return context_->wellFormed != 0 && !failed_;
   }
 
+  // Whether it was the library that ended the parse, not the handler or a limit.
+  [[nodiscard]] bool IsCalledMalformed() const { return context_->wellFormed == 0 && !failed_; }
+
  private:
   static xmlSAXHandler Callbacks();
 
@@ -192,10 +195,35 @@ class LibxmlParser final : public XmlParser {
  public:
   bool Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) override {
     return ParseDecoded(text, encoding, [&handler](std::string_view utf8) {
-      const Context context(xmlNewParserCtxt());
-      if (!context) FailForMemory();
-      return Run(context.get(), handler).Parse(utf8);
+      const Verdict verdict = ParseOnce(utf8, handler);
+      // Where memory runs out the library may take a name or a value for missing, and call the text
+      // malformed. What it takes for well-formed the next time is.
+      IgnoringHandler ignoring;
+      if (verdict == Verdict::kMalformed && ParseOnce(utf8, ignoring) == Verdict::kAccepted) {
+        FailForMemory();
+      }
+      return verdict == Verdict::kAccepted;
     });
+  }
+
+ private:
+  enum class Verdict { kAccepted, kRefused, kMalformed };
+
+  class IgnoringHandler final : public XmlHandler {
+   public:
+    bool StartElement(std::string_view, Attributes) override { return true; }
+    bool EndElement() override { return true; }
+    bool Characters(std::string_view) override { return true; }
+    bool Comment(std::string_view) override { return true; }
+    bool Instruction(std::string_view, std::string_view) override { return true; }
+  };
+
+  static Verdict ParseOnce(std::string_view utf8, XmlHandler& handler) {
+    const Context context(xmlNewParserCtxt());
+    if (!context) FailForMemory();
+    Run run(context.get(), handler);
+    if (run.Parse(utf8)) return Verdict::kAccepted;
+    return run.IsCalledMalformed() ? Verdict::kMalformed : Verdict::kRefused;
   }
 };
 
