@@ -182,7 +182,8 @@ std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
     constexpr DWORD kKind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
     const std::string name = ToText(found.cFileName);
     const bool is_folder = (found.dwFileAttributes & kKind) == FILE_ATTRIBUTE_DIRECTORY;
-    if (is_folder && name.starts_with(prefix)) names.push_back(name);
+    const bool is_own_or_parent = name == "." || name == "..";
+    if (is_folder && !is_own_or_parent && name.starts_with(prefix)) names.push_back(name);
   } while (FindNextFileW(search, &found) != FALSE);
   FindClose(search);
   return names;
