@@ -86,7 +86,9 @@ TEST(CreateAnalysisConformance, AcceptsAnEmptyName) {
   EXPECT_TRUE(Analyses(world)->CreateAnalysis(""));
   EXPECT_EQ(Analyses(world)->GetAnalysis("")->AnalysisDir(), R"(D:\Data\Analyses\1\)");
   EXPECT_TRUE(world.FolderExists(R"(D:\Data\Analyses\1)"));
+}
 
+TEST(CreateAnalysisConformance, AnEmptyNameIsAFolderNameWhereThereIsNoFolder) {
   OpenWorld without_folder;
   EXPECT_TRUE(Analyses(without_folder)->CreateAnalysis(""));
   EXPECT_EQ(Analyses(without_folder)->GetAnalysis("")->AnalysisDir(), R"(D:\Data\Analyses\\)");

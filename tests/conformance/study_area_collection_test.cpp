@@ -164,7 +164,9 @@ TEST(CreateStudyAreaConformance, AcceptsAnEmptyNameAndNumbersItsFolder) {
   EXPECT_TRUE(Areas(world)->CreateStudyArea(""));
   EXPECT_TRUE(Areas(world)->StudyAreaExists(""));
   EXPECT_EQ(Areas(world)->GetStudyArea("")->StudyAreaDir(), R"(D:\Data\StudyAreas\1\)");
+}
 
+TEST(CreateStudyAreaConformance, AnEmptyNameIsAFolderNameWhereThereIsNoFolder) {
   OpenWorld without_folder;
   EXPECT_FALSE(Areas(without_folder)->CreateStudyArea(""));
   EXPECT_EQ(Areas(without_folder)->GetStudyArea("")->StudyAreaDir(), R"(D:\Data\StudyAreas\\)");
