@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <system_error>
 
 #include <kvdm/datamanager/component.h>
 #include <kvdm/platform/portable/variant_list.h>
@@ -89,6 +90,15 @@ std::string Problem(XmlParser& parser, std::string_view text) {
   return "is not well-formed XML";
 }
 
+// Nothing when that can't be told.
+std::optional<bool> HasFolder(const os::Drives& drives, std::string_view path) {
+  try {
+    return !path.empty() && os::FindFolder(drives, path).has_value();
+  } catch (const std::system_error&) {
+    return std::nullopt;
+  }
+}
+
 }  // namespace
 
 std::string DocumentProblem(XmlParser& parser, std::string_view what, std::string_view text) {
@@ -104,8 +114,8 @@ HostedComponent::HostedComponent(const Project& project, Output& out)
       host_(std::make_shared<PropertiesHost>(state_, settings_)),
       manager_(Query<IKVDataManager>(
           CreateObject(kDataManagerClass, OnFiles(services_.platform, files_)))) {
-  const std::string folder = ToText(settings_->GetProperty(kWorkingDirectorySetting));
-  working_directory_was_there_ = services_.platform.files->FolderExists(folder);
+  working_directory_was_there_ =
+      HasFolder(project.drives, ToText(settings_->GetProperty(kWorkingDirectorySetting)));
   Required(Query<IKVDMInitialize>(manager_)).DMInitialize(host_);
   // Only now: a working directory that was missing starts with fresh metadata.
   if (!project.values.empty()) Load(project);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,8 +38,11 @@ class HostedComponent {
   // The component's file system.
   [[nodiscard]] SettingAsideFiles& Files() { return *files_; }
 
-  // Whether the working directory of the settings was there before the start, which makes it.
-  [[nodiscard]] bool WorkingDirectoryWasThere() const { return working_directory_was_there_; }
+  // Whether the working directory of the settings was there before the start, which makes it;
+  // nothing when that could not be told.
+  [[nodiscard]] const std::optional<bool>& WorkingDirectoryWasThere() const {
+    return working_directory_was_there_;
+  }
   // Failure kRefused when the component has no working directory to work in.
   void RequireWorkingDirectory();
 
@@ -67,7 +71,7 @@ class HostedComponent {
   std::shared_ptr<PropertySetMap> settings_;
   std::shared_ptr<Host> host_;
   std::shared_ptr<IKVDataManager> manager_;
-  bool working_directory_was_there_ = false;
+  std::optional<bool> working_directory_was_there_;
 };
 
 }  // namespace kvdm

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,8 +48,9 @@ class ItemList : public ReadingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
+    const std::size_t shown = out.Messages().size();
     auto rows = RowsOf<Kind>(Kind::All(session));
-    if (!out.Messages().empty()) return;  // and the command fails with that message
+    if (out.Messages().size() != shown) return;  // and the command fails with that message
     out.Items(std::move(rows), fmt::format("There are no {}.", Kind::kPlural));
     Kind::TellMore(session);
   }

@@ -45,16 +45,20 @@ class Status : public ReadingCommand {
     const std::string problem = component.CatalogueProblem();
     const bool damaged = !problem.empty();
     const auto unread = services.registry->Unread();
+    const auto& found = component.WorkingDirectoryWasThere();
     const auto condition = unread.value_or(services.registry->Condition());
     out.Fields({{"project", os::ToText(session.File())},
                 {"working_directory", session.Manager().WorkingDirectory()},
-                {"working_directory_found", component.WorkingDirectoryWasThere()},
+                {"working_directory_found", found ? Field(*found) : Field()},
                 {"current_study_area", component.CurrentStudyArea()},
                 {"study_areas", unread ? Field() : StudyAreaCount(session)},
                 {"analyses", CountOf(session.Manager().AnalysisCollection()->AnalysesGUIDsList())},
                 {"registry", RegistryPlace()},
                 {"registry_state", std::string(condition.Name())},
                 {"catalogue_damaged", unread ? Field() : Field(damaged)}});
+    if (!found) {
+      Output::Tell("kvdm: The working directory can't be looked at now: is its disk reachable?");
+    }
     if (condition.state != RegistryState::kReady) {
       Output::Tell("kvdm: " + RegistrySentence(condition));
     }
