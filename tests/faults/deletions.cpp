@@ -124,14 +124,16 @@ struct Target {
   std::string path;
 };
 
-bool ExpectedAnswer(Node& drive, const Target& target) {
+// Links in front of what is named lead to `outside`, and are followed.
+bool ExpectedAnswer(Node& drive, Node& outside, const Target& target) {
   if (target.refused) return false;
   Node* folder = &drive;
   for (std::size_t i = 0; i < target.names.size(); ++i) {
     const auto name = Meant(*folder, target.names[i]);
-    if (!name || folder->inside.at(*name).kind != Kind::kFolder) return false;
+    if (!name) return false;
     if (i + 1 == target.names.size()) return Remove(*folder, *name, target.closed);
-    folder = &folder->inside.at(*name);
+    Node& next = folder->inside.at(*name);
+    folder = next.kind == Kind::kLink ? &outside : &next;
   }
   return false;
 }
@@ -220,14 +222,24 @@ void Write(const TemporaryDrive& drive, const Node& folder, const std::string& p
   }
 }
 
-// Files outside, of the names that are inside too.
-void WriteOutside(const TempFolder& outside) {
-  for (const char* folder : {"North", "North/a", "M", "Study Area "}) {
-    fs::create_directories(outside.Path(folder));
-    for (const char* file : {"x", "b", "keep"}) {
-      if (!fs::exists(outside.Path(folder) + "/" + file)) {
-        std::ofstream(outside.Path(folder) + "/" + file) << "x";
-      }
+// What links lead to: files and folders of the names that are inside too.
+Node OutsideTree() {
+  const Node files = {
+      Kind::kFolder,
+      {{"x", {Kind::kFile, {}}}, {"b", {Kind::kFile, {}}}, {"keep", {Kind::kFile, {}}}}};
+  Node north = files;
+  north.inside["a"] = files;
+  return {Kind::kFolder, {{"North", north}, {"M", files}, {"Study Area ", files}}};
+}
+
+// Makes what is missing.
+void WriteOutside(const Node& folder, const fs::path& path) {
+  fs::create_directories(path);
+  for (const auto& [name, node] : folder.inside) {
+    if (node.kind == Kind::kFolder) {
+      WriteOutside(node, path / name);
+    } else if (!fs::exists(path / name)) {
+      std::ofstream(path / name) << "x";
     }
   }
 }
@@ -258,8 +270,7 @@ int Run(const Options& options) {
   std::printf("seed %u\n", seed);
   Chance chance(seed);
   TempFolder outside;
-  WriteOutside(outside);
-  const Paths outside_paths = PathsOn(outside.Path());
+  WriteOutside(OutsideTree(), outside.Path());
   for (int number = 0; number < options.CasesOf(300, 50'000); ++number, ++counts.tried) {
     const TemporaryDrive drive;
     const auto files = MakePosixFileSystem(drive.Options());
@@ -270,7 +281,8 @@ int Run(const Options& options) {
       Tell(what, seed, number, target, at);
     };
     const Paths before = PathsOn(drive.root());
-    const bool expected = ExpectedAnswer(tree, target);
+    Node outside_tree = OutsideTree();
+    const bool expected = ExpectedAnswer(tree, outside_tree, target);
     const bool answer = DeleteFolderTree(*files, target.path);
     if (answer != expected) {
       tell("wrong answer", answer ? "True" : "False");
@@ -279,11 +291,13 @@ int Run(const Options& options) {
     Paths expected_paths;
     AppendPaths(tree, "", expected_paths);
     Compare(before, expected_paths, PathsOn(drive.root()), tell, counts);
+    Paths outside_paths;
+    AppendPaths(outside_tree, "", outside_paths);
     if (PathsOn(outside.Path()) != outside_paths) {
       tell("outside", outside.Path());
       ++counts.outside;
-      WriteOutside(outside);
     }
+    WriteOutside(OutsideTree(), outside.Path());
   }
   return Report("deletions", counts);
 }
