@@ -65,10 +65,9 @@ struct Analyses : CommandKind<AnalysisKind> {
   }
 };
 
-class AnalysisLayer : public ProjectCommand {
+class AnalysisLayer : public ItemCommand<AnalysisKind, ProjectCommand> {
  public:
-  explicit AnalysisLayer(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(AnalysisKind::kWord));
+  explicit AnalysisLayer(Arguments arguments) : ItemCommand(arguments) {
     arguments.Optional("PATH", path_, "The new layer file; without it the path is shown",
                        RequireStorable);
     arguments.Flag("--edit", edit_, "Set it as a layer editor does");
@@ -77,8 +76,7 @@ class AnalysisLayer : public ProjectCommand {
  private:
   [[nodiscard]] bool Changes() const override { return path_.has_value(); }
 
-  void Run(Session& session, Output& out) override {
-    const auto analysis = AnalysisKind::Find(session, name_);
+  void RunOn(const AnalysisKind::Ref& analysis, Session&, Output& out) override {
     if (path_ && edit_) {
       Required(Query<IKVLayerEdit>(analysis)).SetLayerFile(*path_);
     } else if (path_) {
@@ -90,7 +88,6 @@ class AnalysisLayer : public ProjectCommand {
              analysis->LayerFile());
   }
 
-  std::string name_;
   std::optional<std::string> path_;
   bool edit_ = false;
 };

@@ -3,6 +3,7 @@
 
 #include "host/checks.h"
 #include "host/commands/groups.h"
+#include "host/commands/item_commands.h"
 #include "host/json.h"
 #include "host/kinds.h"
 #include "host/os.h"
@@ -63,16 +64,14 @@ std::shared_ptr<ValueSet> ToSet(const Json& object, const std::string& file) {
   return set;
 }
 
-class PropertiesExport : public ReadingCommand {
+class PropertiesExport : public ItemCommand<AnalysisKind, ReadingCommand> {
  public:
-  explicit PropertiesExport(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(AnalysisKind::kWord));
+  explicit PropertiesExport(Arguments arguments) : ItemCommand(arguments) {
     arguments.Required("FILE", file_, "The JSON file to make");
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto analysis = AnalysisKind::Find(session, name_);
+  void RunOn(const AnalysisKind::Ref& analysis, Session&, Output& out) override {
     const Json object = ToJson(*Exported(*analysis));
     const auto path = os::ToPath(file_);
     if (os::Exists(path)) {
@@ -87,22 +86,19 @@ class PropertiesExport : public ReadingCommand {
                          analysis->Name(), file_));
   }
 
-  std::string name_;
   std::string file_;
 };
 
-class PropertiesImport : public ChangingCommand {
+class PropertiesImport : public ItemCommand<AnalysisKind, ChangingCommand> {
  public:
-  explicit PropertiesImport(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(AnalysisKind::kWord));
+  explicit PropertiesImport(Arguments arguments) : ItemCommand(arguments) {
     arguments.Required("FILE", file_, "A JSON object of names and texts");
   }
 
  private:
-  void Run(Session& session, Output& out) override {
+  void RunOn(const AnalysisKind::Ref& analysis, Session& session, Output& out) override {
     const Json wanted = ReadJson(file_);
     const auto set = ToSet(wanted, file_);
-    const auto analysis = AnalysisKind::Find(session, name_);
     if (wanted.contains("Name")) {
       RequireFreeName<AnalysisKind>(AnalysisKind::All(session), wanted["Name"].get<std::string>(),
                                     analysis->AnalysisGUID());
@@ -130,7 +126,6 @@ class PropertiesImport : public ChangingCommand {
     }
   }
 
-  std::string name_;
   std::string file_;
 };
 

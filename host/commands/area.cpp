@@ -138,10 +138,9 @@ class AreaUse : public ChangingCommand {
   bool none_ = false;
 };
 
-class AreaDataset : public ProjectCommand {
+class AreaDataset : public ItemCommand<StudyAreaKind, ProjectCommand> {
  public:
-  explicit AreaDataset(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(StudyAreaKind::kWord));
+  explicit AreaDataset(Arguments arguments) : ItemCommand(arguments) {
     arguments.Optional("VALUE", value_, "The dataset's new name; without it the name is shown",
                        RequireStorable);
   }
@@ -149,48 +148,41 @@ class AreaDataset : public ProjectCommand {
  private:
   [[nodiscard]] bool Changes() const override { return value_.has_value(); }
 
-  void Run(Session& session, Output& out) override {
-    const auto area = StudyAreaKind::Find(session, name_);
+  void RunOn(const StudyAreaKind::Ref& area, Session&, Output& out) override {
     if (value_) area->SetDataset(*value_);
     const std::string dataset = DatasetOf(*area, out);
     out.Text({{"name", area->Name()}, {"guid", area->GUID()}, {"dataset", dataset}}, dataset);
   }
 
-  std::string name_;
   std::optional<std::string> value_;
 };
 
 // A property that is not there and one that is empty are the same to the component.
-class AreaPropGet : public ReadingCommand {
+class AreaPropGet : public ItemCommand<StudyAreaKind, ReadingCommand> {
  public:
-  explicit AreaPropGet(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(StudyAreaKind::kWord));
+  explicit AreaPropGet(Arguments arguments) : ItemCommand(arguments) {
     arguments.Required("KEY", key_, "The property", RequireKey);
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto area = StudyAreaKind::Find(session, name_);
+  void RunOn(const StudyAreaKind::Ref& area, Session&, Output& out) override {
     const Value value = Required(Query<IKVPropertySet>(area)).GetProperty(key_);
     const std::string text = value.IsNull() ? "" : ToText(value);
     out.Text({{"name", area->Name()}, {"key", key_}, {"value", text}}, text);
   }
 
-  std::string name_;
   std::string key_;
 };
 
-class AreaPropSet : public ChangingCommand {
+class AreaPropSet : public ItemCommand<StudyAreaKind, ChangingCommand> {
  public:
-  explicit AreaPropSet(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(StudyAreaKind::kWord));
+  explicit AreaPropSet(Arguments arguments) : ItemCommand(arguments) {
     arguments.Required("KEY", key_, "The property", RequireKey);
     arguments.Required("VALUE", value_, "Its value", RequireStorable);
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto area = StudyAreaKind::Find(session, name_);
+  void RunOn(const StudyAreaKind::Ref& area, Session&, Output& out) override {
     if (!Required(Query<IKVPropertySet>(area)).SetProperty(key_, value_)) {
       throw Failure(ExitCode::kRefused, fmt::format("The property {} could not be set.", key_));
     }
@@ -198,7 +190,6 @@ class AreaPropSet : public ChangingCommand {
              fmt::format("Set {} of the study area {}.", key_, area->Name()));
   }
 
-  std::string name_;
   std::string key_;
   std::string value_;
 };

@@ -41,6 +41,23 @@ template <class Kind>
   return fmt::format("kvdm {} {} {}{}", Kind::kCommand, command, Kind::kExample, rest);
 }
 
+// A command about one item, which people name.
+template <class Kind, class Command>
+class ItemCommand : public Command {
+ public:
+  explicit ItemCommand(Arguments arguments) {
+    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  }
+
+ private:
+  virtual void RunOn(const typename Kind::Ref& item, Session& session, Output& out) = 0;
+  void Run(Session& session, Output& out) override {
+    RunOn(Kind::Find(session, name_), session, out);
+  }
+
+  std::string name_;
+};
+
 template <class Kind>
 class ItemList : public ReadingCommand {
  public:
@@ -89,22 +106,17 @@ void AddCreateCommand(const CommandGroup& group, std::string_view with = "") {
 
 // A kind has `Details(item, session, out)`, the fields that follow those in lists.
 template <class Kind>
-class ItemShow : public ReadingCommand {
+class ItemShow : public ItemCommand<Kind, ReadingCommand> {
  public:
-  explicit ItemShow(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-  }
+  using ItemCommand<Kind, ReadingCommand>::ItemCommand;
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto item = Kind::Find(session, name_);
+  void RunOn(const typename Kind::Ref& item, Session& session, Output& out) override {
     Record record = RowOf<Kind>(item);
     for (auto& field : Kind::Details(item, session, out)) record.push_back(std::move(field));
     out.Fields(std::move(record));
     Kind::TellMore(session);
   }
-
-  std::string name_;
 };
 
 template <class Kind>
@@ -115,16 +127,14 @@ void AddShowCommand(const CommandGroup& group) {
 
 // A kind has `kRenameHelp`.
 template <class Kind>
-class ItemRename : public ChangingCommand {
+class ItemRename : public ItemCommand<Kind, ChangingCommand> {
  public:
-  explicit ItemRename(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  explicit ItemRename(Arguments arguments) : ItemCommand<Kind, ChangingCommand>(arguments) {
     arguments.Required("NEW", new_name_, Kind::kRenameHelp, Kind::kKey);
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto item = Kind::Find(session, name_);
+  void RunOn(const typename Kind::Ref& item, Session& session, Output& out) override {
     const std::string old_name = item->Name();
     RequireFreeName<Kind>(Kind::Peers(session, item), new_name_, Kind::GuidOf(item));
     item->SetName(new_name_);
@@ -137,7 +147,6 @@ class ItemRename : public ChangingCommand {
              fmt::format("Renamed the {} {} to {}.", Kind::kWord, old_name, new_name_));
   }
 
-  std::string name_;
   std::string new_name_;
 };
 
@@ -218,18 +227,19 @@ void SetEditedLayerFile(const std::shared_ptr<Item>& item, const std::string& pa
 
 // A kind has its `SettableFields()`, each an option.
 template <class Kind>
-class ItemSet : public ChangingCommand {
+class ItemSet : public ItemCommand<Kind, ChangingCommand> {
  public:
-  explicit ItemSet(Arguments arguments) : fields_(Kind::SettableFields()), values_(fields_.size()) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  explicit ItemSet(Arguments arguments)
+      : ItemCommand<Kind, ChangingCommand>(arguments),
+        fields_(Kind::SettableFields()),
+        values_(fields_.size()) {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
       arguments.Optional(fields_[i].option, values_[i], fields_[i].help, RequireStorable);
     }
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto item = Kind::Find(session, name_);
+  void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {
     Record record = {{"name", item->Name()}};
     for (std::size_t i = 0; i < fields_.size(); ++i) {
       if (!values_[i]) continue;
@@ -249,7 +259,6 @@ class ItemSet : public ChangingCommand {
     return name;
   }
 
-  std::string name_;
   std::vector<SettableField<typename Kind::Item>> fields_;
   std::vector<std::optional<std::string>> values_;
 };
@@ -263,10 +272,9 @@ void AddSetCommand(const CommandGroup& group, std::string_view fields, std::stri
 
 // Shows or sets the comments; they are lines, ended by LF.
 template <class Kind>
-class ItemComment : public ProjectCommand {
+class ItemComment : public ItemCommand<Kind, ProjectCommand> {
  public:
-  explicit ItemComment(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  explicit ItemComment(Arguments arguments) : ItemCommand<Kind, ProjectCommand>(arguments) {
     arguments.Optional("TEXT", text_, "New comments, or - to read them from standard input",
                        RequireStorable);
     arguments.Flag("--clear", clear_, "Remove the comments");
@@ -275,9 +283,8 @@ class ItemComment : public ProjectCommand {
  private:
   [[nodiscard]] bool Changes() const override { return clear_ || text_; }
 
-  void Run(Session& session, Output& out) override {
+  void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {
     if (clear_ && text_) throw Failure(ExitCode::kUsage, "Give either a text or --clear.");
-    const auto item = Kind::Find(session, name_);
     if (clear_) item->SetComments("");
     const std::string wanted = text_ ? TextArgument(*text_) : "";
     if (text_) item->SetComments(wanted);
@@ -291,7 +298,6 @@ class ItemComment : public ProjectCommand {
              comments);
   }
 
-  std::string name_;
   std::optional<std::string> text_;
   bool clear_ = false;
 };

@@ -21,36 +21,29 @@ template <class Ref>
 }
 
 template <class Kind>
-class ParamList : public ReadingCommand {
+class ParamList : public ItemCommand<Kind, ReadingCommand> {
  public:
-  explicit ParamList(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-  }
+  using ItemCommand<Kind, ReadingCommand>::ItemCommand;
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto item = Kind::Find(session, name_);
+  void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {
     std::vector<Record> items;
     for (const std::string& key : ParameterNames(item)) {
       items.push_back({{"key", key}, {"value", item->GetParameter(key)}});
     }
     out.Items(std::move(items), fmt::format("The {} has no parameters.", Kind::kWord));
   }
-
-  std::string name_;
 };
 
 template <class Kind>
-class ParamGet : public ReadingCommand {
+class ParamGet : public ItemCommand<Kind, ReadingCommand> {
  public:
-  explicit ParamGet(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  explicit ParamGet(Arguments arguments) : ItemCommand<Kind, ReadingCommand>(arguments) {
     arguments.Required("KEY", key_, "The parameter");
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto item = Kind::Find(session, name_);
+  void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {
     const auto names = ParameterNames(item);
     if (std::find(names.begin(), names.end(), key_) == names.end()) {
       throw Failure(ExitCode::kNotFound,
@@ -60,22 +53,19 @@ class ParamGet : public ReadingCommand {
     out.Text({{"name", item->Name()}, {"key", key_}, {"value", value}}, value);
   }
 
-  std::string name_;
   std::string key_;
 };
 
 template <class Kind>
-class ParamSet : public ChangingCommand {
+class ParamSet : public ItemCommand<Kind, ChangingCommand> {
  public:
-  explicit ParamSet(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
+  explicit ParamSet(Arguments arguments) : ItemCommand<Kind, ChangingCommand>(arguments) {
     arguments.Required("KEY", key_, "The parameter", RequireKey);
     arguments.Required("VALUE", value_, "Its value", RequireStorable);
   }
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto item = Kind::Find(session, name_);
+  void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {
     if (!item->SetParameter(key_, value_)) {
       throw Failure(ExitCode::kRefused, fmt::format("The parameter {} could not be set.", key_));
     }
@@ -83,21 +73,17 @@ class ParamSet : public ChangingCommand {
              fmt::format("Set {} of the {} {}.", key_, Kind::kWord, item->Name()));
   }
 
-  std::string name_;
   std::string key_;
   std::string value_;
 };
 
 template <class Kind>
-class ParamClear : public ChangingCommand {
+class ParamClear : public ItemCommand<Kind, ChangingCommand> {
  public:
-  explicit ParamClear(Arguments arguments) {
-    arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
-  }
+  using ItemCommand<Kind, ChangingCommand>::ItemCommand;
 
  private:
-  void Run(Session& session, Output& out) override {
-    const auto item = Kind::Find(session, name_);
+  void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {
     const auto count = static_cast<std::int64_t>(ParameterNames(item).size());
     if (!item->ClearParametersList()) {
       throw Failure(ExitCode::kRefused, "The parameters could not be removed.");
@@ -105,8 +91,6 @@ class ParamClear : public ChangingCommand {
     out.Done({{"name", item->Name()}, {"removed", count}},
              fmt::format("Removed {} parameters of the {} {}.", count, Kind::kWord, item->Name()));
   }
-
-  std::string name_;
 };
 
 template <class Kind>
