@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <system_error>
 
-#include <kvdm/datamanager/component.h>
 #include <kvdm/platform/portable/variant_list.h>
 
 #include "datamanager/kv_data_manager.h"
@@ -112,11 +111,10 @@ HostedComponent::HostedComponent(const Project& project, Output& out)
       state_(std::make_shared<PropertySetMap>(project.state)),
       settings_(std::make_shared<PropertySetMap>(project.settings)),
       host_(std::make_shared<PropertiesHost>(state_, settings_)),
-      manager_(Query<IKVDataManager>(
-          CreateObject(kDataManagerClass, OnFiles(services_.platform, files_)))) {
+      manager_(std::make_shared<KVDataManager>(OnFiles(services_.platform, files_))) {
   working_directory_was_there_ =
       HasFolder(project.drives, ToText(settings_->GetProperty(kWorkingDirectorySetting)));
-  Required(Query<IKVDMInitialize>(manager_)).DMInitialize(host_);
+  manager_->DMInitialize(host_);
   // Only now: a working directory that was missing starts with fresh metadata.
   if (!project.values.empty()) Load(project);
 }
@@ -128,12 +126,12 @@ void HostedComponent::Load(const Project& project) {
                                                     "Its metadata document", ToText(document))
                                   : "Its first value is no metadata document.";
   if (!problem.empty()) throw Failure(ExitCode::kUnreadable, problem);
-  Required(Query<IPersistVariant>(manager_)).Load(std::make_shared<VariantList>(project.values));
+  manager_->Load(std::make_shared<VariantList>(project.values));
 }
 
-AreaRegistry& HostedComponent::RegisteredItems() {
-  return dynamic_cast<KVDataManager&>(*manager_).Areas();
-}
+IKVDataManager& HostedComponent::Manager() { return *manager_; }
+
+AreaRegistry& HostedComponent::RegisteredItems() { return manager_->Areas(); }
 
 void HostedComponent::RequireWorkingDirectory() {
   const std::string folder = Manager().WorkingDirectory();
@@ -189,7 +187,7 @@ void HostedComponent::SetCurrentStudyArea(std::string_view name) {
 
 void HostedComponent::SaveTo(Project& project) {
   const auto stream = std::make_shared<VariantList>();
-  Required(Query<IPersistVariant>(manager_)).Save(stream);
+  manager_->Save(stream);
   if (stream->Values().empty()) {
     throw Failure(ExitCode::kRefused, "The component could not save its metadata.");
   }

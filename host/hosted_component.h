@@ -18,6 +18,7 @@
 namespace kvdm {
 
 class AreaRegistry;
+class KVDataManager;
 
 // Why the component does not take `text` as a document, as a sentence about `what` that names the
 // limit that it is over; "" when it does.
@@ -30,7 +31,7 @@ class HostedComponent {
   // it. Failure kUnreadable for values that it can't load.
   HostedComponent(const Project& project, Output& out);
 
-  [[nodiscard]] IKVDataManager& Manager() { return *manager_; }
+  [[nodiscard]] IKVDataManager& Manager();
   // The data manager's own registry of study areas and layers, of which its interface shows
   // nothing. Its failures are messages.
   [[nodiscard]] AreaRegistry& RegisteredItems();
@@ -70,7 +71,7 @@ class HostedComponent {
   std::shared_ptr<PropertySetMap> state_;
   std::shared_ptr<PropertySetMap> settings_;
   std::shared_ptr<Host> host_;
-  std::shared_ptr<IKVDataManager> manager_;
+  std::shared_ptr<KVDataManager> manager_;
   std::optional<bool> working_directory_was_there_;
 };
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares coverage.md with the public operations and with the program's commands.
+"""Compares coverage.md with the public operations and with the program's commands, and these with the sessions.
 
     check_coverage.py PROGRAM SOURCE_FOLDER
 """
@@ -45,6 +45,14 @@ def row_problem(program, reached_by):
     return next(problems, None)
 
 
+def commands_without_session(program, sessions):
+    """Commands that no session calls."""
+    manual = subprocess.run([program, "generate", "man"], capture_output=True, text=True, check=True).stdout
+    commands = re.findall(r"^\.SS \\fB(kvdm [a-z ]+)\\fR", manual, re.MULTILINE)
+    called = "\n".join(session.read_text() for session in sessions)
+    return [command for command in commands if not re.search(rf"{command}\b", called)], len(commands)
+
+
 def main(program, source):
     source = pathlib.Path(source)
     declared = declared_operations((source / "include/kvdm/datamanager").glob("*.h"))
@@ -52,6 +60,10 @@ def main(program, source):
     problems = []
     if len(declared) < 100:
         problems.append(f"only {len(declared)} operations were found")
+    silent, count = commands_without_session(program, (source / "tests/host").glob("*cases/*.test"))
+    problems += [f"no session calls '{command}'" for command in silent]
+    if count < 50:
+        problems.append(f"only {count} commands were found")
     listed = [operation for operation, _ in rows]
     if sorted(listed) != sorted(declared):
         problems.append(f"not listed: {sorted(set(declared) - set(listed))}")
