@@ -4,11 +4,6 @@ option(KVDM_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
 option(KVDM_SANITIZE "Build with the address, undefined-behaviour and leak sanitizers" OFF)
 option(KVDM_COVERAGE "Build for measuring test coverage" OFF)
 
-# A cache of compilations saves more than precompiled headers do, and can't be used with them.
-if(CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
-endif()
-
 # A caller's mistake in memory is to end the program rather than to lead it elsewhere. MinGW's linker
 # does its part of this by itself, and its headers have no checked copies.
 if(NOT WIN32)

@@ -9,7 +9,7 @@
 namespace kvdm {
 namespace {
 
-constexpr CollectionRules kRules = {
+constexpr CollectionRules kAnalysisRules = {
     .tag = tags::kAnalysis,
     .reports = ReportStyle::kByName,
     .list_failed = messages::kAnalysesList,
@@ -23,7 +23,7 @@ constexpr char kLayerFileName[] = "Analysis.lyr";
 }  // namespace
 
 KVAnalysisCollection::KVAnalysisCollection(std::shared_ptr<GisCore> gis_core)
-    : view_(kRules, std::move(gis_core)) {}
+    : view_(kAnalysisRules, std::move(gis_core)) {}
 
 NameListRef KVAnalysisCollection::AnalysesList() { return view_.List(attributes::kName); }
 
@@ -31,7 +31,7 @@ NameListRef KVAnalysisCollection::AnalysesGUIDsList() { return view_.List(attrib
 
 bool KVAnalysisCollection::CreateAnalysis(std::string_view name) {
   std::string folder;
-  const bool appended = guard::Reported(view_.reporter(), kRules.create_failed, [&] {
+  const bool appended = guard::Reported(view_.reporter(), kAnalysisRules.create_failed, [&] {
     // The test wraps the wrapped name again, so that a name which exists does not stop creation
     // (AnalysisCollectionTest.CreatesASecondAnalysisOfTheSameName).
     if (!view_.node() || AnalysisExists(WrapName(name))) return false;
@@ -64,7 +64,7 @@ bool KVAnalysisCollection::DeleteAnalysisByGUID(std::string_view guid) {
 }
 
 bool KVAnalysisCollection::Delete(const char* attribute, std::string_view key) {
-  return guard::Reported(view_.reporter(), kRules.delete_failed, [&] {
+  return guard::Reported(view_.reporter(), kAnalysisRules.delete_failed, [&] {
     const auto analysis = view_.Remove(attribute, key);
     if (!analysis) return false;
     view_.DeleteFolder(ToText(analysis->GetAttribute(attributes::kDirName)));

@@ -8,7 +8,7 @@
 namespace kvdm {
 namespace {
 
-constexpr CollectionRules kRules = {
+constexpr CollectionRules kDataItemRules = {
     .tag = tags::kDataItem,
     .reports = ReportStyle::kByNameIfBound,
     .list_failed = messages::kDataList,
@@ -22,7 +22,7 @@ constexpr char kFolderName[] = "Data\\";
 }  // namespace
 
 KVDataCollection::KVDataCollection(std::shared_ptr<GisCore> gis_core)
-    : view_(kRules, std::move(gis_core)) {}
+    : view_(kDataItemRules, std::move(gis_core)) {}
 
 std::string KVDataCollection::DataItemsDir() {
   return guard::Reported(view_.reporter(), messages::kDataDir, [&] {
@@ -38,17 +38,18 @@ NameListRef KVDataCollection::DataItemsList() { return List(attributes::kName); 
 NameListRef KVDataCollection::DataItemsGUIDsList() { return List(attributes::kGuid); }
 
 NameListRef KVDataCollection::List(const char* attribute) {
-  return guard::Reported(view_.reporter(), kRules.list_failed, [&]() -> NameListRef {
-    const auto group = Group(kRules.list_failed);
+  return guard::Reported(view_.reporter(), kDataItemRules.list_failed, [&]() -> NameListRef {
+    const auto group = Group(kDataItemRules.list_failed);
     if (!group) return nullptr;
     auto list = std::make_shared<NameList>();
-    for (const auto& item : group->Children(kRules.tag)) list->Add(item->GetAttribute(attribute));
+    for (const auto& item : group->Children(kDataItemRules.tag))
+      list->Add(item->GetAttribute(attribute));
     return list;
   });
 }
 
 bool KVDataCollection::CreateDataItem(std::string_view name) {
-  return guard::Reported(view_.reporter(), kRules.create_failed, [&] {
+  return guard::Reported(view_.reporter(), kDataItemRules.create_failed, [&] {
     if (!view_.node() || view_.Find(attributes::kName, name)) return false;
     const auto item = view_.NewItem(name);
     const auto file = UniqueFileName(*view_.services().files, DataItemsDir(), name);
@@ -69,9 +70,9 @@ bool KVDataCollection::DeleteDataItemByGUID(std::string_view guid) {
 }
 
 bool KVDataCollection::Delete(const char* attribute, std::string_view key) {
-  return guard::Reported(view_.reporter(), kRules.delete_failed, [&] {
-    const auto group = Group(kRules.delete_failed);
-    const auto item = group ? group->Child(kRules.tag, attribute, key) : nullptr;
+  return guard::Reported(view_.reporter(), kDataItemRules.delete_failed, [&] {
+    const auto group = Group(kDataItemRules.delete_failed);
+    const auto item = group ? group->Child(kDataItemRules.tag, attribute, key) : nullptr;
     if (!item) return false;
     group->Remove(item);
     if (view_.data_manager()) view_.data_manager()->Flush();
@@ -87,9 +88,10 @@ std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItem(std::string_view name
 
 std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItemByGUID(std::string_view guid) {
   return guard::Reported(
-      view_.reporter(), kRules.get_failed, [&]() -> std::shared_ptr<IKVDataItem> {
-        const auto group = Group(kRules.get_failed);
-        const auto item = group ? group->Child(kRules.tag, attributes::kGuid, guid) : nullptr;
+      view_.reporter(), kDataItemRules.get_failed, [&]() -> std::shared_ptr<IKVDataItem> {
+        const auto group = Group(kDataItemRules.get_failed);
+        const auto item =
+            group ? group->Child(kDataItemRules.tag, attributes::kGuid, guid) : nullptr;
         return item ? View(item) : nullptr;
       });
 }

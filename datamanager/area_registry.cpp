@@ -66,7 +66,7 @@ struct AreaRules {
   const char* child = nullptr;
 };
 
-constexpr AreaRules kStudyAreaRules = {
+constexpr AreaRules kAreas = {
     .collection = tags::kStudyAreaCollection,
     .collection_missing = "No Study Area Collection found in XML",
     .items = {.tag = tags::kStudyArea, .reports = ReportStyle::kShown},
@@ -79,7 +79,7 @@ constexpr AreaRules kStudyAreaRules = {
     .unlisted = kUnlistedStudyArea,
 };
 
-constexpr AreaRules kCustLayerRules = {
+constexpr AreaRules kCustomers = {
     .collection = tags::kCustomerCollection,
     .collection_missing = "No Customer Collection found in XML",
     .items = {.tag = tags::kCustLayer, .reports = ReportStyle::kShown},
@@ -94,7 +94,7 @@ constexpr AreaRules kCustLayerRules = {
     .child = tags::kLinkField,
 };
 
-constexpr AreaRules kStoreLayerRules = {
+constexpr AreaRules kStores = {
     .collection = tags::kStoreCollection,
     .collection_missing = "No Store Collection found in XML",
     .items = {.tag = tags::kStoreLayer, .reports = ReportStyle::kShown},
@@ -194,15 +194,15 @@ std::shared_ptr<Item> AreaRegistry::Get(const AreaRules& rules, const char* attr
 
 // Study areas.
 
-NameListRef AreaRegistry::StudyAreaNames() { return Names(kStudyAreaRules); }
+NameListRef AreaRegistry::StudyAreaNames() { return Names(kAreas); }
 
-NameListRef AreaRegistry::StudyAreaGUIDs() { return GUIDs(kStudyAreaRules); }
+NameListRef AreaRegistry::StudyAreaGUIDs() { return GUIDs(kAreas); }
 
 bool AreaRegistry::CreateStudyArea(std::string_view name) {
-  return Reported(kStudyAreaRules.create, [&] {
+  return Reported(kAreas.create, [&] {
     if (StudyAreaExists(name)) return false;
     const auto folder_name = CreateStudyAreaFolders();
-    const auto collection = Collection(kStudyAreaRules);
+    const auto collection = Collection(kAreas);
     const auto study_area = collection.NewItem(WrapName(name));
     study_area->SetAttribute(attributes::kDirName, folder_name);
     study_area->SetAttribute(attributes::kShapeFile, kStudyAreaFile);
@@ -241,8 +241,8 @@ bool AreaRegistry::DeleteStudyAreaByGUID(std::string_view guid) {
 // (AreaRegistryTest.DeletingLeavesAFolderThatHoldsFolders). An empty name is no folder's,
 // and without a working directory the path would lead to the root of the current drive.
 bool AreaRegistry::DeleteStudyArea(const char* attribute, std::string_view key) {
-  return Reported(kStudyAreaRules.remove, [&] {
-    const auto study_area = Collection(kStudyAreaRules).Remove(attribute, key);
+  return Reported(kAreas.remove, [&] {
+    const auto study_area = Collection(kAreas).Remove(attribute, key);
     if (!study_area) return false;
     const auto folder_name = ToText(study_area->GetAttribute(attributes::kDirName));
     if (!folder_name.empty() && !workspace_.directory.empty()) {
@@ -255,19 +255,17 @@ bool AreaRegistry::DeleteStudyArea(const char* attribute, std::string_view key) 
 }
 
 std::shared_ptr<IKVStudyArea> AreaRegistry::GetStudyArea(std::string_view name) {
-  return Get<KVStudyArea>(kStudyAreaRules, attributes::kName, WrapName(name));
+  return Get<KVStudyArea>(kAreas, attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVStudyArea> AreaRegistry::GetStudyAreaByGUID(std::string_view guid) {
-  return Get<KVStudyArea>(kStudyAreaRules, attributes::kGuid, guid);
+  return Get<KVStudyArea>(kAreas, attributes::kGuid, guid);
 }
 
-bool AreaRegistry::StudyAreaExists(std::string_view name) {
-  return ExistsByName(kStudyAreaRules, name);
-}
+bool AreaRegistry::StudyAreaExists(std::string_view name) { return ExistsByName(kAreas, name); }
 
 bool AreaRegistry::StudyAreaExistsByGUID(std::string_view guid) {
-  return ExistsByGUID(kStudyAreaRules, guid);
+  return ExistsByGUID(kAreas, guid);
 }
 
 // Layers.
@@ -302,72 +300,68 @@ bool AreaRegistry::UnregisterLayer(const AreaRules& rules, const char* attribute
   });
 }
 
-std::string AreaRegistry::CustomersDir() const { return LayersDir(kCustLayerRules); }
+std::string AreaRegistry::CustomersDir() const { return LayersDir(kCustomers); }
 
-NameListRef AreaRegistry::CustLayerNames() { return Names(kCustLayerRules); }
+NameListRef AreaRegistry::CustLayerNames() { return Names(kCustomers); }
 
-NameListRef AreaRegistry::CustLayerGUIDs() { return GUIDs(kCustLayerRules); }
+NameListRef AreaRegistry::CustLayerGUIDs() { return GUIDs(kCustomers); }
 
 bool AreaRegistry::RegisterCustLayer(std::string_view name) {
-  return RegisterLayer(kCustLayerRules, name);
+  return RegisterLayer(kCustomers, name);
 }
 
 bool AreaRegistry::UnregisterCustLayer(std::string_view name) {
-  return UnregisterLayer(kCustLayerRules, attributes::kName, WrapName(name));
+  return UnregisterLayer(kCustomers, attributes::kName, WrapName(name));
 }
 
 bool AreaRegistry::UnregisterCustLayerByGUID(std::string_view guid) {
-  return UnregisterLayer(kCustLayerRules, attributes::kGuid, guid);
+  return UnregisterLayer(kCustomers, attributes::kGuid, guid);
 }
 
 std::shared_ptr<IKVCustLayer> AreaRegistry::GetCustLayer(std::string_view name) {
-  return Get<KVCustLayer>(kCustLayerRules, attributes::kName, WrapName(name));
+  return Get<KVCustLayer>(kCustomers, attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVCustLayer> AreaRegistry::GetCustLayerByGUID(std::string_view guid) {
-  return Get<KVCustLayer>(kCustLayerRules, attributes::kGuid, guid);
+  return Get<KVCustLayer>(kCustomers, attributes::kGuid, guid);
 }
 
-bool AreaRegistry::CustLayerExists(std::string_view name) {
-  return ExistsByName(kCustLayerRules, name);
-}
+bool AreaRegistry::CustLayerExists(std::string_view name) { return ExistsByName(kCustomers, name); }
 
 bool AreaRegistry::CustLayerExistsByGUID(std::string_view guid) {
-  return ExistsByGUID(kCustLayerRules, guid);
+  return ExistsByGUID(kCustomers, guid);
 }
 
-std::string AreaRegistry::StoresDir() const { return LayersDir(kStoreLayerRules); }
+std::string AreaRegistry::StoresDir() const { return LayersDir(kStores); }
 
-NameListRef AreaRegistry::StoreLayerNames() { return Names(kStoreLayerRules); }
+NameListRef AreaRegistry::StoreLayerNames() { return Names(kStores); }
 
-NameListRef AreaRegistry::StoreLayerGUIDs() { return GUIDs(kStoreLayerRules); }
+NameListRef AreaRegistry::StoreLayerGUIDs() { return GUIDs(kStores); }
 
 bool AreaRegistry::RegisterStoreLayer(std::string_view name) {
-  return RegisterLayer(kStoreLayerRules, name);
+  return RegisterLayer(kStores, name);
 }
 
 bool AreaRegistry::UnregisterStoreLayer(std::string_view name) {
-  return UnregisterLayer(kStoreLayerRules, attributes::kName, WrapName(name));
+  return UnregisterLayer(kStores, attributes::kName, WrapName(name));
 }
 
 bool AreaRegistry::UnregisterStoreLayerByGUID(std::string_view guid) {
-  return UnregisterLayer(kStoreLayerRules, attributes::kGuid, guid);
+  return UnregisterLayer(kStores, attributes::kGuid, guid);
 }
 
 std::shared_ptr<IKVStoreLayer> AreaRegistry::GetStoreLayer(std::string_view name) {
-  return Get<KVStoreLayer>(kStoreLayerRules, attributes::kName, WrapName(name));
+  return Get<KVStoreLayer>(kStores, attributes::kName, WrapName(name));
 }
 
 std::shared_ptr<IKVStoreLayer> AreaRegistry::GetStoreLayerByGUID(std::string_view guid) {
-  return Get<KVStoreLayer>(kStoreLayerRules, attributes::kGuid, guid);
+  return Get<KVStoreLayer>(kStores, attributes::kGuid, guid);
 }
 
-bool AreaRegistry::StoreLayerExists(std::string_view name) {
-  return ExistsByName(kStoreLayerRules, name);
-}
+bool AreaRegistry::StoreLayerExists(std::string_view name) { return ExistsByName(kStores, name); }
 
 bool AreaRegistry::StoreLayerExistsByGUID(std::string_view guid) {
-  return ExistsByGUID(kStoreLayerRules, guid);
+  return ExistsByGUID(kStores, guid);
 }
 
 // Aliases.

@@ -14,7 +14,6 @@
 #include "studyarea/kv_file_info.h"
 #include "studyarea/kv_study_area.h"
 #include "studyarea/kv_study_area_collection.h"
-#include "studyarea/kv_tables_manager.h"
 
 namespace kvdm {
 namespace {

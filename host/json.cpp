@@ -5,10 +5,6 @@
 namespace kvdm {
 namespace {
 
-[[noreturn]] void Unreadable(const std::string& sentence) {
-  throw Failure(ExitCode::kUnreadable, sentence);
-}
-
 bool WithinDepth(int depth, Json::parse_event_t event, const Json& /*parsed*/) {
   const bool starts =
       event == Json::parse_event_t::array_start || event == Json::parse_event_t::object_start;
@@ -20,6 +16,8 @@ bool WithinDepth(int depth, Json::parse_event_t event, const Json& /*parsed*/) {
 }
 
 }  // namespace
+
+void Unreadable(const std::string& sentence) { throw Failure(ExitCode::kUnreadable, sentence); }
 
 Json ParseJson(std::string_view text) {
   try {

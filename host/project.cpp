@@ -14,10 +14,6 @@ namespace {
 
 constexpr char kFormat[] = "kvdm project";
 
-[[noreturn]] void Unreadable(const std::string& sentence) {
-  throw Failure(ExitCode::kUnreadable, sentence);
-}
-
 std::string Checksum(Json document) {
   document["checksum"] = "";
   const std::string text = document.dump(2);

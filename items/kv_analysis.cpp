@@ -7,7 +7,7 @@
 namespace kvdm {
 namespace {
 
-constexpr ItemReports kReports = {ReportStyle::kByName, messages::kSetParameter};
+constexpr ItemReports kAnalysisReports = {ReportStyle::kByName, messages::kSetParameter};
 constexpr LayerEditMessages kLayerEditMessages = {messages::kAnalysisLayerFile,
                                                   messages::kAnalysisGuid};
 
@@ -18,7 +18,7 @@ constexpr char kCommentsEntry[] = "Comments";
 }  // namespace
 
 KVAnalysis::KVAnalysis(std::shared_ptr<GisCore> gis_core)
-    : ParameterizedItem(kReports),
+    : ParameterizedItem(kAnalysisReports),
       gis_core_(std::move(gis_core)),
       layer_edit_(*this, view(), kLayerEditMessages) {}
 

@@ -5,11 +5,11 @@
 namespace kvdm {
 namespace {
 
-constexpr ItemReports kReports = {ReportStyle::kByName, messages::kSetDataItemParameter};
+constexpr ItemReports kDataItemReports = {ReportStyle::kByName, messages::kSetDataItemParameter};
 
 }  // namespace
 
-KVDataItem::KVDataItem() : ParameterizedItem(kReports) {}
+KVDataItem::KVDataItem() : ParameterizedItem(kDataItemReports) {}
 
 std::string KVDataItem::Name() { return view().TextOrNothing(attributes::kName); }
 

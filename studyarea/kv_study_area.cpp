@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "collections/collection_view.h"
 #include "items/metadata_exchange.h"
 #include "util/guard.h"
 #include "util/kvdm_utils.h"
@@ -14,8 +15,8 @@ namespace {
 constexpr LayerEditMessages kLayerEditMessages = {messages::kSetStudyAreaLayerFile,
                                                   messages::kSetStudyAreaGuid};
 
-constexpr char kTableBaseName[] = "Table";
 constexpr char kComponentName[] = "KVDM";
+constexpr char kTableBaseName[] = "Table";
 constexpr char kMissingPropertiesText[] = "102";
 
 // The properties that travel with the layer's metadata.
@@ -177,6 +178,24 @@ void KVStudyArea::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata)
       document.PutValue(path, GetProperty(property));
     }
   });
+}
+
+std::string KVTablesManager::TablesDir() {
+  return guard::Passed([&] {
+    return data_manager_ ? CurrentFolder(*data_manager_) + sDefaultDirNames::kTables
+                         : std::string();
+  });
+}
+
+// The folder is looked up afresh at each step.
+std::string KVTablesManager::FreeTablePath() {
+  return guard::Reported(Reporter{ReportStyle::kByName, data_manager_.get()},
+                         messages::kFreeTablePath, [&] {
+                           auto& files = *Required(data_manager_).Services().files;
+                           CreateFolderPath(files, TablesDir());
+                           const auto name = UniqueFileName(files, TablesDir(), kTableBaseName);
+                           return CollapseBackslashes(TablesDir() + "\\" + name);
+                         });
 }
 
 }  // namespace kvdm

@@ -1,4 +1,4 @@
-// One study area, over its STUDYAREA element in the catalogue.
+// One study area, over its STUDYAREA element in the catalogue, and the tables of the current one.
 #pragma once
 
 #include <kvdm/datamanager/layers.h>
@@ -63,6 +63,19 @@ class KVStudyArea final : public IKVPropertySet,
   std::shared_ptr<GisCore> gis_core_;
   ElementView view_;
   LayerEdit layer_edit_;
+};
+
+// Where the tables of the current study area live.
+class KVTablesManager final : public IKVTablesManager {
+ public:
+  std::string TablesDir() override;
+  std::string FreeTablePath() override;
+
+  // Bound by the data manager right after creation.
+  void SetDataManager(DataManagerRef data_manager) { data_manager_ = std::move(data_manager); }
+
+ private:
+  DataManagerRef data_manager_;
 };
 
 }  // namespace kvdm

@@ -9,7 +9,7 @@
 namespace kvdm {
 namespace {
 
-constexpr CollectionRules kRules = {
+constexpr CollectionRules kStudyAreaRules = {
     .tag = tags::kStudyArea,
     .reports = ReportStyle::kByName,
     .list_failed = messages::kStudyAreasList,
@@ -23,7 +23,7 @@ constexpr char kLayerFileName[] = "StudyArea.lyr";
 }  // namespace
 
 KVStudyAreaCollection::KVStudyAreaCollection(std::shared_ptr<GisCore> gis_core)
-    : view_(kRules, std::move(gis_core)) {}
+    : view_(kStudyAreaRules, std::move(gis_core)) {}
 
 NameListRef KVStudyAreaCollection::StudyAreasList() {
   const auto all = view_.List(attributes::kName);
@@ -39,7 +39,7 @@ NameListRef KVStudyAreaCollection::StudyAreasGUIDsList() { return view_.List(att
 
 bool KVStudyAreaCollection::CreateStudyArea(std::string_view name) {
   std::string folder_name;
-  const bool appended = guard::Reported(view_.reporter(), kRules.create_failed, [&] {
+  const bool appended = guard::Reported(view_.reporter(), kStudyAreaRules.create_failed, [&] {
     if (!view_.node() || StudyAreaExists(name)) return false;
     folder_name = AppendStudyArea(name);
     return true;
@@ -75,7 +75,7 @@ std::string KVStudyAreaCollection::StudyAreasFolder() const {
 }
 
 bool KVStudyAreaCollection::DeleteStudyArea(std::string_view name) {
-  return guard::Reported(view_.reporter(), kRules.delete_failed, [&] {
+  return guard::Reported(view_.reporter(), kStudyAreaRules.delete_failed, [&] {
     if (view_.Unbound()) return false;
     CloseIfCurrent(name);
     return Delete(attributes::kName, WrapName(name), false);
@@ -83,7 +83,7 @@ bool KVStudyAreaCollection::DeleteStudyArea(std::string_view name) {
 }
 
 bool KVStudyAreaCollection::DeleteStudyAreaByGUID(std::string_view guid) {
-  return guard::Reported(view_.reporter(), kRules.delete_failed,
+  return guard::Reported(view_.reporter(), kStudyAreaRules.delete_failed,
                          [&] { return Delete(attributes::kGuid, guid, true); });
 }
 

@@ -1,4 +1,5 @@
-// An update that keeps what is stored, and replaces it.
+// What tests of registries share: the root they use, and an update that keeps what is stored and
+// replaces it.
 #pragma once
 
 #include <optional>
@@ -9,6 +10,8 @@
 #include <kvdm/platform/registry.h>
 
 namespace kvdm {
+
+inline constexpr auto kMachine = RegistryRoot::kLocalMachine;
 
 class Replacing final : public TextUpdate {
  public:

@@ -30,7 +30,7 @@ Json ToJson(NamedValueSet& set) {
   return object;
 }
 
-[[noreturn]] void Unreadable(const std::string& file, std::string_view sentence) {
+[[noreturn]] void CannotTakeOver(const std::string& file, std::string_view sentence) {
   throw Failure(ExitCode::kUnreadable, fmt::format("{} can't be taken over. {}", file, sentence));
 }
 
@@ -38,26 +38,26 @@ Json ReadJson(const std::string& file) {
   try {
     return ParseJson(os::ReadBytes(os::ToPath(file), xml::kMaxDocumentBytes));
   } catch (const Failure& failure) {
-    Unreadable(file, failure.what());
+    CannotTakeOver(file, failure.what());
   } catch (const std::system_error& error) {
     const bool missing = error.code() == std::errc::no_such_file_or_directory;
-    if (!missing) Unreadable(file, fmt::format("The system says: {}.", error.code().message()));
+    if (!missing) CannotTakeOver(file, fmt::format("The system says: {}.", error.code().message()));
     throw Failure(ExitCode::kNotFound, fmt::format("There is no file {}.", file));
   }
 }
 
 std::shared_ptr<ValueSet> ToSet(const Json& object, const std::string& file) {
-  if (!object.is_object()) Unreadable(file, "It is not a JSON object of names and texts.");
+  if (!object.is_object()) CannotTakeOver(file, "It is not a JSON object of names and texts.");
   auto set = std::make_shared<ValueSet>();
   for (const auto& [name, value] : object.items()) {
     const std::string what = fmt::format("The value of \"{}\"", name);
-    if (!value.is_string()) Unreadable(file, what + " is no text.");
+    if (!value.is_string()) CannotTakeOver(file, what + " is no text.");
     const auto text = value.get<std::string>();
     try {
       (name == "Name" ? RequireKey : RequireStorable)(what, text);
       RequireKey(fmt::format("The name \"{}\"", name), name);
     } catch (const Failure& failure) {
-      Unreadable(file, failure.what());
+      CannotTakeOver(file, failure.what());
     }
     set->PutValue(name, text);
   }

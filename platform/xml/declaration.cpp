@@ -2,10 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/xml/xml_text.h"
+
 namespace kvdm {
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\r\n";
+using xml::Skip;
+using xml::SkipWhiteSpace;
 
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
@@ -26,18 +29,6 @@ bool IsEncoding(std::string_view text) {
 }
 
 bool IsYesOrNo(std::string_view text) { return text == "yes" || text == "no"; }
-
-bool Skip(std::string_view expected, std::string_view& rest) {
-  if (!rest.starts_with(expected)) return false;
-  rest.remove_prefix(expected.size());
-  return true;
-}
-
-bool SkipWhiteSpace(std::string_view& rest) {
-  const auto size = std::min(rest.size(), rest.find_first_not_of(kWhiteSpace));
-  rest.remove_prefix(size);
-  return size > 0;
-}
 
 // Takes a quoted value off `rest`.
 std::optional<std::string_view> TakeQuoted(std::string_view& rest) {

@@ -14,7 +14,9 @@
 namespace kvdm {
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\n";
+using xml::Skip;
+using xml::SkipWhiteSpace;
+
 constexpr auto kNowhere = std::string_view::npos;
 
 // Takes what comes before `end`, and `end`, off `rest`.
@@ -31,16 +33,6 @@ std::string_view TakeBefore(std::string_view ends, std::string_view& rest) {
   const std::string_view taken = rest.substr(0, rest.find_first_of(ends));
   rest.remove_prefix(taken.size());
   return taken;
-}
-
-bool Skip(std::string_view expected, std::string_view& rest) {
-  if (!rest.starts_with(expected)) return false;
-  rest.remove_prefix(expected.size());
-  return true;
-}
-
-void SkipWhiteSpace(std::string_view& rest) {
-  rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of(kWhiteSpace)));
 }
 
 // The character with this number, as digits of `base`.
@@ -153,7 +145,7 @@ class PieceReader {
   bool ReadInstruction() {
     auto data = TakeUntil("?>", rest_);
     if (!data) return false;
-    const std::string_view target = TakeBefore(kWhiteSpace, *data);
+    const std::string_view target = TakeBefore(xml::kWhiteSpace, *data);
     SkipWhiteSpace(*data);
     return target == "xml" || handler_.Instruction(target, *data);
   }

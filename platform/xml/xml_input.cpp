@@ -4,6 +4,7 @@
 #include "platform/xml/attribute_scan.h"
 #include "platform/xml/declaration.h"
 #include "platform/xml/limits.h"
+#include "platform/xml/xml_text.h"
 
 namespace kvdm {
 namespace {
@@ -19,9 +20,8 @@ std::string_view WithoutByteOrderMark(std::string_view text) {
 // wants white space between its parts.
 bool StartsWell(std::string_view text) {
   constexpr std::string_view kStart = "<?xml";
-  constexpr std::string_view kWhiteSpace = " \t\r\n";
   const bool is_declared = text.starts_with(kStart) && text.size() > kStart.size() &&
-                           kWhiteSpace.find(text[kStart.size()]) != kWhiteSpace.npos;
+                           xml::kWhiteSpace.find(text[kStart.size()]) != xml::kWhiteSpace.npos;
   return !is_declared || DeclarationOf(text);
 }
 

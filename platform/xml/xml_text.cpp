@@ -87,4 +87,16 @@ std::string_view PrefixOf(std::string_view name) {
   return colon == std::string_view::npos ? std::string_view() : name.substr(0, colon);
 }
 
+bool Skip(std::string_view expected, std::string_view& rest) {
+  if (!rest.starts_with(expected)) return false;
+  rest.remove_prefix(expected.size());
+  return true;
+}
+
+bool SkipWhiteSpace(std::string_view& rest) {
+  const auto size = std::min(rest.size(), rest.find_first_not_of(kWhiteSpace));
+  rest.remove_prefix(size);
+  return size > 0;
+}
+
 }  // namespace kvdm::xml

@@ -1,4 +1,4 @@
-// Which texts and names XML can hold.
+// Which texts and names XML can hold, and steps through a text.
 #pragma once
 
 #include <string>
@@ -29,5 +29,13 @@ std::string SanitizedValue(std::string_view text);
 
 // The part of a name before its colon; "" without one.
 [[nodiscard]] std::string_view PrefixOf(std::string_view name);
+
+inline constexpr std::string_view kWhiteSpace = " \t\r\n";
+
+// Takes `expected` off the start of `rest`; false when that starts otherwise.
+bool Skip(std::string_view expected, std::string_view& rest);
+
+// Takes white space off the start of `rest`; false when there is none.
+bool SkipWhiteSpace(std::string_view& rest);
 
 }  // namespace kvdm::xml

@@ -12,13 +12,13 @@ namespace {
 
 using testing::IsEmpty;
 
-struct Row {
+struct AccessorRow {
   const char* element;
   const char* message;
   std::function<std::shared_ptr<Unknown>(IKVDataManager&)> get;
 };
 
-std::vector<Row> MetadataCollections() {
+std::vector<AccessorRow> MetadataCollections() {
   return {{"ANALYSISCOLLECTION", "Cannot get analysis collection from metadata",
            [](IKVDataManager& manager) { return manager.AnalysisCollection(); }},
           {"STORELAYERCOLLECTION", "Cannot get Store Layer Collection from metadata",
@@ -30,7 +30,7 @@ std::vector<Row> MetadataCollections() {
 }
 
 TEST(AccessorsConformance, AppendAMissingCollectionElement) {
-  for (const Row& row : MetadataCollections()) {
+  for (const AccessorRow& row : MetadataCollections()) {
     OpenWorld world;
     world.Load("<OTHER/>");
     EXPECT_NE(row.get(*world.Manager()), nullptr);
@@ -40,7 +40,7 @@ TEST(AccessorsConformance, AppendAMissingCollectionElement) {
 }
 
 TEST(AccessorsConformance, LeaveAnExistingCollectionElement) {
-  for (const Row& row : MetadataCollections()) {
+  for (const AccessorRow& row : MetadataCollections()) {
     OpenWorld world;
     const std::string before = world.SavedText();
     EXPECT_NE(row.get(*world.Manager()), nullptr);
@@ -49,7 +49,7 @@ TEST(AccessorsConformance, LeaveAnExistingCollectionElement) {
 }
 
 TEST(AccessorsConformance, DoNotFindAnElementDeeperInTheTree) {
-  for (const Row& row : MetadataCollections()) {
+  for (const AccessorRow& row : MetadataCollections()) {
     OpenWorld world;
     const std::string element = "<" + std::string(row.element) + "/>";
     world.Load("<GROUP>" + element + "</GROUP>");
@@ -59,14 +59,14 @@ TEST(AccessorsConformance, DoNotFindAnElementDeeperInTheTree) {
 }
 
 TEST(AccessorsConformance, GiveANewObjectEachTime) {
-  for (const Row& row : MetadataCollections()) {
+  for (const AccessorRow& row : MetadataCollections()) {
     OpenWorld world;
     EXPECT_NE(row.get(*world.Manager()), row.get(*world.Manager())) << row.element;
   }
 }
 
 TEST(AccessorsConformance, ReportAMissingDocument) {
-  for (const Row& row : MetadataCollections()) {
+  for (const AccessorRow& row : MetadataCollections()) {
     OpenWorld world;
     world.LoadText("no xml");
     EXPECT_EQ(row.get(*world.Manager()), nullptr);
@@ -99,7 +99,7 @@ TEST(AccessorsConformance, StudyAreasComeFromTheCatalogueWhateverItsRoot) {
 }
 
 TEST(AccessorsConformance, DoNotFlush) {
-  for (const Row& row : MetadataCollections()) {
+  for (const AccessorRow& row : MetadataCollections()) {
     OpenWorld world;
     world.Load("");
     EXPECT_FALSE(Saves(world, [&] { row.get(*world.Manager()); })) << row.element;

@@ -11,8 +11,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kNorth[] = R"(<STUDYAREA NAME="_North_" DIRNAME="D:\Areas\North\"/>)";
-constexpr char kCreateFailed[] = "Kelvaro Data Manager: Couldn't create Analysis";
-constexpr char kDeleteFailed[] = "Couldn't delete Analysis";
+constexpr char kAnalysisCreateFailed[] = "Kelvaro Data Manager: Couldn't create Analysis";
+constexpr char kAnalysisDeleteFailed[] = "Couldn't delete Analysis";
 
 using AnalysesWorld = FamilyWorld<AnalysisFamily>;
 
@@ -123,7 +123,7 @@ TEST(CreateAnalysisConformance, NeedsAHostWithAState) {
   null_name.SetState("Study Area Name", Null{});
   for (World* world : std::vector<World*>{&without_host, &without_state, &null_name}) {
     EXPECT_EQ(OutcomeOf([&] { Analyses(*world)->CreateAnalysis("A"); }),
-              FailsToReport(kCreateFailed));
+              FailsToReport(kAnalysisCreateFailed));
     EXPECT_THAT(TextsOf(Analyses(*world)->AnalysesList()), IsEmpty());
     EXPECT_FALSE(world->FolderExists(R"(D:\Data\Analyses)"));
     EXPECT_THAT(world->Messages(), IsEmpty());
@@ -133,7 +133,8 @@ TEST(CreateAnalysisConformance, NeedsAHostWithAState) {
 TEST(CreateAnalysisConformance, NeedsAStudyAreaNameThatCanBeLookedUp) {
   OpenWorld world;
   world.SetState("Study Area Name", "a\"b");
-  EXPECT_EQ(OutcomeOf([&] { Analyses(world)->CreateAnalysis("A"); }), FailsToReport(kCreateFailed));
+  EXPECT_EQ(OutcomeOf([&] { Analyses(world)->CreateAnalysis("A"); }),
+            FailsToReport(kAnalysisCreateFailed));
   EXPECT_THAT(TextsOf(Analyses(world)->AnalysesList()), IsEmpty());
 }
 
@@ -147,7 +148,8 @@ TEST(CreateAnalysisConformance, ReadsTheCurrentStateAndNotTheSettings) {
 TEST(CreateAnalysisConformance, GivesUpAfter32767Folders) {
   OpenWorld world;
   world.Fill(R"(D:\Data\Analyses\)");
-  EXPECT_EQ(OutcomeOf([&] { Analyses(world)->CreateAnalysis("N"); }), FailsToReport(kCreateFailed));
+  EXPECT_EQ(OutcomeOf([&] { Analyses(world)->CreateAnalysis("N"); }),
+            FailsToReport(kAnalysisCreateFailed));
   EXPECT_THAT(TextsOf(Analyses(world)->AnalysesList()), IsEmpty());
 }
 
@@ -187,9 +189,10 @@ TEST(DeleteAnalysisConformance, SucceedsWhenTheFolderStays) {
 
 TEST(DeleteAnalysisConformance, WithoutDirNameFailsAfterTheElementIsGone) {
   AnalysesWorld world(R"(<ANALYSIS NAME="_A_" GUID="{1}"/><ANALYSIS NAME="_B_" GUID="{2}"/>)");
-  EXPECT_EQ(OutcomeOf([&] { Analyses(world)->DeleteAnalysis("A"); }), FailsToReport(kDeleteFailed));
+  EXPECT_EQ(OutcomeOf([&] { Analyses(world)->DeleteAnalysis("A"); }),
+            FailsToReport(kAnalysisDeleteFailed));
   EXPECT_EQ(OutcomeOf([&] { Analyses(world)->DeleteAnalysisByGUID("{2}"); }),
-            FailsToReport(kDeleteFailed));
+            FailsToReport(kAnalysisDeleteFailed));
   EXPECT_THAT(TextsOf(Analyses(world)->AnalysesList()), IsEmpty());
 }
 

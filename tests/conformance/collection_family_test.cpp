@@ -18,8 +18,7 @@ class CollectionFamilyConformance : public testing::Test {
   }
 };
 
-using Families = testing::Types<AnalysisFamily, StoreLayerFamily, CustLayerFamily>;
-TYPED_TEST_SUITE(CollectionFamilyConformance, Families);
+TYPED_TEST_SUITE(CollectionFamilyConformance, ItemFamilies);
 
 TYPED_TEST(CollectionFamilyConformance, UnboundAnswersNeutrally) {
   World world;

@@ -10,10 +10,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr char kListFailed[] = "Couldn't get Data List for the study area";
-constexpr char kGetFailed[] = "Couldn't get Data item shape file";
-constexpr char kCreateFailed[] = "Couldn't Create Data";
-constexpr char kDeleteFailed[] = "Couldn't Delete Data";
+constexpr char kDataListFailed[] = "Couldn't get Data List for the study area";
+constexpr char kDataGetFailed[] = "Couldn't get Data item shape file";
+constexpr char kDataCreateFailed[] = "Couldn't Create Data";
+constexpr char kDataDeleteFailed[] = "Couldn't Delete Data";
 
 using DataWorld = FamilyWorld<DataItemFamily>;
 
@@ -76,11 +76,12 @@ TEST(DataCollectionConformance, ListsNothingOfAnEmptyGroup) {
 TEST(DataCollectionConformance, CannotReportAMissingGroup) {
   DataWorld world(R"(<DATAITEM NAME="A" GUID="{1}"/>)");
   const auto items = Items(world);
-  EXPECT_EQ(OutcomeOf([&] { items->DataItemsList(); }), FailsToReport(kListFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->DataItemsGUIDsList(); }), FailsToReport(kListFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->GetDataItemByGUID("{1}"); }), FailsToReport(kGetFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItem("A"); }), FailsToReport(kDeleteFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItemByGUID("{1}"); }), FailsToReport(kDeleteFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->DataItemsList(); }), FailsToReport(kDataListFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->DataItemsGUIDsList(); }), FailsToReport(kDataListFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->GetDataItemByGUID("{1}"); }), FailsToReport(kDataGetFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItem("A"); }), FailsToReport(kDataDeleteFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItemByGUID("{1}"); }),
+            FailsToReport(kDataDeleteFailed));
   EXPECT_THAT(world.Messages(), IsEmpty());
   EXPECT_EQ(world.Metadata(), DataWorld::Inside(R"(<DATAITEM NAME="A" GUID="{1}"/>)"));
 }
@@ -114,11 +115,12 @@ TEST(DataCollectionConformance, FailsOnADoubleQuote) {
   const auto items = Items(world);
   EXPECT_EQ(OutcomeOf([&] { items->DataItemExists("a\"b"); }), Fails(-2147467259));
   EXPECT_EQ(OutcomeOf([&] { items->DataItemExistsByGUID("a\"b"); }), Fails(-2147467259));
-  EXPECT_EQ(OutcomeOf([&] { items->GetDataItem("a\"b"); }), FailsToReport(kGetFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->GetDataItemByGUID("a\"b"); }), FailsToReport(kGetFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->CreateDataItem("a\"b"); }), FailsToReport(kCreateFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItem("a\"b"); }), FailsToReport(kDeleteFailed));
-  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItemByGUID("a\"b"); }), FailsToReport(kDeleteFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->GetDataItem("a\"b"); }), FailsToReport(kDataGetFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->GetDataItemByGUID("a\"b"); }), FailsToReport(kDataGetFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->CreateDataItem("a\"b"); }), FailsToReport(kDataCreateFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItem("a\"b"); }), FailsToReport(kDataDeleteFailed));
+  EXPECT_EQ(OutcomeOf([&] { items->DeleteDataItemByGUID("a\"b"); }),
+            FailsToReport(kDataDeleteFailed));
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
@@ -166,7 +168,8 @@ TEST(CreateDataItemConformance, CannotReportThatTheFolderCannotBeMade) {
   DataWorld world("");
   world.LockFolder(R"(D:\Data)");
   EXPECT_FALSE(Saves(world, [&] {
-    EXPECT_EQ(OutcomeOf([&] { Items(world)->CreateDataItem("A"); }), FailsToReport(kCreateFailed));
+    EXPECT_EQ(OutcomeOf([&] { Items(world)->CreateDataItem("A"); }),
+              FailsToReport(kDataCreateFailed));
   }));
   EXPECT_EQ(world.Metadata(), DataWorld::Inside(""));
   EXPECT_THAT(world.Messages(), IsEmpty());
@@ -177,9 +180,9 @@ TEST(CreateDataItemConformance, MakesAnItemThatTheOtherOperationsDoNotFind) {
   Items(world)->CreateDataItem("Streets");
   EXPECT_FALSE(Items(world)->DataItemExists("Streets"));
   EXPECT_TRUE(Items(world)->DataItemExistsByGUID(Guid(1)));
-  EXPECT_EQ(OutcomeOf([&] { Items(world)->DataItemsList(); }), FailsToReport(kListFailed));
+  EXPECT_EQ(OutcomeOf([&] { Items(world)->DataItemsList(); }), FailsToReport(kDataListFailed));
   EXPECT_EQ(OutcomeOf([&] { Items(world)->DeleteDataItem("Streets"); }),
-            FailsToReport(kDeleteFailed));
+            FailsToReport(kDataDeleteFailed));
 }
 
 TEST(DeleteDataItemConformance, RemovesFromTheGroupAndSaves) {

@@ -196,4 +196,7 @@ void ExpectReport(World& world, const char* message, Act act) {
   }
 }
 
+using ItemFamilies = testing::Types<AnalysisFamily, StoreLayerFamily, CustLayerFamily>;
+using LayerFamilies = testing::Types<StoreLayerFamily, CustLayerFamily>;
+
 }  // namespace kvdm::conformance

@@ -20,8 +20,7 @@ class LayerCollectionConformance : public testing::Test {
   static std::string Folder() { return std::string(R"(D:\Data\)") + Family::kFolder; }
 };
 
-using Families = testing::Types<StoreLayerFamily, CustLayerFamily>;
-TYPED_TEST_SUITE(LayerCollectionConformance, Families);
+TYPED_TEST_SUITE(LayerCollectionConformance, LayerFamilies);
 
 TYPED_TEST(LayerCollectionConformance, GivesItsFolderAndCreatesItOnce) {
   OpenWorld world;

@@ -12,8 +12,7 @@ using testing::IsEmpty;
 template <class Family>
 class LayerItemConformance : public testing::Test {};
 
-using Families = testing::Types<AnalysisFamily, StoreLayerFamily, CustLayerFamily>;
-TYPED_TEST_SUITE(LayerItemConformance, Families);
+TYPED_TEST_SUITE(LayerItemConformance, ItemFamilies);
 
 TYPED_TEST(LayerItemConformance, ReadsItsAttributes) {
   ItemWorld<TypeParam> world(R"( GUID="{1}" LAYERFILE="D:\a.lyr" CREATIONTIME="then")");
@@ -165,8 +164,7 @@ TYPED_TEST(LayerItemConformance, UnboundAnswersNeutrally) {
 template <class Family>
 class LayerConformance : public testing::Test {};
 
-using Layers = testing::Types<StoreLayerFamily, CustLayerFamily>;
-TYPED_TEST_SUITE(LayerConformance, Layers);
+TYPED_TEST_SUITE(LayerConformance, LayerFamilies);
 
 TYPED_TEST(LayerConformance, RenamesAndSaves) {
   ItemWorld<TypeParam> world("");

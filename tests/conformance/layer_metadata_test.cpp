@@ -91,8 +91,8 @@ class LayerMetadataConformance : public testing::Test {
   }
 };
 
-using Families = testing::Types<AnalysisMetadata, StoreLayerMetadata, CustLayerMetadata>;
-TYPED_TEST_SUITE(LayerMetadataConformance, Families);
+using ItemMetadata = testing::Types<AnalysisMetadata, StoreLayerMetadata, CustLayerMetadata>;
+TYPED_TEST_SUITE(LayerMetadataConformance, ItemMetadata);
 
 TYPED_TEST(LayerMetadataConformance, ExportPutsValuesInOrder) {
   ItemWorld<TypeParam> world(TypeParam::Attributes(), TypeParam::Content());
@@ -224,8 +224,8 @@ TYPED_TEST(LayerMetadataConformance, ImportTakesTheFirstOfSeveralValues) {
 template <class Family>
 class FieldImportConformance : public LayerMetadataConformance<Family> {};
 
-using Layers = testing::Types<StoreLayerMetadata, CustLayerMetadata>;
-TYPED_TEST_SUITE(FieldImportConformance, Layers);
+using LayersMetadata = testing::Types<StoreLayerMetadata, CustLayerMetadata>;
+TYPED_TEST_SUITE(FieldImportConformance, LayersMetadata);
 
 TYPED_TEST(FieldImportConformance, SetsEverythingInOrder) {
   ItemWorld<TypeParam> world("");

@@ -16,7 +16,7 @@ namespace kvdm::conformance {
 namespace {
 
 constexpr char kKey[] = R"(Software\Velk\Kelvaro)";
-constexpr auto kRoot = RegistryRoot::kLocalMachine;
+constexpr auto kMachine = RegistryRoot::kLocalMachine;
 
 class BentRegistry : public MemoryRegistry {
  public:
@@ -98,18 +98,18 @@ std::shared_ptr<Unknown> World::New(std::string_view class_name) {
 }
 
 std::optional<std::string> World::RegistryText(std::string_view name) {
-  const auto value = services_->registry->Read(kRoot, kKey, name);
+  const auto value = services_->registry->Read(kMachine, kKey, name);
   if (!value || value->type != RegistryType::kText) return std::nullopt;
   return value->data.substr(0, value->data.find('\0'));
 }
 
 void World::PutRegistryText(std::string_view name, std::string_view text) {
-  services_->registry->Put(kRoot, kKey, name, RegistryType::kText, text);
+  services_->registry->Put(kMachine, kKey, name, RegistryType::kText, text);
 }
 
 void World::PutRegistryNumber(std::string_view name, int number) {
   const std::string bytes = {static_cast<char>(number), 0, 0, 0};
-  services_->registry->Put(kRoot, kKey, name, RegistryType::kNumber, bytes);
+  services_->registry->Put(kMachine, kKey, name, RegistryType::kNumber, bytes);
 }
 
 void World::LockRegistry() { services_->registry->SetWritable(false); }

@@ -12,8 +12,9 @@ using testing::IsEmpty;
 template <class Family>
 class ParametersConformance : public testing::Test {};
 
-using Families = testing::Types<AnalysisFamily, StoreLayerFamily, CustLayerFamily, DataItemFamily>;
-TYPED_TEST_SUITE(ParametersConformance, Families);
+using FamiliesWithParameters =
+    testing::Types<AnalysisFamily, StoreLayerFamily, CustLayerFamily, DataItemFamily>;
+TYPED_TEST_SUITE(ParametersConformance, FamiliesWithParameters);
 
 TYPED_TEST(ParametersConformance, ANewOneIsAppendedAndSaved) {
   ItemWorld<TypeParam> world("", R"(<PARAM NAME="a" VALUE="1"/><COMMENTS>c</COMMENTS>)");

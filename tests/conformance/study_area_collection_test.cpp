@@ -11,9 +11,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr char kListFailed[] = "Couldn't get StudyAreas list for the study area";
-constexpr char kCreateFailed[] = "Kelvaro Data Manager: Couldn't create StudyArea";
-constexpr char kGetFailed[] = "Kelvaro Data Manager: Couldn't get StudyArea Object";
+constexpr char kAreaListFailed[] = "Couldn't get StudyAreas list for the study area";
+constexpr char kAreaCreateFailed[] = "Kelvaro Data Manager: Couldn't create StudyArea";
+constexpr char kAreaGetFailed[] = "Kelvaro Data Manager: Couldn't get StudyArea Object";
 
 std::shared_ptr<IKVStudyAreaCollection> Areas(World& world) {
   return world.Manager()->StudyAreaCollection();
@@ -64,8 +64,9 @@ TEST(StudyAreaCollectionConformance, ListsNothingOfAnEmptyCatalogue) {
 
 TEST(StudyAreaCollectionConformance, CannotListWhenAnAttributeIsMissing) {
   OpenWorld world(R"(<STUDYAREA NAME="_A_"/><STUDYAREA GUID="{2}"/>)");
-  EXPECT_EQ(OutcomeOf([&] { Areas(world)->StudyAreasList(); }), FailsToReport(kListFailed));
-  EXPECT_EQ(OutcomeOf([&] { Areas(world)->StudyAreasGUIDsList(); }), FailsToReport(kListFailed));
+  EXPECT_EQ(OutcomeOf([&] { Areas(world)->StudyAreasList(); }), FailsToReport(kAreaListFailed));
+  EXPECT_EQ(OutcomeOf([&] { Areas(world)->StudyAreasGUIDsList(); }),
+            FailsToReport(kAreaListFailed));
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
@@ -91,9 +92,9 @@ TEST(StudyAreaCollectionConformance, FailsOnADoubleQuote) {
   const auto areas = Areas(world);
   EXPECT_EQ(OutcomeOf([&] { areas->StudyAreaExists("a\"b"); }), Fails(-2147467259));
   EXPECT_EQ(OutcomeOf([&] { areas->StudyAreaExistsByGUID("a\"b"); }), Fails(-2147467259));
-  EXPECT_EQ(OutcomeOf([&] { areas->GetStudyArea("a\"b"); }), FailsToReport(kGetFailed));
-  EXPECT_EQ(OutcomeOf([&] { areas->GetStudyAreaByGUID("a\"b"); }), FailsToReport(kGetFailed));
-  EXPECT_EQ(OutcomeOf([&] { areas->CreateStudyArea("a\"b"); }), FailsToReport(kCreateFailed));
+  EXPECT_EQ(OutcomeOf([&] { areas->GetStudyArea("a\"b"); }), FailsToReport(kAreaGetFailed));
+  EXPECT_EQ(OutcomeOf([&] { areas->GetStudyAreaByGUID("a\"b"); }), FailsToReport(kAreaGetFailed));
+  EXPECT_EQ(OutcomeOf([&] { areas->CreateStudyArea("a\"b"); }), FailsToReport(kAreaCreateFailed));
   EXPECT_THAT(world.Messages(), IsEmpty());
   EXPECT_EQ(world.StudyAreas(), "");
 }
@@ -214,7 +215,8 @@ TEST(CreateStudyAreaConformance, NeedsNoHost) {
 TEST(CreateStudyAreaConformance, GivesUpAfter32767Folders) {
   OpenWorld world;
   world.Fill(R"(D:\Data\StudyAreas\)");
-  EXPECT_EQ(OutcomeOf([&] { Areas(world)->CreateStudyArea("N"); }), FailsToReport(kCreateFailed));
+  EXPECT_EQ(OutcomeOf([&] { Areas(world)->CreateStudyArea("N"); }),
+            FailsToReport(kAreaCreateFailed));
   EXPECT_THAT(TextsOf(Areas(world)->StudyAreasList()), IsEmpty());
 }
 

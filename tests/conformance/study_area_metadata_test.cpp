@@ -37,14 +37,14 @@ Pairs Blank(const std::string& name) {
           {kRoot + "FeaturesList", ""}};
 }
 
-std::string Area(const std::string& attributes, const std::string& content) {
+std::string AreaWith(const std::string& attributes, const std::string& content) {
   return "<STUDYAREA NAME=\"_A_\"" + attributes + ">" + content + "</STUDYAREA>";
 }
 
 // An open world with the study area A.
 struct MetadataWorld : OpenWorld {
   MetadataWorld(const std::string& attributes, const std::string& content)
-      : OpenWorld(Area(attributes, content)),
+      : OpenWorld(AreaWith(attributes, content)),
         metadata(Query<IKVMetadata>(Manager()->StudyAreaCollection()->GetStudyArea("A"))) {}
 
   void Import(const Pairs& pairs) {
@@ -77,7 +77,7 @@ TEST(StudyAreaMetadataConformance, ExportMakesADocumentAndPutsEmptyTextsForMissi
 TEST(StudyAreaMetadataConformance, ImportTakesOverPropertiesAndIdentifier) {
   MetadataWorld world("", kPlace);
   EXPECT_TRUE(Saves(world, [&] { world.Import(Exported()); }));
-  EXPECT_EQ(world.StudyAreas(), Area(R"( GUID="{1}")", kProperties));
+  EXPECT_EQ(world.StudyAreas(), AreaWith(R"( GUID="{1}")", kProperties));
 }
 
 TEST(StudyAreaMetadataConformance, ImportNeverRenames) {
@@ -94,7 +94,7 @@ TEST(StudyAreaMetadataConformance, ImportIgnoresAnotherLayerType) {
     Pairs pairs = Exported();
     pairs[0].second = type;
     world.Import(pairs);
-    EXPECT_EQ(world.StudyAreas(), Area("", kPlace)) << type;
+    EXPECT_EQ(world.StudyAreas(), AreaWith("", kPlace)) << type;
   }
 }
 
@@ -104,7 +104,7 @@ TEST(StudyAreaMetadataConformance, ImportStopsQuietlyAtTheFirstMissingValue) {
   pairs.erase(pairs.begin() + 4);
   world.Import(pairs);
   EXPECT_EQ(world.StudyAreas(),
-            Area("", R"(<SAPROPERTIES><PROPERTY NAME="TYPE" VALUE="t"/></SAPROPERTIES>)"));
+            AreaWith("", R"(<SAPROPERTIES><PROPERTY NAME="TYPE" VALUE="t"/></SAPROPERTIES>)"));
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
@@ -116,7 +116,7 @@ TEST(StudyAreaMetadataConformance, ImportIgnoresAMissingDocument) {
   world.metadata->ImportMetadata(layer);
   world.metadata->ImportMetadata(nullptr);
   world.Import({});
-  EXPECT_EQ(world.StudyAreas(), Area("", kPlace));
+  EXPECT_EQ(world.StudyAreas(), AreaWith("", kPlace));
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 
@@ -126,7 +126,7 @@ TEST(StudyAreaMetadataConformance, ImportShowsThatThereIsNoPlaceForPropertiesAnd
   EXPECT_EQ(world.Texts(), (Texts{"Text 102", "Couldn't set TYPE property", "Text 102",
                                   "Couldn't set MAINLAYER property", "Text 102",
                                   "Couldn't set FEATURESLIST property"}));
-  EXPECT_EQ(world.StudyAreas(), Area(R"( GUID="{1}")", "<COMMENTS>c</COMMENTS>"));
+  EXPECT_EQ(world.StudyAreas(), AreaWith(R"( GUID="{1}")", "<COMMENTS>c</COMMENTS>"));
 }
 
 TEST(StudyAreaMetadataConformance, ExportIsNotWrittenAfterAnError) {
@@ -167,7 +167,7 @@ TEST(StudyAreaMetadataConformance, ImportTakesTheFirstOfSeveralValues) {
   const auto set = SetOf(Exported());
   for (const auto& [path, value] : Exported()) set->AddValue(path, "second");
   world.metadata->ImportMetadata(std::make_shared<RecordingMetadata>(*set));
-  EXPECT_EQ(world.StudyAreas(), Area(R"( GUID="{1}")", kProperties));
+  EXPECT_EQ(world.StudyAreas(), AreaWith(R"( GUID="{1}")", kProperties));
 }
 
 TEST(StudyAreaMetadataConformance, UnboundExportsEmptyTexts) {

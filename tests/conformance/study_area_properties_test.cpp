@@ -20,7 +20,7 @@ struct PropertiesWorld : OpenWorld {
   std::shared_ptr<IKVPropertySet> properties;
 };
 
-std::string Area(const std::string& content) {
+std::string AreaHolding(const std::string& content) {
   return "<STUDYAREA NAME=\"_A_\">" + content + "</STUDYAREA>";
 }
 
@@ -33,8 +33,8 @@ TEST(StudyAreaPropertiesConformance, CountIsAlwaysZero) {
 TEST(StudyAreaPropertiesConformance, ANewPropertyIsAppendedAndSaved) {
   PropertiesWorld world(R"(<SAPROPERTIES><PROPERTY NAME="A" VALUE="1"/></SAPROPERTIES>)");
   EXPECT_TRUE(Saves(world, [&] { EXPECT_TRUE(world.properties->SetProperty("B", "2")); }));
-  EXPECT_EQ(world.StudyAreas(), Area(R"(<SAPROPERTIES><PROPERTY NAME="A" VALUE="1"/>)"
-                                     R"(<PROPERTY NAME="B" VALUE="2"/></SAPROPERTIES>)"));
+  EXPECT_EQ(world.StudyAreas(), AreaHolding(R"(<SAPROPERTIES><PROPERTY NAME="A" VALUE="1"/>)"
+                                            R"(<PROPERTY NAME="B" VALUE="2"/></SAPROPERTIES>)"));
 }
 
 TEST(StudyAreaPropertiesConformance, AChangedPropertyWaitsForTheNextSave) {
@@ -42,7 +42,7 @@ TEST(StudyAreaPropertiesConformance, AChangedPropertyWaitsForTheNextSave) {
   EXPECT_FALSE(Saves(world, [&] { EXPECT_TRUE(world.properties->SetProperty("A", "2")); }));
   EXPECT_EQ(world.properties->GetProperty("A"), Value("2"));
   EXPECT_EQ(world.StudyAreas(),
-            Area(R"(<SAPROPERTIES><PROPERTY NAME="A" VALUE="2"/></SAPROPERTIES>)"));
+            AreaHolding(R"(<SAPROPERTIES><PROPERTY NAME="A" VALUE="2"/></SAPROPERTIES>)"));
 }
 
 TEST(StudyAreaPropertiesConformance, ReadsTheFirstOfTwoAndAMissingValueAsNull) {
@@ -86,7 +86,7 @@ TEST(StudyAreaPropertiesConformance, KeepsAnyNameAndText) {
 TEST(StudyAreaPropertiesConformance, NullCannotBeStored) {
   PropertiesWorld world("<SAPROPERTIES/>");
   EXPECT_FALSE(Saves(world, [&] { EXPECT_FALSE(world.properties->SetProperty("A", Null{})); }));
-  EXPECT_EQ(world.StudyAreas(), Area("<SAPROPERTIES/>"));
+  EXPECT_EQ(world.StudyAreas(), AreaHolding("<SAPROPERTIES/>"));
   EXPECT_THAT(world.Messages(), IsEmpty());
 }
 

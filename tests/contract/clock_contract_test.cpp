@@ -7,21 +7,16 @@
 namespace kvdm {
 namespace {
 
-struct Implementation {
-  std::string name;
-  std::shared_ptr<Clock> (*make)();
-};
-
-std::shared_ptr<Clock> MakeMemory() { return MemoryPlatform().clock; }
-
-std::shared_ptr<Clock> MakeSystem() { return SystemPlatform().clock; }
-
-class ClockContractTest : public testing::TestWithParam<Implementation> {};
+class ClockContractTest : public testing::TestWithParam<Implementation<Clock>> {};
 
 INSTANTIATE_TEST_SUITE_P(All, ClockContractTest,
-                         testing::Values(Implementation{"Memory", MakeMemory},
-                                         Implementation{SystemName(), MakeSystem}),
-                         [](const auto& tested) { return tested.param.name; });
+                         testing::Values(Implementation<Clock>{"Memory",
+                                                               []() -> std::shared_ptr<Clock> {
+                                                                 return MemoryPlatform().clock;
+                                                               }},
+                                         Implementation<Clock>{
+                                             SystemName(), [] { return SystemPlatform().clock; }}),
+                         kByName);
 
 TEST_P(ClockContractTest, AnswersADateOfTheCalendar) {
   const DateTime now = GetParam().make()->Now();

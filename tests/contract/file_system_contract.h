@@ -10,18 +10,9 @@
 #include <kvdm/platform/error.h>
 
 #include "tests/contract/file_worlds.h"
+#include "tests/throws_number.h"
 
 namespace kvdm {
-
-// The number of the run-time error that `act` ends in; 0 for none.
-inline int ErrorOf(const std::function<void()>& act) {
-  try {
-    act();
-    return 0;
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-}
 
 // A world with the empty folder D:\Data.
 class FileSystemContract : public ::testing::TestWithParam<FileWorldMaker> {

@@ -4,14 +4,10 @@
 #include <kvdm/platform/portable/properties_host.h>
 
 #include "platform/memory/failing_services.h"
+#include "tests/contract/implementations.h"
 
 namespace kvdm {
 namespace {
-
-struct Implementation {
-  std::string name;
-  std::shared_ptr<Host> (*make)();
-};
 
 std::shared_ptr<Host> MakeProperties() { return std::make_shared<PropertiesHost>(); }
 
@@ -19,15 +15,15 @@ std::shared_ptr<Host> MakeWrapped() {
   return std::make_shared<FailingHost>(MakeProperties(), std::make_shared<FailureCounter>());
 }
 
-class HostContractTest : public testing::TestWithParam<Implementation> {
+class HostContractTest : public testing::TestWithParam<Implementation<Host>> {
  protected:
   std::shared_ptr<Host> host_ = GetParam().make();
 };
 
 INSTANTIATE_TEST_SUITE_P(All, HostContractTest,
-                         testing::Values(Implementation{"Properties", MakeProperties},
-                                         Implementation{"Wrapped", MakeWrapped}),
-                         [](const auto& tested) { return tested.param.name; });
+                         testing::Values(Implementation<Host>{"Properties", MakeProperties},
+                                         Implementation<Host>{"Wrapped", MakeWrapped}),
+                         kByName);
 
 TEST_P(HostContractTest, APropertyThatIsNotSetIsEmpty) {
   EXPECT_TRUE(host_->Settings()->GetProperty("VELKKVDirectory").IsEmpty());

@@ -10,21 +10,17 @@
 namespace kvdm {
 namespace {
 
-struct Implementation {
-  std::string name;
-  std::shared_ptr<GisCore> (*make)();
-};
-
-class IdentifierContractTest : public testing::TestWithParam<Implementation> {
+class IdentifierContractTest : public testing::TestWithParam<Implementation<GisCore>> {
  protected:
   std::shared_ptr<GisCore> gis_core_ = GetParam().make();
 };
 
 INSTANTIATE_TEST_SUITE_P(
     All, IdentifierContractTest,
-    testing::Values(Implementation{"Memory", [] { return MemoryPlatform().gis_core; }},
-                    Implementation{SystemName(), [] { return SystemPlatform().gis_core; }}),
-    [](const auto& tested) { return tested.param.name; });
+    testing::Values(Implementation<GisCore>{"Memory", [] { return MemoryPlatform().gis_core; }},
+                    Implementation<GisCore>{SystemName(),
+                                            [] { return SystemPlatform().gis_core; }}),
+    kByName);
 
 TEST_P(IdentifierContractTest, GeneratesRegistryFormOfVersion4) {
   const std::regex form(

@@ -19,6 +19,16 @@ std::string SystemName();
 // The system's services, with a message box that shows through `show`.
 Platform SystemPlatform(const CallbackMessageBox::Callback& show = {});
 
+// An implementation of what a contract is about, as `make` makes it.
+template <class Service>
+struct Implementation {
+  std::string name;
+  std::shared_ptr<Service> (*make)();
+};
+
+// Names the tests of a contract by the implementation.
+inline constexpr auto kByName = [](const auto& tested) { return tested.param.name; };
+
 // A registry without content, for as long as the world lives.
 class RegistryWorld {
  public:

@@ -7,6 +7,7 @@
 #include <kvdm/platform/portable/sidecar_metadata.h>
 
 #include "platform/memory/memory_platform.h"
+#include "tests/contract/implementations.h"
 #include "tests/throws_number.h"
 
 namespace kvdm {
@@ -14,12 +15,12 @@ namespace {
 
 using testing::ElementsAre;
 
-struct Implementation {
+struct MetadataImplementation {
   std::string name;
   std::shared_ptr<LayerMetadata> (*make)(const MemoryPlatform& world);
 };
 
-std::shared_ptr<LayerMetadata> MakeMemory(const MemoryPlatform& /*world*/) {
+std::shared_ptr<LayerMetadata> MakeInMemory(const MemoryPlatform& /*world*/) {
   return std::make_shared<MemoryLayerMetadata>();
 }
 
@@ -27,7 +28,7 @@ std::shared_ptr<LayerMetadata> MakeSidecar(const MemoryPlatform& world) {
   return MakeSidecarMetadata(world.Bundle(), "D:\\stores.shp");
 }
 
-class LayerMetadataContractTest : public testing::TestWithParam<Implementation> {
+class LayerMetadataContractTest : public testing::TestWithParam<MetadataImplementation> {
  protected:
   // Nothing where reading fails.
   std::shared_ptr<NamedValueSet> ReadOrNothing() {
@@ -43,9 +44,9 @@ class LayerMetadataContractTest : public testing::TestWithParam<Implementation> 
 };
 
 INSTANTIATE_TEST_SUITE_P(All, LayerMetadataContractTest,
-                         testing::Values(Implementation{"Memory", MakeMemory},
-                                         Implementation{"Sidecar", MakeSidecar}),
-                         [](const auto& tested) { return tested.param.name; });
+                         testing::Values(MetadataImplementation{"Memory", MakeInMemory},
+                                         MetadataImplementation{"Sidecar", MakeSidecar}),
+                         kByName);
 
 TEST_P(LayerMetadataContractTest, HasNoDocumentAtFirst) { EXPECT_EQ(ReadOrNothing(), nullptr); }
 

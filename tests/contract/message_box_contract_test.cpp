@@ -15,45 +15,45 @@ namespace {
 using testing::ElementsAre;
 
 // A message box and what has come out of it.
-struct World {
+struct ShownWorld {
   std::shared_ptr<MessageBox> box;
   std::function<std::vector<ShownMessage>()> messages;
 };
 
-World MakeRecording() {
+ShownWorld MakeRecording() {
   const auto box = std::make_shared<RecordingMessageBox>();
   return {box, [box] { return box->Messages(); }};
 }
 
-World MakeCallback() {
+ShownWorld MakeCallback() {
   const auto recorder = std::make_shared<RecordingMessageBox>();
   const auto box = std::make_shared<CallbackMessageBox>(
       [recorder](auto text, auto caption, auto style) { recorder->Show(text, caption, style); });
   return {box, [recorder] { return recorder->Messages(); }};
 }
 
-World MakeSystem() {
+ShownWorld MakeSystem() {
   const auto recorder = std::make_shared<RecordingMessageBox>();
   const Platform platform = SystemPlatform(
       [recorder](auto text, auto caption, auto style) { recorder->Show(text, caption, style); });
   return {platform.message_box, [recorder] { return recorder->Messages(); }};
 }
 
-struct Implementation {
+struct BoxImplementation {
   std::string name;
-  World (*make)();
+  ShownWorld (*make)();
 };
 
-class MessageBoxContractTest : public testing::TestWithParam<Implementation> {
+class MessageBoxContractTest : public testing::TestWithParam<BoxImplementation> {
  protected:
-  World world_ = GetParam().make();
+  ShownWorld world_ = GetParam().make();
 };
 
 INSTANTIATE_TEST_SUITE_P(All, MessageBoxContractTest,
-                         testing::Values(Implementation{"Recording", MakeRecording},
-                                         Implementation{"Callback", MakeCallback},
-                                         Implementation{SystemName(), MakeSystem}),
-                         [](const auto& tested) { return tested.param.name; });
+                         testing::Values(BoxImplementation{"Recording", MakeRecording},
+                                         BoxImplementation{"Callback", MakeCallback},
+                                         BoxImplementation{SystemName(), MakeSystem}),
+                         kByName);
 
 TEST_P(MessageBoxContractTest, ShowsTextCaptionAndStyle) {
   world_.box->Show("Can't save", "Kelvaro", MessageStyle::kExclamation);

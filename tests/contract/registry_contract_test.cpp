@@ -51,8 +51,7 @@ class RegistryContractTest : public testing::TestWithParam<RegistryMaker> {
 };
 
 INSTANTIATE_TEST_SUITE_P(All, RegistryContractTest,
-                         testing::Values(MemoryMaker(), SystemRegistry()),
-                         [](const auto& tested) { return tested.param.name; });
+                         testing::Values(MemoryMaker(), SystemRegistry()), kByName);
 
 TEST_P(RegistryContractTest, AMissingValueIsNothing) {
   const auto registry = Make();

@@ -13,17 +13,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct Implementation {
-  std::string name;
-  std::shared_ptr<NamedValueSet> (*make)();
-};
-
-std::shared_ptr<NamedValueSet> MakeMemory() {
-  return MemoryPlatform().gis_core->CreateNamedValueSet();
-}
-
-std::shared_ptr<NamedValueSet> MakeSystem() {
-  return SystemPlatform().gis_core->CreateNamedValueSet();
+std::shared_ptr<NamedValueSet> MakeIn(const Platform& platform) {
+  return platform.gis_core->CreateNamedValueSet();
 }
 
 // The set that a layer's side-car hands out.
@@ -35,16 +26,18 @@ std::shared_ptr<NamedValueSet> MakeFromSidecar() {
   return metadata->ReadDocument();
 }
 
-class ValueSetContractTest : public testing::TestWithParam<Implementation> {
+class ValueSetContractTest : public testing::TestWithParam<Implementation<NamedValueSet>> {
  protected:
   std::shared_ptr<NamedValueSet> set_ = GetParam().make();
 };
 
-INSTANTIATE_TEST_SUITE_P(All, ValueSetContractTest,
-                         testing::Values(Implementation{"Memory", MakeMemory},
-                                         Implementation{SystemName(), MakeSystem},
-                                         Implementation{"Sidecar", MakeFromSidecar}),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    All, ValueSetContractTest,
+    testing::Values(
+        Implementation<NamedValueSet>{"Memory", [] { return MakeIn(MemoryPlatform().Bundle()); }},
+        Implementation<NamedValueSet>{SystemName(), [] { return MakeIn(SystemPlatform()); }},
+        Implementation<NamedValueSet>{"Sidecar", MakeFromSidecar}),
+    kByName);
 
 TEST_P(ValueSetContractTest, IsEmptyAtFirst) {
   EXPECT_THAT(set_->GetValues("Velk/Kelvaro8/GUID"), IsEmpty());

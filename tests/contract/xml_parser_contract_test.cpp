@@ -31,12 +31,7 @@ class Picky final : public XmlHandler {
   int started = 0;
 };
 
-struct Implementation {
-  std::string name;
-  std::shared_ptr<XmlParser> (*make)();
-};
-
-class XmlParserContractTest : public testing::TestWithParam<Implementation> {
+class XmlParserContractTest : public testing::TestWithParam<Implementation<XmlParser>> {
  protected:
   bool Accepts(std::string_view text, XmlEncoding encoding = XmlEncoding::kUtf8) {
     XmlNotes ignored;
@@ -52,8 +47,8 @@ class XmlParserContractTest : public testing::TestWithParam<Implementation> {
 };
 
 INSTANTIATE_TEST_SUITE_P(All, XmlParserContractTest,
-                         testing::Values(Implementation{SystemName(), MakeXmlParser}),
-                         [](const auto& tested) { return tested.param.name; });
+                         testing::Values(Implementation<XmlParser>{SystemName(), MakeXmlParser}),
+                         kByName);
 
 TEST_P(XmlParserContractTest, AcceptsWellFormedTexts) {
   for (const auto text : {"<a/>",

@@ -17,14 +17,14 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kStartFailed[] = "Couldn't read the preset data directory";
-constexpr char kPresets[] = R"(<P><DATAITEM NAME="Shops" GUID="{1}">shops.shp</DATAITEM></P>)";
+constexpr char kOnePreset[] = R"(<P><DATAITEM NAME="Shops" GUID="{1}">shops.shp</DATAITEM></P>)";
 
 // A platform with a preset catalogue and a study area catalogue.
 struct StartUpTest : testing::Test {
   StartUpTest() {
     Put(kPresetDataDirectoryValue, R"(D:\Presets)");
     Put(kStudyAreaCollectionValue, R"(<STUDYAREACOLLECTION A="1"/>)");
-    platform.files->AddFile(R"(D:\Presets\PresetData.xml)", kPresets);
+    platform.files->AddFile(R"(D:\Presets\PresetData.xml)", kOnePreset);
   }
 
   void Put(const char* name, std::string_view text) const {

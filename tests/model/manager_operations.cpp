@@ -28,12 +28,12 @@ std::string Setting(const Arguments& with) { return with.value.empty() ? "" : Di
 
 // A file that a client might write, below the working directory.
 std::string FilePath(const std::string& directory, const Arguments& with) {
-  constexpr std::array kFolders = {R"(StudyAreas\North\)", R"(StoreLayers\)", R"(CustLayers\)",
+  constexpr std::array kParents = {R"(StudyAreas\North\)", R"(StoreLayers\)", R"(CustLayers\)",
                                    R"(Analyses\North\)",   R"(KelvaroTemp\)", R"(Data\)",
                                    R"(Tables\)",           R"(StudyAreas\)"};
-  constexpr std::array kNames = {"North.lyr", ".hidden.x", "NORTH.shp", "tmp.dbf",
+  constexpr std::array kFiles = {"North.lyr", ".hidden.x", "NORTH.shp", "tmp.dbf",
                                  "TABLE.dbf", "a.b",       "_.lyr",     "\u540D.x"};
-  return directory + Pick(kFolders, with.name_place) + Pick(kNames, with.value_place);
+  return directory + Pick(kParents, with.name_place) + Pick(kFiles, with.value_place);
 }
 
 std::string Entry(const Arguments& with) {

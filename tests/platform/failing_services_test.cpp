@@ -16,8 +16,6 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr auto kMachine = RegistryRoot::kLocalMachine;
-
 class FailingServicesTest : public testing::Test {
  protected:
   // The next call is the one that fails.

@@ -8,8 +8,6 @@
 namespace kvdm {
 namespace {
 
-constexpr auto kMachine = RegistryRoot::kLocalMachine;
-
 TEST(MemoryRegistryTest, HoldsWhatWasPut) {
   MemoryRegistry registry;
   registry.Put(kMachine, "Software", "Count", RegistryType::kNumber, "\x05");

@@ -14,6 +14,7 @@
 
 #include "platform/posix/posix_file_system.h"
 #include "tests/platform/temporary_drive.h"
+#include "tests/throws_number.h"
 #include "util/kvdm_utils.h"
 
 namespace kvdm {
@@ -21,15 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::IsEmpty;
-
-int ErrorOf(const std::function<void()>& act) {
-  try {
-    act();
-    return 0;
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-}
 
 // A folder "D:\North" to be deleted, and one beside it that must stay.
 class PosixDeletionTest : public ::testing::Test {

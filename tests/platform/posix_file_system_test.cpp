@@ -16,6 +16,7 @@
 #include <string>
 
 #include "tests/platform/temporary_drive.h"
+#include "tests/throws_number.h"
 #include "util/kvdm_utils.h"
 
 namespace kvdm {
@@ -25,15 +26,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Optional;
-
-int ErrorOf(const std::function<void()>& act) {
-  try {
-    act();
-    return 0;
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-}
 
 class PosixFileSystemTest : public ::testing::Test {
  protected:

@@ -12,8 +12,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr auto kMachine = RegistryRoot::kLocalMachine;
-
 TEST(PosixPlatformTest, DrivesAreTheFoldersGiven) {
   const TempFolder folder;
   const Platform platform = MakePosixPlatform({.drives = {{'D', folder.Path()}}});
@@ -24,7 +22,7 @@ TEST(PosixPlatformTest, DrivesAreTheFoldersGiven) {
 TEST(PosixPlatformTest, TheRegistryIsInTheFileGiven) {
   const TempFolder folder;
   const Platform platform = MakePosixPlatform({.registry_path = folder.Path("r.db")});
-  EXPECT_TRUE(platform.registry->WriteText(kMachine, "Key", "Name", "text"));
+  EXPECT_TRUE(platform.registry->WriteText(RegistryRoot::kLocalMachine, "Key", "Name", "text"));
   EXPECT_TRUE(std::filesystem::exists(folder.Path("r.db")));
 }
 
@@ -45,7 +43,7 @@ TEST(PosixPlatformTest, TheRegistryNotesItsFailuresInTheLog) {
   std::string noted;
   const Platform platform =
       MakePosixPlatform({.registry_path = folder.Path(), .log = [&](auto line) { noted = line; }});
-  EXPECT_FALSE(platform.registry->WriteText(kMachine, "Key", "Name", "text"));
+  EXPECT_FALSE(platform.registry->WriteText(RegistryRoot::kLocalMachine, "Key", "Name", "text"));
   EXPECT_THAT(noted, HasSubstr(folder.Path()));
 }
 

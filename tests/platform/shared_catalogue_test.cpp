@@ -15,7 +15,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr auto kMachine = RegistryRoot::kLocalMachine;
 constexpr char kKey[] = "Software";
 constexpr char kList[] = "List";
 

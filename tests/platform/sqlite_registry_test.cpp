@@ -26,7 +26,6 @@ using testing::MatchesRegex;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-constexpr auto kMachine = RegistryRoot::kLocalMachine;
 constexpr std::string_view kKey = "Software\\Velk\\Kelvaro";
 
 class SqliteRegistryTest : public testing::Test {

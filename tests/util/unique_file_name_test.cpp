@@ -19,14 +19,12 @@ std::string NameAmong(const std::vector<std::string>& paths, std::string_view pr
   return UniqueFileName(files, kFolder, prefix);
 }
 
-struct Case {
-  std::vector<std::string> files;
-  std::string prefix;
-  std::string expected;
-};
-
 TEST(UniqueFileNameTest, IsTheFirstNameWithoutAFileWhateverTheExtension) {
-  const Case kCases[] = {
+  const struct {
+    std::vector<std::string> files;
+    std::string prefix;
+    std::string expected;
+  } kCases[] = {
       {{}, "tmp", "tmp"},
       {{"tmp.shp", "tmp1.dbf"}, "tmp", "tmp2"},
       {{"tmp.shp", "tmp2.shp"}, "tmp", "tmp1"},

@@ -11,7 +11,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string ProblemOf(const std::string& text) {
+std::string DocumentProblemOf(const std::string& text) {
   return DocumentProblem(*MakeXmlParser(), "Its metadata document", text);
 }
 
@@ -52,15 +52,16 @@ TEST(MetadataTextTest, TakesWhatTheComponentTakesAndNamesTheLimitOfWhatItDoesNot
       {WithText, xml::kMaxValueBytes, "10000000 bytes in one text"},
   };
   for (const auto& [document, limit, name] : limits) {
-    EXPECT_EQ(ProblemOf(document(limit - 1)), "") << name;
-    EXPECT_EQ(ProblemOf(document(limit)), "") << name;
-    EXPECT_THAT(ProblemOf(document(limit + 1)), HasSubstr(std::string("more than ") + name));
+    EXPECT_EQ(DocumentProblemOf(document(limit - 1)), "") << name;
+    EXPECT_EQ(DocumentProblemOf(document(limit)), "") << name;
+    EXPECT_THAT(DocumentProblemOf(document(limit + 1)),
+                HasSubstr(std::string("more than ") + name));
   }
 }
 
 TEST(MetadataTextTest, TellsWhatIsNoXml) {
   for (const char* text : {"", "text", "<a>", "<a><b></a>", "<!DOCTYPE a><a/>"}) {
-    EXPECT_THAT(ProblemOf(text), HasSubstr("not well-formed XML")) << text;
+    EXPECT_THAT(DocumentProblemOf(text), HasSubstr("not well-formed XML")) << text;
   }
 }
 

@@ -27,7 +27,7 @@ std::vector<std::string> Parsed(std::string_view text) {
   return handler.notes;
 }
 
-std::string Chain(std::size_t depth) {
+std::string NestedText(std::size_t depth) {
   std::string text;
   for (std::size_t i = 0; i < depth; ++i) text += "<A>";
   for (std::size_t i = 0; i < depth; ++i) text += "</A>";
@@ -94,8 +94,8 @@ TEST(PiecesTest, NoFurtherThanWhereNoTextCanGoOn) {
 }
 
 TEST(PiecesTest, NoDeeperThanDocuments) {
-  EXPECT_NE(PiecesOf(Chain(kMaxDepth)), std::nullopt);
-  EXPECT_EQ(PiecesOf(Chain(kMaxDepth + 1)), std::nullopt);
+  EXPECT_NE(PiecesOf(NestedText(kMaxDepth)), std::nullopt);
+  EXPECT_EQ(PiecesOf(NestedText(kMaxDepth + 1)), std::nullopt);
 }
 
 }  // namespace
