@@ -18,7 +18,7 @@ std::string ExamplesText(std::string_view examples) {
   return text + "\n\nEvery command takes -p FILE (the project), --json and --debug.";
 }
 
-void Checked(CLI::Option* option, const std::string& name, Check check) {
+void Checked(CLI::Option* option, const std::string& name, ArgumentCheck check) {
   if (check == nullptr) return;
   option->check([name, check](const std::string& text) {
     check(name, text);
@@ -34,12 +34,12 @@ std::string PathOf(const CLI::App& app) {
 }
 
 void Arguments::Required(const std::string& name, std::string& value, const std::string& help,
-                         Check check) {
+                         ArgumentCheck check) {
   Checked(app_->add_option(name, value, help)->required()->option_text(" "), name, check);
 }
 
 void Arguments::Optional(const std::string& name, std::optional<std::string>& value,
-                         const std::string& help, Check check) {
+                         const std::string& help, ArgumentCheck check) {
   Checked(app_->add_option(name, value, help)->option_text(name.starts_with('-') ? "TEXT" : " "),
           name, check);
 }

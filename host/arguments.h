@@ -26,9 +26,9 @@ class Arguments {
   explicit Arguments(CLI::App& app) : app_(&app) {}
 
   void Required(const std::string& name, std::string& value, const std::string& help,
-                Check check = nullptr);
+                ArgumentCheck check = nullptr);
   void Optional(const std::string& name, std::optional<std::string>& value, const std::string& help,
-                Check check = nullptr);
+                ArgumentCheck check = nullptr);
   void Flag(const std::string& name, bool& value, const std::string& help);
 
   // The whole command line, for commands that describe it.

@@ -13,7 +13,7 @@ inline constexpr std::size_t kLongestFolderName = 240;
 
 // A check of an argument. `what` names the text in sentences, such as "NAME". All of them throw
 // Failure kUsage that says what is wrong with it and what to do.
-using Check = void (*)(std::string_view what, std::string_view text);
+using ArgumentCheck = void (*)(std::string_view what, std::string_view text);
 
 // For a text without the characters that XML can't hold: control characters other than TAB and line
 // ends, U+FFFE, U+FFFF, and bytes that are not UTF-8. A document would keep U+FFFD in their place.

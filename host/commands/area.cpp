@@ -18,8 +18,8 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
   static constexpr char kExample[] = "North";
   static constexpr char kNameHelp[] = "Its name, which names its folder too";
   static constexpr char kRenameHelp[] = "Its new name; its folder keeps the old one";
-  static constexpr Check kNewName = &RequireNewAreaName;
-  static constexpr Check kKey = &RequireAreaKey;
+  static constexpr ArgumentCheck kNewName = &RequireNewAreaName;
+  static constexpr ArgumentCheck kKey = &RequireAreaKey;
 
   static void TellMore(Session& session) { TellOfMissingArea(session); }
 

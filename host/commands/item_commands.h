@@ -19,8 +19,8 @@ namespace kvdm {
 template <class Kind>
 struct CommandKind : Kind {
   using Ref = typename Kind::Ref;
-  static constexpr Check kNewName = &RequireNewName;  // of what is created
-  static constexpr Check kKey = &RequireKey;          // of what is renamed
+  static constexpr ArgumentCheck kNewName = &RequireNewName;  // of what is created
+  static constexpr ArgumentCheck kKey = &RequireKey;          // of what is renamed
 
   // Tells people what else there is to know when items are shown.
   static void TellMore(Session&) {}

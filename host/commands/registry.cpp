@@ -14,7 +14,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
   using Ref = std::shared_ptr<Item>;
   static constexpr char kExample[] = "North";
   static constexpr char kNameHelp[] = "Its name";
-  static constexpr Check kNewName = &RequireKey;
+  static constexpr ArgumentCheck kNewName = &RequireKey;
 
   // The list of names leaves out what is not for people.
   static std::vector<Ref> All(Session& session) {

@@ -10,7 +10,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string ProblemOf(Check check, std::string_view text) {
+std::string ProblemOf(ArgumentCheck check, std::string_view text) {
   try {
     check("NAME", text);
   } catch (const Failure& failure) {
@@ -36,7 +36,8 @@ TEST(ChecksTest, NamesTheCharacterThatCantBeStored) {
   const std::pair<const char*, const char*> texts[] = {
       {"a\x01", "U+0001"}, {"\x1f", "U+001F"}, {"x\uffffy", "U+FFFF"}, {"\ufffe", "U+FFFE"}};
   for (const auto& [text, character] : texts) {
-    for (const Check check : {RequireStorable, RequireKey, RequireAreaKey, RequireNewName}) {
+    for (const ArgumentCheck check :
+         {RequireStorable, RequireKey, RequireAreaKey, RequireNewName}) {
       EXPECT_THAT(ProblemOf(check, text), HasSubstr(character)) << text;
     }
   }

@@ -6,7 +6,7 @@
 namespace kvdm {
 namespace {
 
-struct Row {
+struct AnsiRow {
   unsigned page;
   std::string_view text;
   std::string_view bytes;
@@ -15,7 +15,7 @@ struct Row {
 
 TEST(AnsiTest, TextsAreBytesOfTheCodePage) {
   using std::string_view_literals::operator""sv;
-  const Row rows[] = {
+  const AnsiRow rows[] = {
       {1252, "", "", ""},
       {1252, "\u00FC\u20AC", "\xFC\x80", "\u00FC\u20AC"},
       {1252, "a\0b"sv, "a\0b"sv, "a\0b"sv},
