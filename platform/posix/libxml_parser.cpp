@@ -67,13 +67,15 @@ class Run {
                       XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC);
     if (thrown_) std::rethrow_exception(thrown_);
     // Without memory the text was not judged. A well-formed one has an element.
-    const bool is_judged = context_->wellFormed == 0 || failed_ || has_element_;
+    const bool is_judged = IsCalledMalformed() || refused_ || has_element_;
     if (!is_judged || context_->errNo == XML_ERR_NO_MEMORY) FailForMemory();
-    return context_->wellFormed != 0 && !failed_;
+    return !IsCalledMalformed() && !refused_;
   }
 
   // Whether it was the library that ended the parse, not the handler or a limit.
-  [[nodiscard]] bool IsCalledMalformed() const { return context_->wellFormed == 0 && !failed_; }
+  [[nodiscard]] bool IsCalledMalformed() const {
+    return malformed_ || (context_->wellFormed == 0 && !refused_);
+  }
 
  private:
   static xmlSAXHandler Callbacks();
@@ -83,14 +85,14 @@ class Run {
   // No exception may cross the library's frames.
   template <class Body>
   void Pass(const Body& body) {
-    if (failed_) return;
+    if (refused_ || malformed_) return;
     try {
-      failed_ = !body();
+      refused_ = !body();
     } catch (...) {
-      failed_ = true;
+      refused_ = true;
       thrown_ = std::current_exception();
     }
-    if (failed_) xmlStopParser(context_);
+    if (refused_) xmlStopParser(context_);
   }
 
   static void OnStartElement(void* user_data, const xmlChar* local, const xmlChar* prefix,
@@ -109,7 +111,8 @@ class Run {
   xmlParserCtxtPtr context_;
   XmlHandler& handler_;
   std::size_t depth_ = 0;
-  bool failed_ = false;
+  bool refused_ = false;    // by the handler, or for a limit
+  bool malformed_ = false;  // says the library
   bool has_element_ = false;
   std::exception_ptr thrown_;
 };
@@ -183,7 +186,7 @@ void Run::OnDocumentType(void* user_data, const xmlChar* /*name*/, const xmlChar
 void Run::OnError(void* user_data, xmlErrorPtr error) {
   if (error->level < XML_ERR_ERROR || error->code == XML_WAR_NS_URI) return;
   Run& run = Of(user_data);
-  run.failed_ = true;
+  run.malformed_ = true;
   run.context_->instate = XML_PARSER_EOF;
   run.context_->disableSAX = 1;
 }

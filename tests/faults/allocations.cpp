@@ -99,8 +99,9 @@ class Operation {
     const auto number = Perform(row_, world);
     failing_new::Disarm();
     ++counts_.tried;
+    // An operation that it asks may have reported the failure, and answered with nothing.
     const bool allowed = !number || number == undisturbed_ || number == kOutOfMemory ||
-                         number == kMemberNotSupported;
+                         number == kObjectNotSet || number == kMemberNotSupported;
     if (!allowed) Tell(n, from, "ends in error " + std::to_string(*number), counts_.wrong);
     const State now = StateOf(world);
     if (!world.DocumentsAreSound()) Tell(n, from, "leaves damaged documents", counts_.lost);
