@@ -106,13 +106,28 @@ VARTYPE PointeeOf(const ELEMDESC& parameter) {
 class LateArguments {
  public:
   // Run-time error 13 for an argument that its parameter can't take, 450 for one too many.
-  LateArguments(const FUNCDESC& operation, const DISPPARAMS& given);
+  // The last argument stands first.
+  LateArguments(const FUNCDESC& operation, const DISPPARAMS& given)
+      : arguments_(given.cArgs), passed_(given.cArgs), parameters_(given) {
+    for (UINT i = 0; i < given.cArgs; ++i) {
+      const auto position = static_cast<int>(given.cArgs - 1 - i);
+      if (position >= operation.cParams) Check(DISP_E_BADPARAMCOUNT);
+      passed_[i] = Converted(operation.lprgelemdescParam[position], given.rgvarg[i], arguments_[i]);
+    }
+    parameters_.rgvarg = passed_.data();
+  }
 
   // For ITypeInfo::Invoke; valid while this lives.
   [[nodiscard]] DISPPARAMS& Parameters() { return parameters_; }
 
   // After the call: gives the caller's object variables what they now hold.
-  void ReturnObjects();
+  void ReturnObjects() {
+    for (const Argument& argument : arguments_) {
+      if (argument.variable == nullptr) continue;
+      if (argument.object.Get() == ObjectIn(*argument.variable)) continue;
+      Assign(argument.object.Get(), *argument.variable);
+    }
+  }
 
  private:
   struct Argument {
@@ -121,51 +136,30 @@ class LateArguments {
     VARIANT* variable = nullptr;  // the caller's object variable
   };
 
-  VARIANT Converted(const ELEMDESC& parameter, VARIANT& given, Argument& argument);
+  VARIANT Converted(const ELEMDESC& parameter, VARIANT& given, Argument& argument) {
+    VARIANT& value = IsVariable(given) ? *V_VARIANTREF(&given) : given;
+    VARIANT passed{};
+    if (parameter.tdesc.vt == VT_UNKNOWN) {
+      V_VT(&passed) = VT_UNKNOWN;
+      V_UNKNOWN(&passed) = ObjectIn(value);
+    } else if (PointeeOf(parameter) == VT_UNKNOWN) {
+      if (IsVariable(given) || IsObjectVariable(given)) argument.variable = &given;
+      argument.object = ObjectIn(value);
+      V_VT(&passed) = VT_BYREF | VT_UNKNOWN;
+      V_UNKNOWNREF(&passed) = argument.object.GetAddressOf();
+    } else if (PointeeOf(parameter) == VT_BSTR) {
+      Check(::VariantChangeType(argument.value.address(), &value, 0, VT_BSTR));
+      passed = argument.value.get();
+    } else {
+      passed = PointeeOf(parameter) == VT_VARIANT ? given : value;
+    }
+    return passed;
+  }
 
   std::vector<Argument> arguments_;
   std::vector<VARIANT> passed_;
   DISPPARAMS parameters_;
 };
-
-// The last argument stands first.
-LateArguments::LateArguments(const FUNCDESC& operation, const DISPPARAMS& given)
-    : arguments_(given.cArgs), passed_(given.cArgs), parameters_(given) {
-  for (UINT i = 0; i < given.cArgs; ++i) {
-    const auto position = static_cast<int>(given.cArgs - 1 - i);
-    if (position >= operation.cParams) Check(DISP_E_BADPARAMCOUNT);
-    passed_[i] = Converted(operation.lprgelemdescParam[position], given.rgvarg[i], arguments_[i]);
-  }
-  parameters_.rgvarg = passed_.data();
-}
-
-VARIANT LateArguments::Converted(const ELEMDESC& parameter, VARIANT& given, Argument& argument) {
-  VARIANT& value = IsVariable(given) ? *V_VARIANTREF(&given) : given;
-  VARIANT passed{};
-  if (parameter.tdesc.vt == VT_UNKNOWN) {
-    V_VT(&passed) = VT_UNKNOWN;
-    V_UNKNOWN(&passed) = ObjectIn(value);
-  } else if (PointeeOf(parameter) == VT_UNKNOWN) {
-    if (IsVariable(given) || IsObjectVariable(given)) argument.variable = &given;
-    argument.object = ObjectIn(value);
-    V_VT(&passed) = VT_BYREF | VT_UNKNOWN;
-    V_UNKNOWNREF(&passed) = argument.object.GetAddressOf();
-  } else if (PointeeOf(parameter) == VT_BSTR) {
-    Check(::VariantChangeType(argument.value.address(), &value, 0, VT_BSTR));
-    passed = argument.value.get();
-  } else {
-    passed = PointeeOf(parameter) == VT_VARIANT ? given : value;
-  }
-  return passed;
-}
-
-void LateArguments::ReturnObjects() {
-  for (const Argument& argument : arguments_) {
-    if (argument.variable == nullptr) continue;
-    if (argument.object.Get() == ObjectIn(*argument.variable)) continue;
-    Assign(argument.object.Get(), *argument.variable);
-  }
-}
 
 }  // namespace
 
@@ -213,6 +207,7 @@ HRESULT LateBinding::Invoke(const LateCall& call) const {
     if (call.result != nullptr) ::VariantInit(call.result);
     return result;
   }
+
   MakeCallable(call.result);
   arguments.ReturnObjects();
   return result;

@@ -38,6 +38,7 @@ class Enumerator final : public Counted<IEnumVARIANT> {
     if (fetched != nullptr) *fetched = done;
     return done == count ? S_OK : S_FALSE;
   }
+
   STDMETHODIMP Skip(ULONG count) override {
     const auto left = static_cast<ULONG>(std::max(0, list_->Count() - next_ + 1));
     next_ += static_cast<int>(std::min(count, left));
@@ -65,10 +66,22 @@ class NameListWrapper final : public WrapperOf<::INameList, NameList> {
  public:
   using WrapperOf::WrapperOf;
 
-  STDMETHODIMP get_Item(long position, VARIANT* result) override;
-  STDMETHODIMP Add(VARIANT* value) override;
+  STDMETHODIMP get_Item(long position, VARIANT* result) override {
+    if (result == nullptr) return E_POINTER;
+    ::VariantInit(result);
+    return Guarded([&] { ToVariant(core_->Item(position), result); });
+  }
+  STDMETHODIMP Add(VARIANT* value) override {
+    if (value == nullptr) return E_POINTER;
+    return Guarded([&] { core_->Add(FromVariant(*value)); });
+  }
   STDMETHODIMP get_Count(long* result) override { return Call(&Core::Count, result); }
-  STDMETHODIMP get__NewEnum(IUnknown** result) override;
+
+  STDMETHODIMP get__NewEnum(IUnknown** result) override {
+    if (result == nullptr) return E_POINTER;
+    *result = nullptr;
+    return Guarded([&] { *result = new Enumerator(core_, 1); });
+  }
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) override { return object_.GetTypeInfoCount(count); }
   STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** type) override {
@@ -83,23 +96,6 @@ class NameListWrapper final : public WrapperOf<::INameList, NameList> {
     return object_.Invoke(id, iid, locale, flags, parameters, result, exception, wrong_argument);
   }
 };
-
-STDMETHODIMP NameListWrapper::get_Item(long position, VARIANT* result) {
-  if (result == nullptr) return E_POINTER;
-  ::VariantInit(result);
-  return Guarded([&] { ToVariant(core_->Item(position), result); });
-}
-
-STDMETHODIMP NameListWrapper::Add(VARIANT* value) {
-  if (value == nullptr) return E_POINTER;
-  return Guarded([&] { core_->Add(FromVariant(*value)); });
-}
-
-STDMETHODIMP NameListWrapper::get__NewEnum(IUnknown** result) {
-  if (result == nullptr) return E_POINTER;
-  *result = nullptr;
-  return Guarded([&] { *result = new Enumerator(core_, 1); });
-}
 
 class IdentifierWrapper final : public WrapperOf<::IIdentifier, Identifier> {
  public:
@@ -135,6 +131,7 @@ class NamedValueSetWrapper final : public WrapperOf<::INamedValueSet, NamedValue
       *values = all_values.Release();
     });
   }
+
   STDMETHODIMP EntryCount(long* result) override { return Call(&Core::EntryCount, result); }
   STDMETHODIMP PrepareForUpdate() override { return Call(&Core::PrepareForUpdate); }
 };

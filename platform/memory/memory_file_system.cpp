@@ -65,14 +65,46 @@ void AppendTree(const MemoryNode& folder, const std::string& prefix,
 class MemoryDirectory final : public Directory {
  public:
   // `path` is what errors name.
-  MemoryDirectory(std::shared_ptr<MemoryNode> folder, std::string path);
+  MemoryDirectory(std::shared_ptr<MemoryNode> folder, std::string path) {
+    levels_.push_back({std::move(folder), {}, std::move(path)});
+  }
 
-  std::vector<std::string> Files() override;
-  std::vector<std::string> Entries() override;
-  void DeleteFiles() override;
-  void Enter(std::string_view name) override;
-  void Leave() override;
-  void RemoveFolder(std::string_view name) override;
+  std::vector<std::string> Files() override {
+    std::vector<std::string> names = Here().SeenNames();
+    std::erase_if(names,
+                  [&](const std::string& name) { return Here().children.at(name)->IsFolder(); });
+    return names;
+  }
+  std::vector<std::string> Entries() override {
+    std::vector<std::string> names = Here().SeenNames();
+    levels_.back().known.clear();
+    for (const std::string& name : names) levels_.back().known[name] = Here().children.at(name);
+    return names;
+  }
+  void DeleteFiles() override {
+    std::vector<std::string> names = Files();
+    std::erase_if(names, [&](const std::string& name) {
+      return (Here().children.at(name)->attributes & kReadOnlyAttribute) != 0;
+    });
+    if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
+    if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(names.front()));
+    for (const std::string& name : names) Here().children.erase(name);
+  }
+
+  void Enter(std::string_view name) override {
+    const auto [real_name, folder] = *FolderNamed(name);
+    levels_.back().known[real_name] = folder;
+    levels_.push_back({folder, {}, PathOf(real_name)});
+  }
+  void Leave() override { levels_.pop_back(); }
+
+  void RemoveFolder(std::string_view name) override {
+    const auto found = FolderNamed(name);
+    if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(name));
+    if (!found->second->children.empty()) throw PathError(kPathFileAccess, PathOf(name));
+    levels_.back().known.erase(found->first);
+    Here().children.erase(found);
+  }
 
  private:
   using Nodes = std::map<std::string, std::shared_ptr<MemoryNode>, std::less<>>;
@@ -87,64 +119,18 @@ class MemoryDirectory final : public Directory {
     return PathIn(levels_.back().path, name);
   }
   // A folder inside, by its real name; run-time error 76 or 75.
-  [[nodiscard]] Nodes::const_iterator FolderNamed(std::string_view name) const;
+  [[nodiscard]] Nodes::const_iterator FolderNamed(std::string_view name) const {
+    const auto real_name = Here().Find(name, FindSameName);
+    if (!real_name) throw PathError(kPathNotFound, PathOf(name));
+    const auto found = Here().children.find(*real_name);
+    const auto known = levels_.back().known.find(*real_name);
+    const bool replaced = known != levels_.back().known.end() && known->second != found->second;
+    if (!found->second->IsFolder() || replaced) throw PathError(kPathFileAccess, PathOf(name));
+    return found;
+  }
 
   std::vector<Level> levels_;  // The last one is where it is.
 };
-
-MemoryDirectory::MemoryDirectory(std::shared_ptr<MemoryNode> folder, std::string path) {
-  levels_.push_back({std::move(folder), {}, std::move(path)});
-}
-
-std::vector<std::string> MemoryDirectory::Files() {
-  std::vector<std::string> names = Here().SeenNames();
-  std::erase_if(names,
-                [&](const std::string& name) { return Here().children.at(name)->IsFolder(); });
-  return names;
-}
-
-std::vector<std::string> MemoryDirectory::Entries() {
-  std::vector<std::string> names = Here().SeenNames();
-  levels_.back().known.clear();
-  for (const std::string& name : names) levels_.back().known[name] = Here().children.at(name);
-  return names;
-}
-
-void MemoryDirectory::DeleteFiles() {
-  std::vector<std::string> names = Files();
-  std::erase_if(names, [&](const std::string& name) {
-    return (Here().children.at(name)->attributes & kReadOnlyAttribute) != 0;
-  });
-  if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
-  if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(names.front()));
-  for (const std::string& name : names) Here().children.erase(name);
-}
-
-void MemoryDirectory::Enter(std::string_view name) {
-  const auto [real_name, folder] = *FolderNamed(name);
-  levels_.back().known[real_name] = folder;
-  levels_.push_back({folder, {}, PathOf(real_name)});
-}
-
-void MemoryDirectory::Leave() { levels_.pop_back(); }
-
-void MemoryDirectory::RemoveFolder(std::string_view name) {
-  const auto found = FolderNamed(name);
-  if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(name));
-  if (!found->second->children.empty()) throw PathError(kPathFileAccess, PathOf(name));
-  levels_.back().known.erase(found->first);
-  Here().children.erase(found);
-}
-
-MemoryDirectory::Nodes::const_iterator MemoryDirectory::FolderNamed(std::string_view name) const {
-  const auto real_name = Here().Find(name, FindSameName);
-  if (!real_name) throw PathError(kPathNotFound, PathOf(name));
-  const auto found = Here().children.find(*real_name);
-  const auto known = levels_.back().known.find(*real_name);
-  const bool replaced = known != levels_.back().known.end() && known->second != found->second;
-  if (!found->second->IsFolder() || replaced) throw PathError(kPathFileAccess, PathOf(name));
-  return found;
-}
 
 }  // namespace
 

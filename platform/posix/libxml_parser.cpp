@@ -78,7 +78,20 @@ class Run {
   }
 
  private:
-  static xmlSAXHandler Callbacks();
+  static xmlSAXHandler Callbacks() {
+    xmlSAXHandler callbacks{};
+    callbacks.initialized = XML_SAX2_MAGIC;
+    callbacks.startElementNs = OnStartElement;
+    callbacks.endElementNs = OnEndElement;
+    callbacks.characters = OnCharacters;
+    callbacks.ignorableWhitespace = OnCharacters;
+    callbacks.cdataBlock = OnCharacters;
+    callbacks.comment = OnComment;
+    callbacks.processingInstruction = OnInstruction;
+    callbacks.internalSubset = OnDocumentType;
+    callbacks.serror = OnError;
+    return callbacks;
+  }
 
   static Run& Of(void* user_data) { return *static_cast<Run*>(user_data); }
 
@@ -98,15 +111,57 @@ class Run {
   static void OnStartElement(void* user_data, const xmlChar* local, const xmlChar* prefix,
                              const xmlChar* /*uri*/, int namespace_count,
                              const xmlChar** namespaces, int attribute_count,
-                             int /*defaulted_count*/, const xmlChar** attributes);
+                             int /*defaulted_count*/, const xmlChar** attributes) {
+    Run& run = Of(user_data);
+    run.Pass([&] {
+      run.has_element_ = true;
+      if (++run.depth_ > xml::kMaxDepth) return false;
+      XmlHandler::Attributes list;
+      for (int i = 0; i < namespace_count; ++i, namespaces += 2) {
+        std::string name =
+            namespaces[0] == nullptr ? "xmlns" : QualifiedName("xmlns", View(namespaces[0]));
+        list.emplace_back(std::move(name), AttributeText(View(namespaces[1])));
+      }
+      // Each attribute is its local name, prefix, namespace, and the start and end of its value.
+      for (int i = 0; i < attribute_count; ++i, attributes += 5) {
+        const auto length = static_cast<int>(attributes[4] - attributes[3]);
+        list.emplace_back(QualifiedName(View(attributes[1]), View(attributes[0])),
+                          AttributeText(View(attributes[3], length)));
+      }
+      return run.handler_.StartElement(QualifiedName(View(prefix), View(local)), std::move(list));
+    });
+  }
+
   static void OnEndElement(void* user_data, const xmlChar* /*local*/, const xmlChar* /*prefix*/,
-                           const xmlChar* /*uri*/);
-  static void OnCharacters(void* user_data, const xmlChar* text, int length);
-  static void OnComment(void* user_data, const xmlChar* text);
-  static void OnInstruction(void* user_data, const xmlChar* target, const xmlChar* data);
+                           const xmlChar* /*uri*/) {
+    Run& run = Of(user_data);
+    --run.depth_;
+    run.Pass([&] { return run.handler_.EndElement(); });
+  }
+  static void OnCharacters(void* user_data, const xmlChar* text, int length) {
+    Run& run = Of(user_data);
+    run.Pass([&] { return run.handler_.Characters(View(text, length)); });
+  }
+  static void OnComment(void* user_data, const xmlChar* text) {
+    Run& run = Of(user_data);
+    run.Pass([&] { return run.handler_.Comment(View(text)); });
+  }
+  static void OnInstruction(void* user_data, const xmlChar* target, const xmlChar* data) {
+    Run& run = Of(user_data);
+    run.Pass([&] { return run.handler_.Instruction(View(target), View(data)); });
+  }
   static void OnDocumentType(void* user_data, const xmlChar* /*name*/,
-                             const xmlChar* /*external_id*/, const xmlChar* /*system_id*/);
-  static void OnError(void* user_data, xmlErrorPtr error);
+                             const xmlChar* /*external_id*/, const xmlChar* /*system_id*/) {
+    Of(user_data).Pass([] { return false; });
+  }
+  // Ends the parse without freeing the input, which the library may still be reading here.
+  static void OnError(void* user_data, xmlErrorPtr error) {
+    if (error->level < XML_ERR_ERROR || error->code == XML_WAR_NS_URI) return;
+    Run& run = Of(user_data);
+    run.malformed_ = true;
+    run.context_->instate = XML_PARSER_EOF;
+    run.context_->disableSAX = 1;
+  }
 
   xmlParserCtxtPtr context_;
   XmlHandler& handler_;
@@ -116,80 +171,6 @@ class Run {
   bool has_element_ = false;
   std::exception_ptr thrown_;
 };
-
-xmlSAXHandler Run::Callbacks() {
-  xmlSAXHandler callbacks{};
-  callbacks.initialized = XML_SAX2_MAGIC;
-  callbacks.startElementNs = OnStartElement;
-  callbacks.endElementNs = OnEndElement;
-  callbacks.characters = OnCharacters;
-  callbacks.ignorableWhitespace = OnCharacters;
-  callbacks.cdataBlock = OnCharacters;
-  callbacks.comment = OnComment;
-  callbacks.processingInstruction = OnInstruction;
-  callbacks.internalSubset = OnDocumentType;
-  callbacks.serror = OnError;
-  return callbacks;
-}
-
-void Run::OnStartElement(void* user_data, const xmlChar* local, const xmlChar* prefix,
-                         const xmlChar* /*uri*/, int namespace_count, const xmlChar** namespaces,
-                         int attribute_count, int /*defaulted_count*/, const xmlChar** attributes) {
-  Run& run = Of(user_data);
-  run.Pass([&] {
-    run.has_element_ = true;
-    if (++run.depth_ > xml::kMaxDepth) return false;
-    XmlHandler::Attributes list;
-    for (int i = 0; i < namespace_count; ++i, namespaces += 2) {
-      std::string name =
-          namespaces[0] == nullptr ? "xmlns" : QualifiedName("xmlns", View(namespaces[0]));
-      list.emplace_back(std::move(name), AttributeText(View(namespaces[1])));
-    }
-    // Each attribute is its local name, prefix, namespace, and the start and end of its value.
-    for (int i = 0; i < attribute_count; ++i, attributes += 5) {
-      const auto length = static_cast<int>(attributes[4] - attributes[3]);
-      list.emplace_back(QualifiedName(View(attributes[1]), View(attributes[0])),
-                        AttributeText(View(attributes[3], length)));
-    }
-    return run.handler_.StartElement(QualifiedName(View(prefix), View(local)), std::move(list));
-  });
-}
-
-void Run::OnEndElement(void* user_data, const xmlChar* /*local*/, const xmlChar* /*prefix*/,
-                       const xmlChar* /*uri*/) {
-  Run& run = Of(user_data);
-  --run.depth_;
-  run.Pass([&] { return run.handler_.EndElement(); });
-}
-
-void Run::OnCharacters(void* user_data, const xmlChar* text, int length) {
-  Run& run = Of(user_data);
-  run.Pass([&] { return run.handler_.Characters(View(text, length)); });
-}
-
-void Run::OnComment(void* user_data, const xmlChar* text) {
-  Run& run = Of(user_data);
-  run.Pass([&] { return run.handler_.Comment(View(text)); });
-}
-
-void Run::OnInstruction(void* user_data, const xmlChar* target, const xmlChar* data) {
-  Run& run = Of(user_data);
-  run.Pass([&] { return run.handler_.Instruction(View(target), View(data)); });
-}
-
-void Run::OnDocumentType(void* user_data, const xmlChar* /*name*/, const xmlChar* /*external_id*/,
-                         const xmlChar* /*system_id*/) {
-  Of(user_data).Pass([] { return false; });
-}
-
-// Ends the parse without freeing the input, which the library may still be reading here.
-void Run::OnError(void* user_data, xmlErrorPtr error) {
-  if (error->level < XML_ERR_ERROR || error->code == XML_WAR_NS_URI) return;
-  Run& run = Of(user_data);
-  run.malformed_ = true;
-  run.context_->instate = XML_PARSER_EOF;
-  run.context_->disableSAX = 1;
-}
 
 // Besides what XmlParser promises, refuses without reading on: texts larger than documents get,
 // elements within elements deeper, and attributes of one element more, than documents have. Keeps

@@ -48,15 +48,77 @@ bool WasEmpty(int folder, const std::string& name) {
 class PosixDirectory final : public Directory {
  public:
   // `path` is what errors name.
-  PosixDirectory(FileDescriptor folder, std::string path);
+  PosixDirectory(FileDescriptor folder, std::string path) : path_(std::move(path)) {
+    const FileIdentity identity = IdentityOf(folder.get());
+    levels_.push_back({std::move(folder), identity, path_.size(), {}});
+  }
 
-  std::vector<std::string> Files() override;
-  std::vector<std::string> Entries() override;
-  void DeleteFiles() override;
-  void Enter(std::string_view name) override;
-  void Leave() override;
+  std::vector<std::string> Files() override {
+    return TranslatingErrors(path_, [&] {
+      return NamesOf(Here(), [](const FileStatus& status) { return !status.is_folder; });
+    });
+  }
+  std::vector<std::string> Entries() override {
+    return TranslatingErrors(path_, [&] {
+      std::vector<std::string> names;
+      auto& known = levels_.back().known;
+      known.clear();
+      for (auto& [name, identity] : SeenEntries(Here(), [](const FileStatus&) { return true; })) {
+        known[name] = identity;
+        names.push_back(std::move(name));
+      }
+      return names;
+    });
+  }
+
+  void DeleteFiles() override {
+    const std::vector<std::string> names = DeletableFiles();
+    if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
+    for (const std::string& name : names) {
+      const bool gone = ::unlinkat(Here(), name.c_str(), 0) == 0 || errno == ENOENT;
+      if (!gone) throw SystemErrorAt(PathOf(name), errno);
+    }
+  }
+
+  void Enter(std::string_view name) override {
+    TranslatingErrors(PathOf(name), [&] {
+      const std::string real_name = RealName(name);
+      FileDescriptor inside = OpenFolderIn(Here(), real_name);
+      const FileIdentity identity = IdentityOf(inside.get());
+      RequireKnown(real_name, identity);
+      levels_.back().known[real_name] = identity;
+      if (levels_.size() >= kMostOpen) levels_.back().folder = FileDescriptor(-1);
+      path_ = PathOf(real_name);
+      levels_.push_back({std::move(inside), identity, path_.size(), {}});
+    });
+  }
+
+  void Leave() override {
+    TranslatingErrors(path_, [&] {
+      const Level inside = std::move(levels_.back());
+      levels_.pop_back();
+      path_.resize(levels_.back().path_length);
+      if (Here() >= 0) return;
+      FileDescriptor around = OpenAt(inside.folder.get(), "..", O_RDONLY | O_DIRECTORY);
+      if (IdentityOf(around.get()) != levels_.back().identity) ThrowSystemError(ENOENT);
+      levels_.back().folder = std::move(around);
+    });
+  }
+
   // Temporary files that killed replacements left in the folder do not keep it.
-  void RemoveFolder(std::string_view name) override;
+  void RemoveFolder(std::string_view name) override {
+    TranslatingErrors(PathOf(name), [&] {
+      const std::string real_name = RealName(name);
+      const auto status = StatusOf(Here(), real_name);
+      if (!status) ThrowSystemError(ENOENT);
+      RequireKnown(real_name, status->identity);
+      if (!WasEmpty(Here(), real_name)) {
+        DeleteStaleTemporaryFiles(OpenFolderIn(Here(), real_name).get());
+        if (!WasEmpty(Here(), real_name)) ThrowSystemError(ENOTEMPTY);
+      }
+      levels_.back().known.erase(real_name);
+    });
+  }
 
  private:
   struct Level {
@@ -69,105 +131,28 @@ class PosixDirectory final : public Directory {
   [[nodiscard]] int Here() const { return levels_.back().folder.get(); }
   [[nodiscard]] std::string PathOf(std::string_view name) const { return PathIn(path_, name); }
   // The real name of an entry. Throws std::system_error ENOENT when it is missing.
-  [[nodiscard]] std::string RealName(std::string_view name) const;
+  [[nodiscard]] std::string RealName(std::string_view name) const {
+    auto entry = FindEntry(Here(), name, FindSameName);
+    if (!entry) ThrowSystemError(ENOENT);
+    return *std::move(entry);
+  }
   // Throws std::system_error ENOTDIR unless `found` is what is known by this name, if anything.
-  void RequireKnown(const std::string& name, const FileIdentity& found) const;
-  [[nodiscard]] std::vector<std::string> DeletableFiles() const;
+  void RequireKnown(const std::string& name, const FileIdentity& found) const {
+    const auto& known = levels_.back().known;
+    const auto entry = known.find(name);
+    if (entry != known.end() && entry->second != found) ThrowSystemError(ENOTDIR);
+  }
+  [[nodiscard]] std::vector<std::string> DeletableFiles() const {
+    return TranslatingErrors(path_, [&] {
+      return NamesOf(Here(), [](const FileStatus& status) {
+        return !status.is_folder && !status.is_read_only;
+      });
+    });
+  }
 
   std::vector<Level> levels_;  // The last one is where it is.
   std::string path_;
 };
-
-PosixDirectory::PosixDirectory(FileDescriptor folder, std::string path) : path_(std::move(path)) {
-  const FileIdentity identity = IdentityOf(folder.get());
-  levels_.push_back({std::move(folder), identity, path_.size(), {}});
-}
-
-std::vector<std::string> PosixDirectory::Files() {
-  return TranslatingErrors(path_, [&] {
-    return NamesOf(Here(), [](const FileStatus& status) { return !status.is_folder; });
-  });
-}
-
-std::vector<std::string> PosixDirectory::Entries() {
-  return TranslatingErrors(path_, [&] {
-    std::vector<std::string> names;
-    auto& known = levels_.back().known;
-    known.clear();
-    for (auto& [name, identity] : SeenEntries(Here(), [](const FileStatus&) { return true; })) {
-      known[name] = identity;
-      names.push_back(std::move(name));
-    }
-    return names;
-  });
-}
-
-void PosixDirectory::DeleteFiles() {
-  const std::vector<std::string> names = DeletableFiles();
-  if (names.empty()) throw PathError(kFileNotFound, PathOf("*"));
-  for (const std::string& name : names) {
-    const bool gone = ::unlinkat(Here(), name.c_str(), 0) == 0 || errno == ENOENT;
-    if (!gone) throw SystemErrorAt(PathOf(name), errno);
-  }
-}
-
-void PosixDirectory::Enter(std::string_view name) {
-  TranslatingErrors(PathOf(name), [&] {
-    const std::string real_name = RealName(name);
-    FileDescriptor inside = OpenFolderIn(Here(), real_name);
-    const FileIdentity identity = IdentityOf(inside.get());
-    RequireKnown(real_name, identity);
-    levels_.back().known[real_name] = identity;
-    if (levels_.size() >= kMostOpen) levels_.back().folder = FileDescriptor(-1);
-    path_ = PathOf(real_name);
-    levels_.push_back({std::move(inside), identity, path_.size(), {}});
-  });
-}
-
-void PosixDirectory::Leave() {
-  TranslatingErrors(path_, [&] {
-    const Level inside = std::move(levels_.back());
-    levels_.pop_back();
-    path_.resize(levels_.back().path_length);
-    if (Here() >= 0) return;
-    FileDescriptor around = OpenAt(inside.folder.get(), "..", O_RDONLY | O_DIRECTORY);
-    if (IdentityOf(around.get()) != levels_.back().identity) ThrowSystemError(ENOENT);
-    levels_.back().folder = std::move(around);
-  });
-}
-
-void PosixDirectory::RemoveFolder(std::string_view name) {
-  TranslatingErrors(PathOf(name), [&] {
-    const std::string real_name = RealName(name);
-    const auto status = StatusOf(Here(), real_name);
-    if (!status) ThrowSystemError(ENOENT);
-    RequireKnown(real_name, status->identity);
-    if (!WasEmpty(Here(), real_name)) {
-      DeleteStaleTemporaryFiles(OpenFolderIn(Here(), real_name).get());
-      if (!WasEmpty(Here(), real_name)) ThrowSystemError(ENOTEMPTY);
-    }
-    levels_.back().known.erase(real_name);
-  });
-}
-
-std::string PosixDirectory::RealName(std::string_view name) const {
-  auto entry = FindEntry(Here(), name, FindSameName);
-  if (!entry) ThrowSystemError(ENOENT);
-  return *std::move(entry);
-}
-
-void PosixDirectory::RequireKnown(const std::string& name, const FileIdentity& found) const {
-  const auto& known = levels_.back().known;
-  const auto entry = known.find(name);
-  if (entry != known.end() && entry->second != found) ThrowSystemError(ENOTDIR);
-}
-
-std::vector<std::string> PosixDirectory::DeletableFiles() const {
-  return TranslatingErrors(path_, [&] {
-    return NamesOf(
-        Here(), [](const FileStatus& status) { return !status.is_folder && !status.is_read_only; });
-  });
-}
 
 FileDescriptor Readable(const FileDescriptor& folder) {
   return OpenAt(folder.get(), ".", O_RDONLY | O_DIRECTORY);
@@ -194,99 +179,90 @@ class PosixFileSystem final : public FileSystem {
  public:
   explicit PosixFileSystem(const PosixFileOptions& options) : paths_(options) {}
 
-  bool FolderExists(std::string_view path) override;
-  void CreateFolder(std::string_view path) override;
-  std::string FullPath(std::string_view path) override;
-  void HideFolder(std::string_view path) override;
-  std::string SystemDrive() override;
-  std::vector<std::string> FindFiles(std::string_view pattern) override;
-  std::unique_ptr<Directory> OpenFolder(std::string_view path) override;
-  std::optional<std::string> ReadFile(std::string_view path) override;
-  void WriteFile(std::string_view path, std::string_view bytes) override;
+  bool FolderExists(std::string_view path) override {
+    try {
+      DrivePath resolved = PosixPaths::Resolve(path);
+      return paths_.Open(resolved, ENOTDIR).get() >= 0;
+    } catch (const std::system_error&) {
+      return false;  // What can't be reached is not there for the caller.
+    }
+  }
+
+  void CreateFolder(std::string_view path) override {
+    TranslatingErrors(path, [&] {
+      const PosixPlace place = paths_.PlaceOf(path, EEXIST);
+      if (place.entry) throw PathError(kFileExists, path);
+      if (!IsCreatableName(place.name)) throw PathError(kBadFileName, path);
+      if (::mkdirat(place.folder.get(), place.name.c_str(), 0777) != 0) ThrowLastError();
+    });
+  }
+
+  std::string FullPath(std::string_view path) override {
+    return TranslatingErrors(path, [&] {
+      DrivePath resolved = PosixPaths::Resolve(path);
+      [[maybe_unused]] const FileDescriptor folder = paths_.Open(resolved, ENOENT);
+      return resolved.Text();
+    });
+  }
+
+  void HideFolder(std::string_view path) override {
+    TranslatingErrors(path, [&] {
+      DrivePath resolved = PosixPaths::Resolve(path);
+      const FileDescriptor folder = Readable(paths_.Open(resolved, ENOENT));
+      const unsigned attributes = ReadDosAttributes(folder.get());
+      WriteDosAttributes(folder.get(), attributes | kHiddenAttribute | kFolderAttribute);
+    });
+  }
+
+  std::string SystemDrive() override { return "C:"; }
+
+  std::vector<std::string> FindFiles(std::string_view pattern) override {
+    const SearchPattern search = SplitPattern(pattern);
+    const bool wants_dots = search.name.starts_with('.');
+    return AnswerUnlessMissing<std::vector<std::string>>(search.folder, [&] {
+      DrivePath resolved = PosixPaths::Resolve(search.folder);
+      const FileDescriptor folder = paths_.Open(resolved, ENOENT);
+      std::vector<std::string> names = EntryNames(folder.get());
+      std::erase_if(names, [&](const std::string& name) {
+        if (!MatchesPattern(name, search.name)) return true;
+        const auto status = StatusOf(folder.get(), name);
+        return !status || status->is_folder ||
+               !(status->is_seen || (wants_dots && status->has_dot));
+      });
+      return names;
+    });
+  }
+
+  std::unique_ptr<Directory> OpenFolder(std::string_view path) override {
+    return TranslatingErrors(path, [&] {
+      DrivePath resolved = PosixPaths::Resolve(path);
+      const FileDescriptor folder = paths_.Open(resolved, ENOTDIR, FindSameName);
+      return std::make_unique<PosixDirectory>(Readable(folder), resolved.Text());
+    });
+  }
+
+  std::optional<std::string> ReadFile(std::string_view path) override {
+    return AnswerUnlessMissing<std::optional<std::string>>(path, [&] {
+      const PosixPlace place = paths_.PlaceOf(path, ENOENT);
+      if (!place.entry) return std::optional<std::string>();
+      return ReadRegularFile(place.folder.get(), *place.entry);
+    });
+  }
+
+  void WriteFile(std::string_view path, std::string_view bytes) override {
+    TranslatingErrors(path, [&] {
+      const PosixPlace place = paths_.PlaceOf(path, EISDIR);
+      if (!place.entry && !IsCreatableName(place.name)) throw PathError(kBadFileName, path);
+      const std::string name = place.entry.value_or(place.name);
+      const auto old = StatusOf(place.folder.get(), name);
+      if (old) RequireReplaceable(*old, path);
+      ReplaceFile(place.folder.get(), name, bytes, old);
+    });
+  }
 
  private:
   PosixPaths paths_;
 };
-
-bool PosixFileSystem::FolderExists(std::string_view path) {
-  try {
-    DrivePath resolved = PosixPaths::Resolve(path);
-    return paths_.Open(resolved, ENOTDIR).get() >= 0;
-  } catch (const std::system_error&) {
-    return false;  // What can't be reached is not there for the caller.
-  }
-}
-
-void PosixFileSystem::CreateFolder(std::string_view path) {
-  TranslatingErrors(path, [&] {
-    const PosixPlace place = paths_.PlaceOf(path, EEXIST);
-    if (place.entry) throw PathError(kFileExists, path);
-    if (!IsCreatableName(place.name)) throw PathError(kBadFileName, path);
-    if (::mkdirat(place.folder.get(), place.name.c_str(), 0777) != 0) ThrowLastError();
-  });
-}
-
-std::string PosixFileSystem::FullPath(std::string_view path) {
-  return TranslatingErrors(path, [&] {
-    DrivePath resolved = PosixPaths::Resolve(path);
-    [[maybe_unused]] const FileDescriptor folder = paths_.Open(resolved, ENOENT);
-    return resolved.Text();
-  });
-}
-
-void PosixFileSystem::HideFolder(std::string_view path) {
-  TranslatingErrors(path, [&] {
-    DrivePath resolved = PosixPaths::Resolve(path);
-    const FileDescriptor folder = Readable(paths_.Open(resolved, ENOENT));
-    const unsigned attributes = ReadDosAttributes(folder.get());
-    WriteDosAttributes(folder.get(), attributes | kHiddenAttribute | kFolderAttribute);
-  });
-}
-
-std::string PosixFileSystem::SystemDrive() { return "C:"; }
-
-std::vector<std::string> PosixFileSystem::FindFiles(std::string_view pattern) {
-  const SearchPattern search = SplitPattern(pattern);
-  const bool wants_dots = search.name.starts_with('.');
-  return AnswerUnlessMissing<std::vector<std::string>>(search.folder, [&] {
-    DrivePath resolved = PosixPaths::Resolve(search.folder);
-    const FileDescriptor folder = paths_.Open(resolved, ENOENT);
-    std::vector<std::string> names = EntryNames(folder.get());
-    std::erase_if(names, [&](const std::string& name) {
-      if (!MatchesPattern(name, search.name)) return true;
-      const auto status = StatusOf(folder.get(), name);
-      return !status || status->is_folder || !(status->is_seen || (wants_dots && status->has_dot));
-    });
-    return names;
-  });
-}
-
-std::unique_ptr<Directory> PosixFileSystem::OpenFolder(std::string_view path) {
-  return TranslatingErrors(path, [&] {
-    DrivePath resolved = PosixPaths::Resolve(path);
-    const FileDescriptor folder = paths_.Open(resolved, ENOTDIR, FindSameName);
-    return std::make_unique<PosixDirectory>(Readable(folder), resolved.Text());
-  });
-}
-
-std::optional<std::string> PosixFileSystem::ReadFile(std::string_view path) {
-  return AnswerUnlessMissing<std::optional<std::string>>(path, [&] {
-    const PosixPlace place = paths_.PlaceOf(path, ENOENT);
-    if (!place.entry) return std::optional<std::string>();
-    return ReadRegularFile(place.folder.get(), *place.entry);
-  });
-}
-
-void PosixFileSystem::WriteFile(std::string_view path, std::string_view bytes) {
-  TranslatingErrors(path, [&] {
-    const PosixPlace place = paths_.PlaceOf(path, EISDIR);
-    if (!place.entry && !IsCreatableName(place.name)) throw PathError(kBadFileName, path);
-    const std::string name = place.entry.value_or(place.name);
-    const auto old = StatusOf(place.folder.get(), name);
-    if (old) RequireReplaceable(*old, path);
-    ReplaceFile(place.folder.get(), name, bytes, old);
-  });
-}
 
 }  // namespace
 

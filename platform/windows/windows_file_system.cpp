@@ -43,15 +43,55 @@ void DeleteUnlessGone(const FileHandle& folder, const FolderEntry& entry) {
 class WindowsDirectory final : public Directory {
  public:
   // `folder` is open with kListAccess; `path` is what errors name.
-  WindowsDirectory(FileHandle folder, std::string path);
+  WindowsDirectory(FileHandle folder, std::string path) : path_(std::move(path)) {
+    levels_.push_back({std::move(folder), path_.size(), {}});
+  }
 
-  std::vector<std::string> Files() override;
-  std::vector<std::string> Entries() override;
+  std::vector<std::string> Files() override {
+    return TranslatingErrors(path_, [&] {
+      return NamesOf(
+          SeenEntries(Here(), [](const FolderEntry& entry) { return !entry.IsFolder(); }));
+    });
+  }
+  std::vector<std::string> Entries() override {
+    return TranslatingErrors(path_, [&] {
+      const auto entries = SeenEntries(Here(), [](const FolderEntry&) { return true; });
+      levels_.back().known.clear();
+      for (const FolderEntry& entry : entries) levels_.back().known[entry.name] = entry.id;
+      return NamesOf(entries);
+    });
+  }
+
   // Also error 75 when a link can't be told from what it leads to.
-  void DeleteFiles() override;
-  void Enter(std::string_view name) override;
-  void Leave() override;
-  void RemoveFolder(std::string_view name) override;
+  void DeleteFiles() override {
+    const std::vector<FolderEntry> files = DeletableFiles();
+    if (files.empty()) throw PathError(kFileNotFound, PathOf("*"));
+    for (const FolderEntry& file : files) {
+      TranslatingErrors(PathOf(ToUtf8(file.name)), [&] { DeleteUnlessGone(Here(), file); });
+    }
+  }
+
+  void Enter(std::string_view name) override {
+    TranslatingErrors(PathOf(name), [&] {
+      const FolderEntry entry = FolderNamed(name);
+      FileHandle inside = OpenEntry(Here(), entry, kListAccess);
+      levels_.back().known[entry.name] = entry.id;
+      path_ = PathOf(ToUtf8(entry.name));
+      levels_.push_back({std::move(inside), path_.size(), {}});
+    });
+  }
+
+  void Leave() override {
+    levels_.pop_back();
+    path_.resize(levels_.back().path_length);
+  }
+  void RemoveFolder(std::string_view name) override {
+    TranslatingErrors(PathOf(name), [&] {
+      const FolderEntry entry = FolderNamed(name);
+      DeleteEntry(Here(), entry);
+      levels_.back().known.erase(entry.name);
+    });
+  }
 
  private:
   struct Level {
@@ -64,185 +104,124 @@ class WindowsDirectory final : public Directory {
   [[nodiscard]] std::string PathOf(std::string_view name) const { return PathIn(path_, name); }
   // A folder inside. Throws std::system_error: ERROR_PATH_NOT_FOUND when it is missing,
   // ERROR_DIRECTORY when it is no folder or not the one that is known by its name.
-  [[nodiscard]] FolderEntry FolderNamed(std::string_view name) const;
-  [[nodiscard]] std::vector<FolderEntry> DeletableFiles() const;
+  [[nodiscard]] FolderEntry FolderNamed(std::string_view name) const {
+    std::vector<std::string> names;
+    std::vector<FolderEntry> entries = EntriesOf(Here());
+    for (const FolderEntry& entry : entries) names.push_back(ToUtf8(entry.name));
+    const auto found = FindSameName(names, name);
+    if (!found) ThrowSystemError(ERROR_PATH_NOT_FOUND);
+    FolderEntry& entry = entries.at(std::ranges::find(names, *found) - names.begin());
+    const auto known = levels_.back().known.find(entry.name);
+    const bool replaced = known != levels_.back().known.end() && known->second != entry.id;
+    if (!entry.IsFolder() || replaced) ThrowSystemError(ERROR_DIRECTORY);
+    return std::move(entry);
+  }
+
+  [[nodiscard]] std::vector<FolderEntry> DeletableFiles() const {
+    return TranslatingErrors(path_, [&] {
+      return SeenEntries(Here(), [](const FolderEntry& entry) {
+        return !entry.IsFolder() && !entry.IsReadOnly();
+      });
+    });
+  }
 
   std::vector<Level> levels_;  // The last one is where it is.
   std::string path_;
 };
 
-WindowsDirectory::WindowsDirectory(FileHandle folder, std::string path) : path_(std::move(path)) {
-  levels_.push_back({std::move(folder), path_.size(), {}});
-}
-
-std::vector<std::string> WindowsDirectory::Files() {
-  return TranslatingErrors(path_, [&] {
-    return NamesOf(SeenEntries(Here(), [](const FolderEntry& entry) { return !entry.IsFolder(); }));
-  });
-}
-
-std::vector<std::string> WindowsDirectory::Entries() {
-  return TranslatingErrors(path_, [&] {
-    const auto entries = SeenEntries(Here(), [](const FolderEntry&) { return true; });
-    levels_.back().known.clear();
-    for (const FolderEntry& entry : entries) levels_.back().known[entry.name] = entry.id;
-    return NamesOf(entries);
-  });
-}
-
-void WindowsDirectory::DeleteFiles() {
-  const std::vector<FolderEntry> files = DeletableFiles();
-  if (files.empty()) throw PathError(kFileNotFound, PathOf("*"));
-  for (const FolderEntry& file : files) {
-    TranslatingErrors(PathOf(ToUtf8(file.name)), [&] { DeleteUnlessGone(Here(), file); });
-  }
-}
-
-void WindowsDirectory::Enter(std::string_view name) {
-  TranslatingErrors(PathOf(name), [&] {
-    const FolderEntry entry = FolderNamed(name);
-    FileHandle inside = OpenEntry(Here(), entry, kListAccess);
-    levels_.back().known[entry.name] = entry.id;
-    path_ = PathOf(ToUtf8(entry.name));
-    levels_.push_back({std::move(inside), path_.size(), {}});
-  });
-}
-
-void WindowsDirectory::Leave() {
-  levels_.pop_back();
-  path_.resize(levels_.back().path_length);
-}
-
-void WindowsDirectory::RemoveFolder(std::string_view name) {
-  TranslatingErrors(PathOf(name), [&] {
-    const FolderEntry entry = FolderNamed(name);
-    DeleteEntry(Here(), entry);
-    levels_.back().known.erase(entry.name);
-  });
-}
-
-FolderEntry WindowsDirectory::FolderNamed(std::string_view name) const {
-  std::vector<std::string> names;
-  std::vector<FolderEntry> entries = EntriesOf(Here());
-  for (const FolderEntry& entry : entries) names.push_back(ToUtf8(entry.name));
-  const auto found = FindSameName(names, name);
-  if (!found) ThrowSystemError(ERROR_PATH_NOT_FOUND);
-  FolderEntry& entry = entries.at(std::ranges::find(names, *found) - names.begin());
-  const auto known = levels_.back().known.find(entry.name);
-  const bool replaced = known != levels_.back().known.end() && known->second != entry.id;
-  if (!entry.IsFolder() || replaced) ThrowSystemError(ERROR_DIRECTORY);
-  return std::move(entry);
-}
-
-std::vector<FolderEntry> WindowsDirectory::DeletableFiles() const {
-  return TranslatingErrors(path_, [&] {
-    return SeenEntries(
-        Here(), [](const FolderEntry& entry) { return !entry.IsFolder() && !entry.IsReadOnly(); });
-  });
-}
-
 class WindowsFileSystem final : public FileSystem {
  public:
-  bool FolderExists(std::string_view path) override;
-  void CreateFolder(std::string_view path) override;
-  std::string FullPath(std::string_view path) override;
-  void HideFolder(std::string_view path) override;
-  std::string SystemDrive() override;
-  std::vector<std::string> FindFiles(std::string_view pattern) override;
-  std::unique_ptr<Directory> OpenFolder(std::string_view path) override;
-  std::optional<std::string> ReadFile(std::string_view path) override;
-  void WriteFile(std::string_view path, std::string_view bytes) override;
-};
-
-bool WindowsFileSystem::FolderExists(std::string_view path) {
-  try {
-    DrivePath resolved = ResolveWindowsPath(path);
-    return OpenFolderAt(resolved, ERROR_DIRECTORY, FILE_READ_ATTRIBUTES).is_open();
-  } catch (const std::system_error&) {
-    return false;  // What can't be reached is not there for the caller.
-  }
-}
-
-void WindowsFileSystem::CreateFolder(std::string_view path) {
-  TranslatingErrors(path, [&] {
-    const WindowsPlace place = PlaceOf(path, ERROR_ALREADY_EXISTS);
-    if (place.attributes) throw PathError(kFileExists, path);
-    if (!place.HasCreatableName()) throw PathError(kBadFileName, path);
-    if (::CreateDirectoryW(SystemPath(place.path).c_str(), nullptr) == FALSE) ThrowLastError();
-  });
-}
-
-std::string WindowsFileSystem::FullPath(std::string_view path) {
-  return TranslatingErrors(path, [&] {
-    DrivePath resolved = ResolveWindowsPath(path);
-    std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
-    return resolved.Text();
-  });
-}
-
-void WindowsFileSystem::HideFolder(std::string_view path) {
-  TranslatingErrors(path, [&] {
-    DrivePath resolved = ResolveWindowsPath(path);
-    std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
-    const std::wstring folder = SystemPath(resolved);
-    const DWORD attributes = ::GetFileAttributesW(folder.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES ||
-        ::SetFileAttributesW(folder.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN) == FALSE) {
-      ThrowLastError();
+  bool FolderExists(std::string_view path) override {
+    try {
+      DrivePath resolved = ResolveWindowsPath(path);
+      return OpenFolderAt(resolved, ERROR_DIRECTORY, FILE_READ_ATTRIBUTES).is_open();
+    } catch (const std::system_error&) {
+      return false;  // What can't be reached is not there for the caller.
     }
-  });
-}
+  }
 
-std::string WindowsFileSystem::SystemDrive() {
-  return TranslatingErrors({}, [] {
-    std::array<wchar_t, MAX_PATH> folder{};
-    if (::GetSystemWindowsDirectoryW(folder.data(), MAX_PATH) == 0) ThrowLastError();
-    return ToUtf8({folder.data(), 2});
-  });
-}
+  void CreateFolder(std::string_view path) override {
+    TranslatingErrors(path, [&] {
+      const WindowsPlace place = PlaceOf(path, ERROR_ALREADY_EXISTS);
+      if (place.attributes) throw PathError(kFileExists, path);
+      if (!place.HasCreatableName()) throw PathError(kBadFileName, path);
+      if (::CreateDirectoryW(SystemPath(place.path).c_str(), nullptr) == FALSE) ThrowLastError();
+    });
+  }
 
-std::vector<std::string> WindowsFileSystem::FindFiles(std::string_view pattern) {
-  const SearchPattern search = SplitPattern(pattern);
-  auto names = AnswerUnlessMissing<std::vector<std::string>>(search.folder, [&] {
-    DrivePath resolved = ResolveWindowsPath(search.folder);
-    FileHandle found = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess);
-    return WindowsDirectory(std::move(found), resolved.Text()).Files();
-  });
-  std::erase_if(names, [&](const std::string& name) { return !MatchesPattern(name, search.name); });
-  return names;
-}
+  std::string FullPath(std::string_view path) override {
+    return TranslatingErrors(path, [&] {
+      DrivePath resolved = ResolveWindowsPath(path);
+      std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
+      return resolved.Text();
+    });
+  }
 
-std::unique_ptr<Directory> WindowsFileSystem::OpenFolder(std::string_view path) {
-  return TranslatingErrors(path, [&] {
-    DrivePath resolved = ResolveWindowsPath(path);
-    FileHandle folder = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess, FindSameName);
-    return std::make_unique<WindowsDirectory>(std::move(folder), resolved.Text());
-  });
-}
+  void HideFolder(std::string_view path) override {
+    TranslatingErrors(path, [&] {
+      DrivePath resolved = ResolveWindowsPath(path);
+      std::ignore = OpenFolderAt(resolved, ERROR_PATH_NOT_FOUND, FILE_READ_ATTRIBUTES);
+      const std::wstring folder = SystemPath(resolved);
+      const DWORD attributes = ::GetFileAttributesW(folder.c_str());
+      if (attributes == INVALID_FILE_ATTRIBUTES ||
+          ::SetFileAttributesW(folder.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN) == FALSE) {
+        ThrowLastError();
+      }
+    });
+  }
 
-std::optional<std::string> WindowsFileSystem::ReadFile(std::string_view path) {
-  using Bytes = std::optional<std::string>;
-  return AnswerUnlessMissing<Bytes>(path, [&] {
-    const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
-    if (!place.attributes || place.IsFolder()) return Bytes();
-    const FileHandle file(::CreateFileW(SystemPath(place.path).c_str(), GENERIC_READ, kShareAll,
-                                        nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
-                                        nullptr));
-    if (!file.is_open()) ThrowLastError();
-    return Bytes(ReadAll(file, xml::kMaxInputBytes + 1));
-  });
-}
+  std::string SystemDrive() override {
+    return TranslatingErrors({}, [] {
+      std::array<wchar_t, MAX_PATH> folder{};
+      if (::GetSystemWindowsDirectoryW(folder.data(), MAX_PATH) == 0) ThrowLastError();
+      return ToUtf8({folder.data(), 2});
+    });
+  }
 
-void WindowsFileSystem::WriteFile(std::string_view path, std::string_view bytes) {
-  TranslatingErrors(path, [&] {
-    const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
-    if (!place.attributes && !place.HasCreatableName()) throw PathError(kBadFileName, path);
-    if (place.IsFolder()) throw PathError(kPathFileAccess, path);
-    const bool read_only = (place.attributes.value_or(0) & FILE_ATTRIBUTE_READONLY) != 0;
-    if (read_only) throw PathError(kPermissionDenied, path);
-    SaveFile(SystemPath(place.path), bytes);
-  });
-}
+  std::vector<std::string> FindFiles(std::string_view pattern) override {
+    const SearchPattern search = SplitPattern(pattern);
+    auto names = AnswerUnlessMissing<std::vector<std::string>>(search.folder, [&] {
+      DrivePath resolved = ResolveWindowsPath(search.folder);
+      FileHandle found = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess);
+      return WindowsDirectory(std::move(found), resolved.Text()).Files();
+    });
+    std::erase_if(names,
+                  [&](const std::string& name) { return !MatchesPattern(name, search.name); });
+    return names;
+  }
+
+  std::unique_ptr<Directory> OpenFolder(std::string_view path) override {
+    return TranslatingErrors(path, [&] {
+      DrivePath resolved = ResolveWindowsPath(path);
+      FileHandle folder = OpenFolderAt(resolved, ERROR_DIRECTORY, kListAccess, FindSameName);
+      return std::make_unique<WindowsDirectory>(std::move(folder), resolved.Text());
+    });
+  }
+
+  std::optional<std::string> ReadFile(std::string_view path) override {
+    using Bytes = std::optional<std::string>;
+    return AnswerUnlessMissing<Bytes>(path, [&] {
+      const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
+      if (!place.attributes || place.IsFolder()) return Bytes();
+      const FileHandle file(::CreateFileW(SystemPath(place.path).c_str(), GENERIC_READ, kShareAll,
+                                          nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
+                                          nullptr));
+      if (!file.is_open()) ThrowLastError();
+      return Bytes(ReadAll(file, xml::kMaxInputBytes + 1));
+    });
+  }
+
+  void WriteFile(std::string_view path, std::string_view bytes) override {
+    TranslatingErrors(path, [&] {
+      const WindowsPlace place = PlaceOf(path, ERROR_DIRECTORY);
+      if (!place.attributes && !place.HasCreatableName()) throw PathError(kBadFileName, path);
+      if (place.IsFolder()) throw PathError(kPathFileAccess, path);
+      const bool read_only = (place.attributes.value_or(0) & FILE_ATTRIBUTE_READONLY) != 0;
+      if (read_only) throw PathError(kPermissionDenied, path);
+      SaveFile(SystemPath(place.path), bytes);
+    });
+  }
+};
 
 }  // namespace
 

@@ -40,6 +40,7 @@ std::optional<StoredValue> Queried(const Query& query) {
     value.bytes.resize(size);
     return value;
   }
+
   if (IsMissing(status)) return std::nullopt;
   ThrowSystemError(static_cast<DWORD>(status));
 }
@@ -145,6 +146,7 @@ class UpdateLock {
     if (result == WAIT_FAILED) ThrowLastError();
     if (result == WAIT_TIMEOUT) ThrowSystemError(ERROR_BUSY);
   }
+
   UpdateLock(const UpdateLock&) = delete;
   UpdateLock& operator=(const UpdateLock&) = delete;
   ~UpdateLock() { ::ReleaseMutex(mutex_.get()); }
@@ -253,96 +255,83 @@ class WindowsRegistry final : public Registry {
   explicit WindowsRegistry(std::shared_ptr<Log> log) : log_(std::move(log)) {}
 
   std::optional<RegistryValue> Read(RegistryRoot root, std::string_view key,
-                                    std::string_view name) override;
+                                    std::string_view name) override {
+    std::optional<RegistryValue> value;
+    const bool done = Done(key, name, [&] {
+      const auto open_key = RegistryKey::Open(root, key);
+      if (!open_key) return;
+      value = ValueIn(*open_key, name);
+      if (RegistryKey::IsReadOnly(root, key)) {
+        condition_ = {RegistryState::kReadOnly, "its key can't be written"};
+      }
+    });
+    if (!done) ThrowUnreadable(condition_);
+    return value;
+  }
+
   bool WriteText(RegistryRoot root, std::string_view key, std::string_view name,
-                 std::string_view text) override;
+                 std::string_view text) override {
+    return Done(key, name, [&] { RegistryKey::Create(root, key).WriteAnsi(name, ToAnsi(text)); });
+  }
   bool Update(RegistryRoot root, std::string_view key, std::string_view name,
-              const TextUpdate& update) override;
+              const TextUpdate& update) override {
+    return Done(key, name, [&] {
+      const UpdateLock lock;
+      const auto open_key = RegistryKey::Create(root, key);
+      const auto stored = ValueIn(open_key, name);
+      const auto outcome = OutcomeOf(update, stored);
+      if (stored == RegistryValue{RegistryType::kText, outcome.text}) return;
+      if (outcome.keeps_stored || !outcome.kept.empty()) {
+        const auto history = RegistryKey::Create(root, HistoryOf(key, name));
+        if (outcome.keeps_stored) Keep(history, open_key.Read(name).value());
+        for (const std::string& text : outcome.kept) Keep(history, Stored(text));
+        ForgetOldest(history);
+      }
+      open_key.WriteAnsi(name, ToAnsi(outcome.text));
+    });
+  }
+
   std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
-                              std::string_view name) override;
+                              std::string_view name) override {
+    std::vector<KeptValue> values;
+    const bool done = Done(key, name, [&] {
+      const auto history = RegistryKey::Open(root, HistoryOf(key, name));
+      if (!history) return;
+      for (const std::string& entry : NamesIn(*history)) {
+        auto stored = history->ReadAnsi(entry);
+        if (stored) values.push_back({entry.substr(0, kTimeLength), Decoded(std::move(*stored))});
+      }
+    });
+    if (!done) ThrowUnreadable(condition_);
+    return values;
+  }
+
   [[nodiscard]] RegistryCondition Condition() const override { return condition_; }
-  [[nodiscard]] bool Holds(char32_t character) const override;
+
+  // Programs with another code page read what this one writes.
+  [[nodiscard]] bool Holds(char32_t character) const override {
+    return HasAnsi(character) && HasAnsi(character, MachineCodePage());
+  }
 
  private:
   // Whether `operation` ended without an error, which otherwise is noted.
   template <class Operation>
-  bool Done(std::string_view key, std::string_view name, Operation operation);
+  bool Done(std::string_view key, std::string_view name, Operation operation) {
+    try {
+      condition_ = {};
+      operation();
+      return true;
+    } catch (const std::system_error& error) {
+      condition_ = {StateOf(error.code()), error.what()};
+      log_->Note("The registry refuses " + std::string(key) + ", " + std::string(name) + ": " +
+                 error.what());
+      return false;
+    }
+  }
 
   std::shared_ptr<Log> log_;
   RegistryCondition condition_;
 };
-
-std::optional<RegistryValue> WindowsRegistry::Read(RegistryRoot root, std::string_view key,
-                                                   std::string_view name) {
-  std::optional<RegistryValue> value;
-  const bool done = Done(key, name, [&] {
-    const auto open_key = RegistryKey::Open(root, key);
-    if (!open_key) return;
-    value = ValueIn(*open_key, name);
-    if (RegistryKey::IsReadOnly(root, key)) {
-      condition_ = {RegistryState::kReadOnly, "its key can't be written"};
-    }
-  });
-  if (!done) ThrowUnreadable(condition_);
-  return value;
-}
-
-bool WindowsRegistry::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
-                                std::string_view text) {
-  return Done(key, name, [&] { RegistryKey::Create(root, key).WriteAnsi(name, ToAnsi(text)); });
-}
-
-bool WindowsRegistry::Update(RegistryRoot root, std::string_view key, std::string_view name,
-                             const TextUpdate& update) {
-  return Done(key, name, [&] {
-    const UpdateLock lock;
-    const auto open_key = RegistryKey::Create(root, key);
-    const auto stored = ValueIn(open_key, name);
-    const auto outcome = OutcomeOf(update, stored);
-    if (stored == RegistryValue{RegistryType::kText, outcome.text}) return;
-    if (outcome.keeps_stored || !outcome.kept.empty()) {
-      const auto history = RegistryKey::Create(root, HistoryOf(key, name));
-      if (outcome.keeps_stored) Keep(history, open_key.Read(name).value());
-      for (const std::string& text : outcome.kept) Keep(history, Stored(text));
-      ForgetOldest(history);
-    }
-    open_key.WriteAnsi(name, ToAnsi(outcome.text));
-  });
-}
-
-// Programs with another code page read what this one writes.
-bool WindowsRegistry::Holds(char32_t character) const {
-  return HasAnsi(character) && HasAnsi(character, MachineCodePage());
-}
-
-std::vector<KeptValue> WindowsRegistry::Kept(RegistryRoot root, std::string_view key,
-                                             std::string_view name) {
-  std::vector<KeptValue> values;
-  const bool done = Done(key, name, [&] {
-    const auto history = RegistryKey::Open(root, HistoryOf(key, name));
-    if (!history) return;
-    for (const std::string& entry : NamesIn(*history)) {
-      auto stored = history->ReadAnsi(entry);
-      if (stored) values.push_back({entry.substr(0, kTimeLength), Decoded(std::move(*stored))});
-    }
-  });
-  if (!done) ThrowUnreadable(condition_);
-  return values;
-}
-
-template <class Operation>
-bool WindowsRegistry::Done(std::string_view key, std::string_view name, Operation operation) {
-  try {
-    condition_ = {};
-    operation();
-    return true;
-  } catch (const std::system_error& error) {
-    condition_ = {StateOf(error.code()), error.what()};
-    log_->Note("The registry refuses " + std::string(key) + ", " + std::string(name) + ": " +
-               error.what());
-    return false;
-  }
-}
 
 }  // namespace
 
