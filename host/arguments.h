@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "host/checks.h"
 #include "host/command.h"
@@ -58,7 +59,11 @@ class CommandGroup {
   template <class SomeCommand>
   void Add(const std::string& name, const std::string& help, std::string_view examples) const {
     CLI::App& app = NewApp(name, help, examples);
-    Bind(app, std::make_shared<SomeCommand>(Arguments(app)));
+    if constexpr (std::is_constructible_v<SomeCommand, Arguments>) {
+      Bind(app, std::make_shared<SomeCommand>(Arguments(app)));
+    } else {
+      Bind(app, std::make_shared<SomeCommand>());
+    }
   }
 
  private:

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <optional>
 #include <tuple>
 
 #include "host/arguments.h"

@@ -20,7 +20,8 @@ struct Invocation {
   Output& out;
 };
 
-// One command. Its constructor takes an Arguments (host/arguments.h) and declares what it takes.
+// One command. One that takes arguments declares them in its constructor, of an Arguments
+// (host/arguments.h).
 class Command {
  public:
   Command() = default;

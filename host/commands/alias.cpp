@@ -8,10 +8,6 @@ namespace kvdm {
 namespace {
 
 class AliasShow : public ReadingCommand {
- public:
-  explicit AliasShow(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     AreaRegistry& registry = session.Component().RegisteredItems();
     const Record words = {{"customer", registry.CustomerAlias()}, {"store", registry.StoreAlias()}};

@@ -17,10 +17,6 @@ Field AttributeIn(const xml::Document& document, const char* attribute) {
 }
 
 class CatalogueHistory : public ReadingCommand {
- public:
-  explicit CatalogueHistory(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     const Platform& platform = session.Component().GetServices().platform;
     const auto all = session.Component().KeptStudyAreas();
@@ -40,8 +36,6 @@ class CatalogueHistory : public ReadingCommand {
 
 class CatalogueRenew : public Command {
  public:
-  explicit CatalogueRenew(Arguments) {}
-
   void Execute(const Invocation& invocation) override {
     const auto lock_file = RegistryLockFile();
     const auto lock = lock_file ? WaitForLock(*lock_file, "The registry") : nullptr;

@@ -24,8 +24,6 @@ class Generate : public Command {
 
 class Version : public Command {
  public:
-  explicit Version(Arguments) {}
-
   void Execute(const Invocation& invocation) override {
     invocation.out.Done({{"version", KVDM_VERSION}, {"project_version", kProjectVersion}},
                         fmt::format("kvdm {}", KVDM_VERSION));

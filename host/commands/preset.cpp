@@ -7,10 +7,6 @@ namespace kvdm {
 namespace {
 
 class PresetList : public ReadingCommand {
- public:
-  explicit PresetList(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     session.Component().RequireRegistry();
     const NameListRef names = session.Manager().PDataList();

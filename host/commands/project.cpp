@@ -12,10 +12,6 @@ namespace {
 namespace fs = std::filesystem;
 
 class ProjectSave : public ChangingCommand {
- public:
-  explicit ProjectSave(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     const bool written = session.Save();
     const std::string file = os::ToText(session.File());
@@ -27,8 +23,6 @@ class ProjectSave : public ChangingCommand {
 
 class ProjectInfo : public Command {
  public:
-  explicit ProjectInfo(Arguments) {}
-
   void Execute(const Invocation& invocation) override {
     const fs::path file = FindProjectFile(invocation.project);
     const Project project = ReadProjectFile(file);
@@ -60,10 +54,6 @@ std::string Readable(std::string_view title, std::string_view xml) {
 }
 
 class ProjectShow : public ReadingCommand {
- public:
-  explicit ProjectShow(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     std::string metadata;
     for (const Value& value : session.GetProject().values) {

@@ -34,10 +34,6 @@ Field StudyAreaCount(Session& session) {
 }
 
 class Status : public ReadingCommand {
- public:
-  explicit Status(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     HostedComponent& component = session.Component();
     const Services& services = component.GetServices();

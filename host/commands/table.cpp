@@ -19,10 +19,6 @@ std::shared_ptr<IKVTablesManager> TablesManager(Session& session) {
 std::string TablesFolder(Session& session) { return TablesManager(session)->TablesDir(); }
 
 class TablePath : public ReadingCommand {
- public:
-  explicit TablePath(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     const std::string path = TablesManager(session)->FreeTablePath();
     out.Text({{"path", path}}, path);

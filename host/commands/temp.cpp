@@ -9,10 +9,6 @@ namespace kvdm {
 namespace {
 
 class TempPath : public ReadingCommand {
- public:
-  explicit TempPath(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     session.Component().RequireWorkingDirectory();
     const std::string path = session.Manager().TmpFilePath();
@@ -21,10 +17,6 @@ class TempPath : public ReadingCommand {
 };
 
 class TempClean : public ReadingCommand {
- public:
-  explicit TempClean(Arguments) {}
-
- private:
   void Run(Session& session, Output& out) override {
     session.Component().RequireWorkingDirectory();
     session.Manager().CleanTemp();
