@@ -1,6 +1,5 @@
 #include "collections/kv_analysis_collection.h"
 
-#include "collections/collection_view.h"
 #include "items/kv_analysis.h"
 #include "util/kvdm_utils.h"
 #include "util/messages.h"

@@ -1,7 +1,5 @@
 #include "datamanager/documents.h"
 
-#include <string>
-
 #include "util/guard.h"
 #include "util/names.h"
 

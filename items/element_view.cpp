@@ -1,6 +1,5 @@
 #include "items/element_view.h"
 
-#include "util/guard.h"
 #include "util/kvdm_utils.h"
 #include "util/names.h"
 
@@ -26,6 +25,12 @@ void ElementView::SetAndFlush(std::string_view attribute, const Value& value) co
   if (!node_) return;
   node_->SetAttribute(attribute, value);
   Flush();
+}
+
+void ElementView::Change(const char* attribute, std::string_view value, const char* message) const {
+  guard::Reported(reporter(), message, [&] {
+    if (FullyBound()) SetAndFlush(attribute, value);
+  });
 }
 
 std::string ElementView::Comments() const {
@@ -79,20 +84,16 @@ bool ElementView::ClearParameters() const {
 }
 
 void LayerEdit::SetLayerFile(std::string_view path) {
-  Change(attributes::kLayerFile, path, messages_.layer_file);
+  view_.Change(attributes::kLayerFile, path, messages_.layer_file);
 }
 
-void LayerEdit::SetGUID(std::string_view guid) { Change(attributes::kGuid, guid, messages_.guid); }
+void LayerEdit::SetGUID(std::string_view guid) {
+  view_.Change(attributes::kGuid, guid, messages_.guid);
+}
 
 std::shared_ptr<Unknown> LayerEdit::If(std::type_index interface_type) {
   if (interface_type != typeid(IKVLayerEdit)) return nullptr;
   return {item_.shared_from_this(), this};
-}
-
-void LayerEdit::Change(const char* attribute, std::string_view value, const char* message) {
-  guard::Reported(view_.reporter(), message, [&] {
-    if (view_.FullyBound()) view_.SetAndFlush(attribute, value);
-  });
 }
 
 }  // namespace kvdm

@@ -40,6 +40,8 @@ class ElementView {
   [[nodiscard]] std::string TextOrNothing(std::string_view attribute) const;
   void Set(std::string_view attribute, const Value& value) const;
   void SetAndFlush(std::string_view attribute, const Value& value) const;
+  // SetAndFlush, if there is a data manager too. Reports a failure as `message`.
+  void Change(const char* attribute, std::string_view value, const char* message) const;
 
   // The comment, every LF widened to CR LF; "" without one.
   [[nodiscard]] std::string Comments() const;
@@ -124,8 +126,6 @@ class LayerEdit final : public IKVLayerEdit {
   std::shared_ptr<Unknown> If(std::type_index interface_type);
 
  private:
-  void Change(const char* attribute, std::string_view value, const char* message);
-
   Unknown& item_;
   const ElementView& view_;
   LayerEditMessages messages_;

@@ -9,6 +9,7 @@
 #include <kvdm/datamanager/layers.h>
 
 #include "items/element_view.h"
+#include "items/metadata_exchange.h"
 #include "util/kvdm_utils.h"
 #include "util/names.h"
 
@@ -20,8 +21,10 @@ inline constexpr LayerEditMessages kLayerEditTexts = {messages::kLayerFile, mess
 template <class Interface>
 class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
  public:
-  LayerView(ReportStyle reports, std::shared_ptr<GisCore> gis_core)
+  // `type` is what the metadata of such a layer say they describe.
+  LayerView(ReportStyle reports, const char* type, std::shared_ptr<GisCore> gis_core)
       : ParameterizedItem<Interface>({reports, messages::kSetParameter}),
+        type_(type),
         gis_core_(std::move(gis_core)),
         layer_edit_(*this, view(), kLayerEditTexts) {}
 
@@ -62,6 +65,35 @@ class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
   void SetComments(std::string_view comments) override { view().SetComments(comments); }
   std::string GUID() override { return view().TextOrNothing(attributes::kGuid); }
 
+  void ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override {
+    ExportDocument(metadata, *gis_core_, view().log(), [&](NamedValueSet& document) {
+      document.PutValue(metadata_paths::kLayerType, type_);
+      document.PutValue(metadata_paths::kName, Name());
+      document.PutValue(metadata_paths::kGuid, GUID());
+      document.PutValue(metadata_paths::kIdField, IDField());
+      if constexpr (kHasLinkField) {
+        document.PutValue(metadata_paths::kLinkField, this->LinkField());
+      }
+      document.PutValue(metadata_paths::kNameField, NameField());
+      document.PutValue(metadata_paths::kComments, Comments());
+      document.PutValue(metadata_paths::kIsInternalData, IsInternalData());
+    });
+  }
+  void ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override {
+    guard::Quiet(view().log(), [&] {
+      const auto document = ReadDocumentOf(metadata, type_);
+      if (!document) return;
+      SetIDField(FirstText(*document, metadata_paths::kIdField));
+      if constexpr (kHasLinkField) {
+        this->SetLinkField(FirstText(*document, metadata_paths::kLinkField));
+      }
+      SetNameField(FirstText(*document, metadata_paths::kNameField));
+      SetComments(FirstText(*document, metadata_paths::kComments));
+      layer_edit_.SetGUID(FirstText(*document, metadata_paths::kGuid));
+      SetIsInternalData(ToBoolean(FirstValue(*document, metadata_paths::kIsInternalData)));
+    });
+  }
+
   std::shared_ptr<Unknown> Facet(std::type_index interface_type) override {
     return layer_edit_.If(interface_type);
   }
@@ -77,13 +109,12 @@ class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
     guard::Quiet(view().log(), [&] { view().Set(attribute, value); });
   }
 
-  [[nodiscard]] GisCore& gis_core() const { return *gis_core_; }
-  [[nodiscard]] LayerEdit& layer_edit() { return layer_edit_; }
-
  private:
   static constexpr char kTrue[] = "TRUE";
   static constexpr char kFalse[] = "FALSE";
+  static constexpr bool kHasLinkField = requires(Interface & layer) { layer.LinkField(); };
 
+  const char* type_;
   std::shared_ptr<GisCore> gis_core_;
   LayerEdit layer_edit_;
 };
@@ -91,13 +122,10 @@ class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
 class KVCustLayer final : public LayerView<IKVCustLayer> {
  public:
   explicit KVCustLayer(std::shared_ptr<GisCore> gis_core)
-      : LayerView(ReportStyle::kByName, std::move(gis_core)) {}
+      : LayerView(ReportStyle::kByName, layer_types::kCustLayer, std::move(gis_core)) {}
 
   std::string LinkField() override;
   void SetLinkField(std::string_view field) override;
-
-  void ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
-  void ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
 
  private:
   bool IsTaken(std::string_view name) override;
@@ -106,13 +134,10 @@ class KVCustLayer final : public LayerView<IKVCustLayer> {
 class KVStoreLayer final : public LayerView<IKVStoreLayer> {
  public:
   explicit KVStoreLayer(std::shared_ptr<GisCore> gis_core)
-      : LayerView(ReportStyle::kShown, std::move(gis_core)) {}
+      : LayerView(ReportStyle::kShown, layer_types::kStoreLayer, std::move(gis_core)) {}
 
   // Marks the path as absolute as well.
   void SetLayerFile(std::string_view path) override;
-
-  void ImportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
-  void ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) override;
 
  private:
   bool IsTaken(std::string_view name) override;

@@ -55,7 +55,7 @@ std::string KVStudyArea::LayerFile() {
 std::string KVStudyArea::StudyAreaDir() { return view_.TextOrNothing(attributes::kDirName); }
 
 void KVStudyArea::SetStudyAreaDir(std::string_view folder) {
-  Change(attributes::kDirName, folder, messages::kSetStudyAreaDir);
+  view_.Change(attributes::kDirName, folder, messages::kSetStudyAreaDir);
 }
 
 std::string KVStudyArea::Comments() {
@@ -74,18 +74,12 @@ std::string KVStudyArea::Dataset() {
 }
 
 void KVStudyArea::SetDataset(std::string_view dataset) {
-  Change(attributes::kDataset, WrapName(dataset), messages::kSetStudyAreaDataset);
+  view_.Change(attributes::kDataset, WrapName(dataset), messages::kSetStudyAreaDataset);
 }
 
 std::string KVStudyArea::GUID() {
   return guard::Reported(view_.reporter(), messages::kStudyAreaGuid,
                          [&] { return view_.Text(attributes::kGuid); });
-}
-
-void KVStudyArea::Change(const char* attribute, std::string_view value, const char* message) {
-  guard::Reported(view_.reporter(), message, [&] {
-    if (view_.FullyBound()) view_.SetAndFlush(attribute, value);
-  });
 }
 
 Value KVStudyArea::GetProperty(std::string_view name) {

@@ -57,7 +57,6 @@ class KVStudyArea final : public IKVPropertySet,
   // The element that holds the properties; Nothing when it is missing.
   [[nodiscard]] std::shared_ptr<xml::Element> Properties() const;
   bool ReportMissingProperties(std::string_view name);
-  void Change(const char* attribute, std::string_view value, const char* message);
   void ShowPlain(std::string_view text);
 
   std::shared_ptr<GisCore> gis_core_;

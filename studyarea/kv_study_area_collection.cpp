@@ -1,6 +1,5 @@
 #include "studyarea/kv_study_area_collection.h"
 
-#include "collections/collection_view.h"
 #include "studyarea/kv_study_area.h"
 #include "util/kvdm_utils.h"
 #include "util/messages.h"
