@@ -121,13 +121,17 @@ void Put(const std::shared_ptr<T>& object, Interface** out) {
   if (object) Check(ToClient(object).CopyTo(__uuidof(Interface), reinterpret_cast<void**>(out)));
 }
 
-// Runs `body`. An error becomes the result code, and an error object that names the class
-// `class_identity` and the interface `iid`.
+// Runs `body`, and answers its result code if it has one. An error becomes the result code, and an
+// error object that names the class `class_identity` and the interface `iid`.
 template <class Body>
 HRESULT Guarded(const char* class_identity, const IID& iid, const Body& body) {
   try {
-    body();
-    return S_OK;
+    if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+      body();
+      return S_OK;
+    } else {
+      return body();
+    }
   } catch (...) {
     return RaiseCurrentError(class_identity, iid);
   }

@@ -4,7 +4,6 @@
 #include "com/counted.h"
 #include "com/module.h"
 #include "com/wrappers.h"
-#include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
 namespace {
@@ -19,10 +18,7 @@ class ClassFactory final : public Counted<IClassFactory> {
     if (out == nullptr) return E_POINTER;
     *out = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-    HRESULT result = S_OK;
-    const HRESULT created =
-        abi::Guarded(class_.identity, iid, [&] { result = NewInstance(class_).CopyTo(iid, out); });
-    return FAILED(created) ? created : result;
+    return abi::Guarded(class_.identity, iid, [&] { return NewInstance(class_).CopyTo(iid, out); });
   }
   STDMETHODIMP LockServer(BOOL lock) override {
     LockModule(lock != FALSE);
@@ -56,10 +52,8 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out) {
   *out = nullptr;
   const kvdm::com::Class* found = kvdm::com::FindClass(clsid);
   if (found == nullptr) return CLASS_E_CLASSNOTAVAILABLE;
-  HRESULT result = S_OK;
-  const HRESULT made = kvdm::com::abi::Guarded(
-      found->identity, iid, [&] { result = kvdm::com::MakeClassFactory(*found).CopyTo(iid, out); });
-  return FAILED(made) ? made : result;
+  return kvdm::com::abi::Guarded(
+      found->identity, iid, [&] { return kvdm::com::MakeClassFactory(*found).CopyTo(iid, out); });
 }
 
 STDAPI DllCanUnloadNow() { return kvdm::com::IsModuleLocked() ? S_FALSE : S_OK; }

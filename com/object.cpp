@@ -72,14 +72,12 @@ STDMETHODIMP Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID
   const ComPtr<IDispatch> alive(this);
   std::fill_n(ids, count, DISPID_UNKNOWN);
   if (count == 0) return S_OK;
-  HRESULT result = S_OK;
-  const HRESULT guarded = abi::Guarded(identity_, IID_IDispatch, [&] {
+  return abi::Guarded(identity_, IID_IDispatch, [&]() -> HRESULT {
     const auto id = Late().IdOf(names[0]);
     if (id) ids[0] = *id;
     // Arguments have no names here.
-    result = id && count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
+    return id && count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
   });
-  return FAILED(guarded) ? guarded : result;
 }
 
 STDMETHODIMP Object::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
@@ -90,10 +88,7 @@ STDMETHODIMP Object::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISP
   abi::ForgetErrors();
   if (result != nullptr) ::VariantInit(result);
   const LateCall call{id, locale, flags, *parameters, result, exception, wrong_argument};
-  HRESULT invoked = S_OK;
-  const HRESULT guarded =
-      abi::Guarded(identity_, IID_IDispatch, [&] { invoked = Late().Invoke(call); });
-  return FAILED(guarded) ? guarded : invoked;
+  return abi::Guarded(identity_, IID_IDispatch, [&] { return Late().Invoke(call); });
 }
 
 }  // namespace kvdm::com
