@@ -10,14 +10,9 @@
 namespace kvdm {
 namespace {
 
-struct Range {
-  char32_t first;
-  char32_t last;
-};
-
 // Control characters; line and paragraph separators; and the format characters, of Unicode's
 // general category Cf, which change the direction of what follows, hide in it or join it.
-constexpr Range kUnsafe[] = {
+constexpr CodePointRange kUnsafe[] = {
     {0x00, 0x1F},       {0x7F, 0x9F},       {0xAD, 0xAD},       {0x600, 0x605},
     {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},     {0x890, 0x891},
     {0x8E2, 0x8E2},     {0x180E, 0x180E},   {0x200B, 0x200F},   {0x2028, 0x202E},
@@ -66,11 +61,7 @@ std::string JsonEscaped(char32_t character) {
 
 }  // namespace
 
-bool IsSafe(char32_t character) {
-  return std::ranges::none_of(kUnsafe, [character](const Range& range) {
-    return range.first <= character && character <= range.last;
-  });
-}
+bool IsSafe(char32_t character) { return !IsIn(kUnsafe, character); }
 
 std::string PrintableJson(std::string_view json) {
   std::string result;

@@ -1,5 +1,7 @@
 #include "platform/utf8.h"
 
+#include <algorithm>
+
 namespace kvdm {
 namespace {
 
@@ -68,6 +70,12 @@ bool IsValidUtf8(std::string_view text) {
     if (!TakeCodePoint(text).valid) return false;
   }
   return true;
+}
+
+bool IsIn(std::span<const CodePointRange> ranges, char32_t code_point) {
+  return std::ranges::any_of(ranges, [code_point](const CodePointRange& range) {
+    return range.first <= code_point && code_point <= range.last;
+  });
 }
 
 std::size_t Utf16Length(std::string_view text) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,13 @@ void AppendUtf8(char32_t code_point, std::string& text);
 // encodings.
 [[nodiscard]] std::optional<std::string> Utf8From(std::string_view encoding,
                                                   std::string_view bytes);
+
+// The code points from the first to the last.
+struct CodePointRange {
+  char32_t first;
+  char32_t last;
+};
+[[nodiscard]] bool IsIn(std::span<const CodePointRange> ranges, char32_t code_point);
 
 // The number of UTF-16 units that `text` has, as the component's clients count lengths.
 [[nodiscard]] std::size_t Utf16Length(std::string_view text);

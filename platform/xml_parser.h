@@ -25,6 +25,16 @@ class XmlHandler {
   virtual bool Instruction(std::string_view target, std::string_view data) = 0;
 };
 
+// Takes everything and keeps nothing.
+class IgnoringHandler : public XmlHandler {
+ public:
+  bool StartElement(std::string_view, Attributes) override { return true; }
+  bool EndElement() override { return true; }
+  bool Characters(std::string_view) override { return true; }
+  bool Comment(std::string_view) override { return true; }
+  bool Instruction(std::string_view, std::string_view) override { return true; }
+};
+
 // What the encoding of a text is taken from.
 enum class XmlEncoding {
   kUtf8,        // it is UTF-8, whatever its declaration says

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <optional>
 #include <system_error>
 
 #include "platform/posix/files.h"

@@ -1,8 +1,6 @@
 // Files and locks on Windows, for the host.
 #include "platform/windows/files.h"
 
-#include <windows.h>
-
 #include <system_error>
 #include <tuple>
 

@@ -2,32 +2,19 @@
 
 #include <windows.h>
 
-#include <algorithm>
-
 #include "platform/utf8.h"
 #include "platform/windows/text.h"
 
 namespace kvdm::os {
 namespace {
 
-struct Range {
-  char32_t first;
-  char32_t last;
-};
-
 // What terminals show two columns wide: the scripts of East Asia, and pictographs.
-constexpr Range kWide[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x33FF},
-                           {0x3400, 0x4DBF},   {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},
-                           {0xA960, 0xA97F},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
-                           {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},
-                           {0x16FE0, 0x18CFF}, {0x1B000, 0x1B2FF}, {0x1F300, 0x1F64F},
-                           {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
-
-bool IsWide(char32_t character) {
-  return std::ranges::any_of(kWide, [character](const Range& range) {
-    return character >= range.first && character <= range.last;
-  });
-}
+constexpr CodePointRange kWide[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x33FF},
+                                    {0x3400, 0x4DBF},   {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},
+                                    {0xA960, 0xA97F},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
+                                    {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},
+                                    {0x16FE0, 0x18CFF}, {0x1B000, 0x1B2FF}, {0x1F300, 0x1F64F},
+                                    {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
 
 // Whether a character is drawn over the one before it, or not at all.
 bool TakesNoColumn(char32_t character) {
@@ -54,7 +41,7 @@ bool OutputIsTerminal() { return IsConsole(STD_OUTPUT_HANDLE, ENABLE_VIRTUAL_TER
 
 std::size_t ColumnsOf(char32_t character) {
   if (TakesNoColumn(character)) return 0;
-  return IsWide(character) ? 2 : 1;
+  return IsIn(kWide, character) ? 2 : 1;
 }
 
 std::string Environment(const char* name) {

@@ -193,15 +193,6 @@ class LibxmlParser final : public XmlParser {
  private:
   enum class Verdict { kAccepted, kRefused, kMalformed };
 
-  class IgnoringHandler final : public XmlHandler {
-   public:
-    bool StartElement(std::string_view, Attributes) override { return true; }
-    bool EndElement() override { return true; }
-    bool Characters(std::string_view) override { return true; }
-    bool Comment(std::string_view) override { return true; }
-    bool Instruction(std::string_view, std::string_view) override { return true; }
-  };
-
   static Verdict ParseOnce(std::string_view utf8, XmlHandler& handler) {
     const Context context(xmlNewParserCtxt());
     if (!context) FailForMemory();

@@ -186,9 +186,9 @@ class Exception {
   EXCEPINFO* address() { return &info_; }
 
   [[noreturn]] void Throw() {
-    constexpr HRESULT kOwnNumbers = static_cast<HRESULT>(0x800A0000);
     if (info_.pfnDeferredFillIn != nullptr) info_.pfnDeferredFillIn(&info_);
-    const HRESULT result = info_.scode != 0 ? info_.scode : kOwnNumbers + info_.wCode;
+    const HRESULT result =
+        info_.scode != 0 ? info_.scode : static_cast<HRESULT>(kNumbered + info_.wCode);
     const RuntimeError error = ErrorOf(result, ToText(info_.bstrSource));
     if (info_.bstrDescription == nullptr) throw error;
     throw RuntimeError(error.number(), error.source(), ToText(info_.bstrDescription));
@@ -249,8 +249,6 @@ std::vector<Value> Elements(SAFEARRAY* array, VARTYPE type) {
   for (LONG i = first; i <= last; ++i) values.push_back(ElementAt(array, type, i));
   return values;
 }
-
-using Microsoft::WRL::ComPtr;
 
 void SetErrorObject(const RuntimeError& error, const char* default_source, const IID& iid) {
   ComPtr<ICreateErrorInfo> made;

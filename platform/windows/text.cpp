@@ -7,6 +7,7 @@
 #include <charconv>
 #include <optional>
 
+#include "platform/code_page.h"
 #include "platform/file_names.h"
 #include "platform/utf8.h"
 
@@ -48,11 +49,6 @@ std::string Encoded(std::wstring_view units, unsigned page, BOOL* is_missing) {
   ::WideCharToMultiByte(page, options, units.data(), count, bytes.data(),
                         static_cast<int>(bytes.size()), replacement, replaced);
   return bytes;
-}
-
-bool IsCharacter(char32_t character) {
-  constexpr char32_t kLast = 0x10FFFF;
-  return character <= kLast && (character < 0xD800 || character > 0xDFFF);
 }
 
 struct Encoding {
@@ -187,7 +183,7 @@ std::string FromAnsi(std::string_view bytes, unsigned page) {
 std::string FromAnsi(std::string_view bytes) { return FromAnsi(bytes, ::GetACP()); }
 
 bool HasAnsi(char32_t character, unsigned page) {
-  if (!IsCharacter(character)) return false;
+  if (!Holds(CodePage::kUtf8, character)) return false;
   std::string text;
   AppendUtf8(character, text);
   BOOL is_missing = FALSE;

@@ -69,10 +69,6 @@ std::shared_ptr<MessageBox> MakeMessageBox(const CallbackMessageBox::Callback& s
   });
 }
 
-std::shared_ptr<Siblings> OrRegistered(const std::shared_ptr<Siblings>& siblings) {
-  return siblings ? siblings : std::make_shared<ComSiblings>();
-}
-
 }  // namespace
 
 Platform MakeWindowsPlatform(const WindowsOptions& options) {
@@ -84,7 +80,7 @@ Platform MakeWindowsPlatform(const WindowsOptions& options) {
   platform.xml_parser = MakeXmlParser();
   platform.clock = std::make_shared<WindowsClock>();
   platform.gis_core = MakePortableGisCore(WindowsGuid);
-  platform.siblings = OrRegistered(options.siblings);
+  platform.siblings = options.siblings ? options.siblings : std::make_shared<ComSiblings>();
   return platform;
 }
 

@@ -32,16 +32,6 @@ bool StartsWithDeclaration(std::string_view bytes) {
   return rest.find_first_of(" \t\r\n") == 0;
 }
 
-// Takes everything and keeps nothing.
-class IgnoringHandler final : public XmlHandler {
- public:
-  bool StartElement(std::string_view, Attributes) override { return true; }
-  bool EndElement() override { return true; }
-  bool Characters(std::string_view) override { return true; }
-  bool Comment(std::string_view) override { return true; }
-  bool Instruction(std::string_view, std::string_view) override { return true; }
-};
-
 }  // namespace
 
 // The top level: the declaration, and each node followed by a line end.

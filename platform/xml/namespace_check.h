@@ -13,12 +13,10 @@ namespace kvdm {
 // Refuses the first piece that breaks a rule of namespaces: a name with more than a prefix and a
 // local name, a prefix that isn't declared, one that is declared as nothing or is reserved, and the
 // same attribute under two prefixes.
-class NamespaceCheck final : public XmlHandler {
+class NamespaceCheck final : public IgnoringHandler {
  public:
   bool StartElement(std::string_view tag, Attributes attributes) override;
   bool EndElement() override;
-  bool Characters(std::string_view /*text*/) override { return true; }
-  bool Comment(std::string_view /*text*/) override { return true; }
   bool Instruction(std::string_view target, std::string_view data) override;
 
  private:

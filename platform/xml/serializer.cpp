@@ -80,6 +80,10 @@ std::string RemarkForm(std::string_view text) {
   return WithLineEnds(text, [](char) { return std::string_view(); });
 }
 
+std::string NumericReference(char32_t character, std::string_view /*rest*/) {
+  return "&#" + std::to_string(static_cast<unsigned long>(character)) + ";";
+}
+
 }  // namespace
 
 bool Serializer::CanHold(char32_t character) const {
@@ -94,28 +98,21 @@ void Serializer::Name(std::string_view name) {
   }
 }
 
-void Serializer::AttributeValue(std::string_view value) { AppendReferring(AttributeForm(value)); }
-
-void Serializer::Text(std::string_view text) { AppendReferring(TextForm(text)); }
-
-void Serializer::Remark(std::string_view text) { AppendReplacing(RemarkForm(text)); }
-
-void Serializer::AppendReferring(std::string_view escaped) {
-  if (holds_ == nullptr) {
-    output_ += escaped;
-    return;
-  }
-  while (!escaped.empty()) {
-    const char32_t character = TakeCodePoint(escaped).value;
-    if (CanHold(character)) {
-      AppendUtf8(character, output_);
-    } else {
-      output_ += "&#" + std::to_string(static_cast<unsigned long>(character)) + ";";
-    }
-  }
+void Serializer::AttributeValue(std::string_view value) {
+  Append(AttributeForm(value), NumericReference);
 }
 
-void Serializer::AppendReplacing(std::string_view text) {
+void Serializer::Text(std::string_view text) { Append(TextForm(text), NumericReference); }
+
+void Serializer::Remark(std::string_view text) {
+  // "?>" would end an instruction.
+  Append(RemarkForm(text), [](char32_t, std::string_view rest) {
+    return std::string(rest.starts_with('>') ? "_" : "?");
+  });
+}
+
+template <class Replacement>
+void Serializer::Append(std::string_view text, const Replacement& replacement) {
   if (holds_ == nullptr) {
     output_ += text;
     return;
@@ -125,7 +122,7 @@ void Serializer::AppendReplacing(std::string_view text) {
     if (CanHold(character)) {
       AppendUtf8(character, output_);
     } else {
-      output_ += text.starts_with('>') ? '_' : '?';  // "?>" would end an instruction
+      output_ += replacement(character, text);
     }
   }
 }

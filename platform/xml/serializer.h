@@ -28,8 +28,9 @@ class Serializer {
 
  private:
   [[nodiscard]] bool CanHold(char32_t character) const;
-  void AppendReferring(std::string_view escaped);
-  void AppendReplacing(std::string_view text);
+  // `replacement` gives the text for a character that can't be held, before the rest of `text`.
+  template <class Replacement>
+  void Append(std::string_view text, const Replacement& replacement);
 
   std::string& output_;
   const Holds* holds_;

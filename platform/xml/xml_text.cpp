@@ -1,7 +1,6 @@
 #include "platform/xml/xml_text.h"
 
 #include <algorithm>
-#include <span>
 
 #include <kvdm/platform/error.h>
 
@@ -11,12 +10,7 @@
 namespace kvdm::xml {
 namespace {
 
-struct Range {
-  char32_t first;
-  char32_t last;
-};
-
-constexpr Range kNameStarts[] = {
+constexpr CodePointRange kNameStarts[] = {
     {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
     {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
     {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
@@ -24,15 +18,9 @@ constexpr Range kNameStarts[] = {
 };
 
 // What a name may hold after its first character, besides the above.
-constexpr Range kNameTails[] = {
+constexpr CodePointRange kNameTails[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
 };
-
-bool IsIn(std::span<const Range> ranges, char32_t character) {
-  return std::ranges::any_of(ranges, [character](const Range& range) {
-    return range.first <= character && character <= range.last;
-  });
-}
 
 bool IsPrintableAscii(char character) { return character >= 0x20; }
 
