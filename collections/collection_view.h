@@ -92,6 +92,23 @@ class CollectionView {
   DataManagerRef data_manager_;
 };
 
+// A collection on top of a view.
+template <class Interface>
+class Collection : public Interface {
+ public:
+  Collection(const CollectionRules& rules, std::shared_ptr<GisCore> gis_core)
+      : view_(rules, std::move(gis_core)) {}
+
+  // Bound by the data manager right after creation.
+  void SetDataManager(DataManagerRef data_manager) {
+    view_.SetDataManager(std::move(data_manager));
+  }
+  void SetNode(std::shared_ptr<xml::Element> node) { view_.SetNode(std::move(node)); }
+
+ protected:
+  CollectionView view_;
+};
+
 // The folder of the current study area, with a trailing "\"; the working directory when none is
 // open or the one named is not there. Errors reach the caller; run-time error 91 without a host.
 [[nodiscard]] std::string CurrentFolder(DataManagerFriend& data_manager);

@@ -22,10 +22,9 @@ constexpr char kLayerFileName[] = "Analysis.lyr";
 }  // namespace
 
 KVAnalysisCollection::KVAnalysisCollection(std::shared_ptr<GisCore> gis_core)
-    : view_(kAnalysisRules, std::move(gis_core)) {}
+    : Collection(kAnalysisRules, std::move(gis_core)) {}
 
 NameListRef KVAnalysisCollection::AnalysesList() { return view_.List(attributes::kName); }
-
 NameListRef KVAnalysisCollection::AnalysesGUIDsList() { return view_.List(attributes::kGuid); }
 
 bool KVAnalysisCollection::CreateAnalysis(std::string_view name) {

@@ -7,7 +7,7 @@
 
 namespace kvdm {
 
-class KVAnalysisCollection final : public IKVAnalysisCollection {
+class KVAnalysisCollection final : public Collection<IKVAnalysisCollection> {
  public:
   explicit KVAnalysisCollection(std::shared_ptr<GisCore> gis_core);
 
@@ -21,18 +21,10 @@ class KVAnalysisCollection final : public IKVAnalysisCollection {
   std::shared_ptr<IKVAnalysis> GetAnalysisByGUID(std::string_view guid) override;
   bool AnalysisExistsByGUID(std::string_view guid) override;
 
-  // Bound by the data manager right after creation.
-  void SetDataManager(DataManagerRef data_manager) {
-    view_.SetDataManager(std::move(data_manager));
-  }
-  void SetNode(std::shared_ptr<xml::Element> node) { view_.SetNode(std::move(node)); }
-
  private:
   std::string AppendAnalysis(std::string_view name);
   bool Delete(const char* attribute, std::string_view key);
   std::shared_ptr<IKVAnalysis> Get(const char* attribute, std::string_view key);
-
-  CollectionView view_;
 };
 
 }  // namespace kvdm

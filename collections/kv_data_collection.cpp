@@ -22,7 +22,7 @@ constexpr char kFolderName[] = "Data\\";
 }  // namespace
 
 KVDataCollection::KVDataCollection(std::shared_ptr<GisCore> gis_core)
-    : view_(kDataItemRules, std::move(gis_core)) {}
+    : Collection(kDataItemRules, std::move(gis_core)) {}
 
 std::string KVDataCollection::DataItemsDir() {
   return guard::Reported(view_.reporter(), messages::kDataDir, [&] {
@@ -34,7 +34,6 @@ std::string KVDataCollection::DataItemsDir() {
 }
 
 NameListRef KVDataCollection::DataItemsList() { return List(attributes::kName); }
-
 NameListRef KVDataCollection::DataItemsGUIDsList() { return List(attributes::kGuid); }
 
 NameListRef KVDataCollection::List(const char* attribute) {

@@ -8,7 +8,7 @@
 namespace kvdm {
 
 // Reports only with a data manager; without one the failure results come back.
-class KVDataCollection final : public IKVDataCollection {
+class KVDataCollection final : public Collection<IKVDataCollection> {
  public:
   explicit KVDataCollection(std::shared_ptr<GisCore> gis_core);
 
@@ -23,20 +23,12 @@ class KVDataCollection final : public IKVDataCollection {
   bool DataItemExistsByGUID(std::string_view guid) override;
   std::string DataItemsDir() override;
 
-  // Bound by the data manager right after creation.
-  void SetDataManager(DataManagerRef data_manager) {
-    view_.SetDataManager(std::move(data_manager));
-  }
-  void SetNode(std::shared_ptr<xml::Element> node) { view_.SetNode(std::move(node)); }
-
  private:
   // The group in which items are listed and deleted; a missing one is reported as `message`.
   std::shared_ptr<xml::Element> Group(const char* message) const;
   NameListRef List(const char* attribute);
   bool Delete(const char* attribute, std::string_view key);
   std::shared_ptr<IKVDataItem> View(const std::shared_ptr<xml::Element>& element);
-
-  CollectionView view_;
 };
 
 }  // namespace kvdm

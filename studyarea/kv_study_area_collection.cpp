@@ -22,7 +22,7 @@ constexpr char kLayerFileName[] = "StudyArea.lyr";
 }  // namespace
 
 KVStudyAreaCollection::KVStudyAreaCollection(std::shared_ptr<GisCore> gis_core)
-    : view_(kStudyAreaRules, std::move(gis_core)) {}
+    : Collection(kStudyAreaRules, std::move(gis_core)) {}
 
 NameListRef KVStudyAreaCollection::StudyAreasList() {
   const auto all = view_.List(attributes::kName);

@@ -7,7 +7,7 @@
 
 namespace kvdm {
 
-class KVStudyAreaCollection final : public IKVStudyAreaCollection {
+class KVStudyAreaCollection final : public Collection<IKVStudyAreaCollection> {
  public:
   explicit KVStudyAreaCollection(std::shared_ptr<GisCore> gis_core);
 
@@ -21,12 +21,6 @@ class KVStudyAreaCollection final : public IKVStudyAreaCollection {
   std::shared_ptr<IKVStudyArea> GetStudyAreaByGUID(std::string_view guid) override;
   bool StudyAreaExistsByGUID(std::string_view guid) override;
 
-  // Bound by the data manager right after creation.
-  void SetDataManager(DataManagerRef data_manager) {
-    view_.SetDataManager(std::move(data_manager));
-  }
-  void SetNode(std::shared_ptr<xml::Element> node) { view_.SetNode(std::move(node)); }
-
  private:
   [[nodiscard]] std::string StudyAreasFolder() const;
   [[nodiscard]] std::string FolderOf(const std::string& folder_name) const;
@@ -34,8 +28,6 @@ class KVStudyAreaCollection final : public IKVStudyAreaCollection {
   void CloseIfCurrent(std::string_view name);
   bool Delete(const char* attribute, std::string_view key, bool below_study_areas);
   std::shared_ptr<IKVStudyArea> Get(const char* attribute, std::string_view key);
-
-  CollectionView view_;
 };
 
 }  // namespace kvdm
