@@ -77,36 +77,29 @@ void ChildIndex::Update(const Change& change) {
   }
 }
 
-void ChildIndex::Add(Node& child) {
+void ChildIndex::UpdateChild(Node& child, Action action) {
   if (child.Type() != NodeType::kElement) return;
   auto& element = static_cast<Element&>(child);
   Update([&](Table& table) {
-    table.WithKeyOf(element, [&](const std::string& key) { table.Insert(key, element); });
+    table.WithKeyOf(element, [&](const std::string& key) { (table.*action)(key, element); });
   });
 }
 
-void ChildIndex::Remove(Node& child) {
-  if (child.Type() != NodeType::kElement) return;
-  auto& element = static_cast<Element&>(child);
+void ChildIndex::UpdateAttribute(Element& child, const Attribute& attribute, Action action) {
   Update([&](Table& table) {
-    table.WithKeyOf(element, [&](const std::string& key) { table.Erase(key, element); });
+    if (table.tag == child.Tag() && table.attribute == attribute.name) {
+      (table.*action)(attribute.value, child);
+    }
   });
 }
 
+void ChildIndex::Add(Node& child) { UpdateChild(child, &Table::Insert); }
+void ChildIndex::Remove(Node& child) { UpdateChild(child, &Table::Erase); }
 void ChildIndex::AddAttribute(Element& child, const Attribute& attribute) {
-  Update([&](Table& table) {
-    if (table.tag == child.Tag() && table.attribute == attribute.name) {
-      table.Insert(attribute.value, child);
-    }
-  });
+  UpdateAttribute(child, attribute, &Table::Insert);
 }
-
 void ChildIndex::RemoveAttribute(Element& child, const Attribute& attribute) {
-  Update([&](Table& table) {
-    if (table.tag == child.Tag() && table.attribute == attribute.name) {
-      table.Erase(attribute.value, child);
-    }
-  });
+  UpdateAttribute(child, attribute, &Table::Erase);
 }
 
 }  // namespace kvdm::xml

@@ -52,8 +52,11 @@ class ChildIndex {
   const Matches* Find(const std::string& tag, const std::string& attribute, const std::string& key,
                       Node* first_child);
   Table& TableFor(const std::string& tag, const std::string& attribute, Node* first_child);
+  using Action = void (Table::*)(const std::string& key, Element& child);
   template <class Change>
   void Update(const Change& change);
+  void UpdateChild(Node& child, Action action);
+  void UpdateAttribute(Element& child, const Attribute& attribute, Action action);
 
   std::vector<Table> tables_;
 };
