@@ -57,9 +57,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out) {
 }
 
 STDAPI DllCanUnloadNow() { return kvdm::com::IsModuleLocked() ? S_FALSE : S_OK; }
-
 STDAPI DllRegisterServer() { return kvdm::com::SelfRegister(true, kvdm::com::Scope::kMachine); }
-
 STDAPI DllUnregisterServer() { return kvdm::com::SelfRegister(false, kvdm::com::Scope::kMachine); }
 
 // The command line says for whom: "user", or nothing for all users of the machine.

@@ -22,9 +22,7 @@ HMODULE Module() {
 
 ModuleLock::ModuleLock() { LockModule(true); }
 ModuleLock::~ModuleLock() { LockModule(false); }
-
 bool IsModuleLocked() { return g_locks != 0; }
-
 void LockModule(bool lock) { g_locks += lock ? 1 : -1; }
 
 std::wstring ModulePath() {

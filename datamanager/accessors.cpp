@@ -81,7 +81,6 @@ std::shared_ptr<IKVStoreLayerCollection> KVDataManager::StoreLayerCollection() {
 }
 
 NameListRef KVDataManager::PDataList() { return ListPresets(attributes::kName); }
-
 NameListRef KVDataManager::PDataGUIDList() { return ListPresets(attributes::kGuid); }
 
 NameListRef KVDataManager::ListPresets(const char* attribute) {

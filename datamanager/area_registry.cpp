@@ -195,7 +195,6 @@ std::shared_ptr<Item> AreaRegistry::Get(const AreaRules& rules, const char* attr
 // Study areas.
 
 NameListRef AreaRegistry::StudyAreaNames() { return Names(kAreas); }
-
 NameListRef AreaRegistry::StudyAreaGUIDs() { return GUIDs(kAreas); }
 
 bool AreaRegistry::CreateStudyArea(std::string_view name) {
@@ -301,9 +300,7 @@ bool AreaRegistry::UnregisterLayer(const AreaRules& rules, const char* attribute
 }
 
 std::string AreaRegistry::CustomersDir() const { return LayersDir(kCustomers); }
-
 NameListRef AreaRegistry::CustLayerNames() { return Names(kCustomers); }
-
 NameListRef AreaRegistry::CustLayerGUIDs() { return GUIDs(kCustomers); }
 
 bool AreaRegistry::RegisterCustLayer(std::string_view name) {
@@ -333,9 +330,7 @@ bool AreaRegistry::CustLayerExistsByGUID(std::string_view guid) {
 }
 
 std::string AreaRegistry::StoresDir() const { return LayersDir(kStores); }
-
 NameListRef AreaRegistry::StoreLayerNames() { return Names(kStores); }
-
 NameListRef AreaRegistry::StoreLayerGUIDs() { return GUIDs(kStores); }
 
 bool AreaRegistry::RegisterStoreLayer(std::string_view name) {
@@ -388,7 +383,6 @@ void AreaRegistry::SetCustomerAlias(std::string_view alias) {
 }
 
 std::string AreaRegistry::StoreAlias() { return Alias(kStoreAliasValue, kStore); }
-
 void AreaRegistry::SetStoreAlias(std::string_view alias) { SetAlias(kStoreAliasValue, alias); }
 
 }  // namespace kvdm

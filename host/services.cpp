@@ -44,7 +44,6 @@ bool WatchedRegistry::Update(RegistryRoot root, std::string_view key, std::strin
 }
 
 RegistryCondition WatchedRegistry::Condition() const { return registry_->Condition(); }
-
 bool WatchedRegistry::Holds(char32_t character) const { return registry_->Holds(character); }
 
 Services Watching(Platform platform) {

@@ -43,7 +43,6 @@ std::string KVAnalysis::Comments() {
 }
 
 void KVAnalysis::SetComments(std::string_view comments) { view().SetComments(comments); }
-
 std::string KVAnalysis::CreationTime() { return view().TextOrNothing(attributes::kCreationTime); }
 
 void KVAnalysis::SetCreationTime(std::string_view time) {
@@ -51,7 +50,6 @@ void KVAnalysis::SetCreationTime(std::string_view time) {
 }
 
 std::string KVAnalysis::AnalysisDir() { return view().TextOrNothing(attributes::kDirName); }
-
 std::string KVAnalysis::AnalysisGUID() { return view().TextOrNothing(attributes::kGuid); }
 
 bool KVAnalysis::WriteToPropertySet(std::shared_ptr<NamedValueSet>& set) {

@@ -10,9 +10,7 @@ constexpr ItemReports kDataItemReports = {ReportStyle::kByName, messages::kSetDa
 }  // namespace
 
 KVDataItem::KVDataItem() : ParameterizedItem(kDataItemReports) {}
-
 std::string KVDataItem::Name() { return view().TextOrNothing(attributes::kName); }
-
 void KVDataItem::SetName(std::string_view name) { view().SetAndFlush(attributes::kName, name); }
 
 std::string KVDataItem::LayerFile() {

@@ -14,7 +14,6 @@ constexpr std::string_view kRefusedCharacters = "<>:\"/\\|?*";
 constexpr std::size_t kLongestName = 255;
 
 bool IsSeparator(char c) { return kSeparators.find(c) != std::string_view::npos; }
-
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
 bool StartsWithDrive(std::string_view path) {
@@ -162,7 +161,6 @@ std::string PathIn(std::string_view folder, std::string_view name) {
 }
 
 bool SameName(std::string_view a, std::string_view b) { return Folded(a) == Folded(b); }
-
 std::u32string FoldedName(std::string_view name) { return Folded(name); }
 
 bool MatchesPattern(std::string_view name, std::string_view pattern) {

@@ -40,9 +40,7 @@ const StateText& TextOf(RegistryState state) { return kStates.at(static_cast<std
 }  // namespace
 
 std::string_view RegistryCondition::Name() const { return TextOf(state).name; }
-
 std::string_view RegistryCondition::Sentence() const { return TextOf(state).sentence; }
-
 std::string_view RegistryCondition::Advice() const { return TextOf(state).advice; }
 
 void ThrowUnreadable(const RegistryCondition& condition) {

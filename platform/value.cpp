@@ -54,7 +54,6 @@ struct BooleanVisitor {
 }  // namespace
 
 std::string ToText(const Value& value) { return std::visit(TextVisitor{}, value.storage()); }
-
 bool ToBoolean(const Value& value) { return std::visit(BooleanVisitor{}, value.storage()); }
 
 std::string DateText(const DateTime& time) {

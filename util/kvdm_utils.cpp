@@ -120,7 +120,6 @@ std::string NewGuidString(GisCore& gis_core) {
 }
 
 std::string WidenLineEnds(std::string_view text) { return Replaced(text, "\n", "\r\n"); }
-
 std::string CollapseBackslashes(std::string_view path) { return Replaced(path, "\\\\", "\\"); }
 
 std::string UniqueFileName(FileSystem& files, std::string_view folder, std::string_view prefix) {

@@ -183,7 +183,6 @@ std::shared_ptr<void> TryLock(const std::filesystem::path& file) {
 }
 
 bool InputIsTerminal() { return ::isatty(STDIN_FILENO) == 1; }
-
 bool OutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
 std::size_t ColumnsOf(char32_t character) {
@@ -197,7 +196,6 @@ std::string Environment(const char* name) {
 }
 
 std::string ToText(const std::filesystem::path& path) { return path.string(); }
-
 std::filesystem::path ToPath(std::string_view text) { return {text}; }
 
 std::string ComponentPath(const std::filesystem::path& absolute) {

@@ -163,7 +163,6 @@ std::optional<std::string> RegisteredComServer(ComScope scope) {
 }
 
 void RegisterComServer(const fs::path& file, ComScope scope) { Install(file, scope, true); }
-
 void UnregisterComServer(const fs::path& file, ComScope scope) { Install(file, scope, false); }
 
 }  // namespace kvdm

@@ -36,7 +36,6 @@ bool IsConsole(DWORD stream, DWORD wanted_mode) {
 }  // namespace
 
 bool InputIsTerminal() { return IsConsole(STD_INPUT_HANDLE, 0); }
-
 bool OutputIsTerminal() { return IsConsole(STD_OUTPUT_HANDLE, ENABLE_VIRTUAL_TERMINAL_PROCESSING); }
 
 std::size_t ColumnsOf(char32_t character) {

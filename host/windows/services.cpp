@@ -54,7 +54,6 @@ Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
 }
 
 std::string RegistryPlace() { return fmt::format("HKEY_LOCAL_MACHINE\\{}", kRegistryKey); }
-
 std::optional<std::string> SetRegistryAside(Output&) { return std::nullopt; }
 
 std::optional<std::filesystem::path> RegistryLockFile() {

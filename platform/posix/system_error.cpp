@@ -46,7 +46,6 @@ std::int32_t NumberOf(int error) {
 }  // namespace
 
 void ThrowSystemError(int error) { throw std::system_error(error, std::generic_category()); }
-
 void ThrowLastError() { ThrowSystemError(errno); }
 
 bool MeansMissing(int error) {

@@ -307,7 +307,6 @@ Bstr::Bstr(std::string_view utf8) {
 }
 
 std::string ToText(BSTR text) { return ToUtf8({text, ::SysStringLen(text)}); }
-
 Variant::Variant(const Value& value) { ToVariant(value, &value_); }
 
 Value FromVariant(const VARIANT& value) {

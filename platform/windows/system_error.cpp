@@ -62,7 +62,6 @@ std::int32_t NumberOf(int error) {
 }  // namespace
 
 void ThrowSystemError(int error) { throw std::system_error(error, std::system_category()); }
-
 void ThrowLastError() { ThrowSystemError(static_cast<int>(::GetLastError())); }
 
 bool MeansMissing(int error) {

@@ -23,7 +23,6 @@ Element* AsElement(Branch* branch) {
 }  // namespace
 
 void IndexMoreChildrenThan(std::size_t count) { few_children = count; }
-
 Element* Node::Parent() const { return AsElement(parent_); }
 
 Branch::Branch(NodeType type, std::size_t own_bytes, std::size_t closing_bytes,

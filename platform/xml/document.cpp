@@ -117,7 +117,6 @@ void Document::AddDeclaration() {
 }
 
 std::string Document::Xml() const { return Xml(nullptr); }
-
 std::string Document::Xml(const std::function<bool(char32_t)>& holds) const { return Xml(&holds); }
 
 std::string Document::Xml(const std::function<bool(char32_t)>* holds) const {

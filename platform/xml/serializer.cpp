@@ -132,7 +132,6 @@ std::size_t AttributeBytes(std::string_view name, std::string_view value) {
 }
 
 std::size_t TextBytes(std::string_view text) { return TextForm(text).size(); }
-
 std::size_t RemarkBytes(std::string_view text) { return RemarkForm(text).size(); }
 
 }  // namespace kvdm::xml
