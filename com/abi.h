@@ -1,9 +1,9 @@
-// Calls of clients into the component: the one shape that each of them has.
+// COM calls into the component, all of one shape.
 //
-// A call's arguments are those of the component's operation, each in the form that COM gives it,
-// then a pointer to the result. Pointers are checked, the result is cleared, arguments are
-// converted, the operation is called, its result is converted; an error becomes a result code and
-// an error object. No C++ exception leaves.
+// A call's arguments are those of the component's operation as automation types, then a pointer to
+// the result. Pointers are checked, the result is cleared, arguments are converted, the operation
+// is called, its result is converted; an error becomes a result code and an error object. No C++
+// exception leaves.
 #pragma once
 
 #include <memory>
@@ -78,7 +78,7 @@ class Parameter<const std::shared_ptr<T>&> {
   std::shared_ptr<T> object_;
 };
 
-// The same, that the operation may make when there is none.
+// An [in, out] object: the operation may create it when there is none.
 template <class T>
 class Parameter<std::shared_ptr<T>&> {
  public:
@@ -95,13 +95,13 @@ class Parameter<std::shared_ptr<T>&> {
   std::shared_ptr<T> object_;
 };
 
-// Gives the client what the operation made for a parameter.
+// Gives the client what the operation created for a parameter.
 template <class Parameter>
 void Finish(Parameter& parameter) {
   if constexpr (requires { parameter.HandOut(); }) parameter.HandOut();
 }
 
-// A result, at the client's pointer: Clear makes it the neutral one, Put the operation's.
+// [out] results: Clear stores the neutral value, Put the operation's result.
 inline void Clear(BSTR* out) { *out = nullptr; }
 inline void Clear(VARIANT_BOOL* out) { *out = VARIANT_FALSE; }
 inline void Clear(long* out) { *out = 0; }

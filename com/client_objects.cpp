@@ -23,14 +23,14 @@ NamedValueSet::Listing ListingOf(const VARIANT& names, const VARIANT& values) {
   return listing;
 }
 
-// An object that has the interface `Interface`.
+// An object that is called through the vtable of `Interface`.
 template <class Interface>
 class SlotObject : public ClientObject {
  public:
   explicit SlotObject(const ComPtr<Interface>& object) : ClientObject(object), object_(object) {}
 
  protected:
-  // For one call, whose failure is not told by the error object of an earlier one.
+  // For one call; clears the error object, which may be left from an earlier one.
   Interface& Slots() {
     ::SetErrorInfo(0, nullptr);
     return *object_.Get();
@@ -140,7 +140,7 @@ class SlotMetadata final : public LayerMetadata, public SlotObject<::ILayerMetad
   }
 };
 
-// An object that is called by name.
+// An object that is called by name (late binding).
 class LateClient : public ClientObject {
  public:
   explicit LateClient(const ComPtr<IDispatch>& object) : ClientObject(object), names_(object) {}

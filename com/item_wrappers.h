@@ -10,7 +10,6 @@
 
 namespace kvdm::com {
 
-// The operations of all items.
 template <class Abi, class CoreInterface>
 class ItemWrapper : public WrapperOf<Abi, CoreInterface> {
  public:
@@ -35,7 +34,6 @@ class ItemWrapper : public WrapperOf<Abi, CoreInterface> {
   }
 };
 
-// The operations of both kinds of layers.
 template <class Abi, class CoreInterface>
 class LayerWrapper : public ItemWrapper<Abi, CoreInterface> {
  public:

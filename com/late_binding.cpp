@@ -11,7 +11,7 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-// Identifiers below are those that the type library gives to names itself.
+// Smaller identifiers are those that the type library assigns.
 constexpr DISPID kFirstOwnId = 0x60000000;
 
 bool SameLetters(std::wstring_view a, std::wstring_view b) {
@@ -60,14 +60,14 @@ std::wstring NameOf(ITypeInfo& type, MEMBERID id) {
   return {name.get(), ::SysStringLen(name.get())};
 }
 
-// The value that a property is set to has a name of its own.
+// The one named argument that counts as none is the value of a property put.
 bool HasNamedArguments(const DISPPARAMS& parameters) {
   const bool is_value =
       parameters.cNamedArgs == 1 && parameters.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
   return parameters.cNamedArgs != 0 && !is_value;
 }
 
-// A caller by name can do nothing with an object that can't be called so.
+// Gives the caller an object as IDispatch where it has that: callers by name can use no other.
 void MakeCallable(VARIANT* result) {
   if (result == nullptr || V_VT(result) != VT_UNKNOWN) return;
   Variant object = ObjectValue(V_UNKNOWN(result));

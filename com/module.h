@@ -17,13 +17,11 @@ class ModuleLock {
   ModuleLock& operator=(const ModuleLock&) = delete;
 };
 
-// Whether anything keeps the DLL from being unloaded.
 [[nodiscard]] bool IsModuleLocked();
 
 // Adds or takes a lock, as IClassFactory::LockServer does.
 void LockModule(bool lock);
 
-// The full path of the DLL's file.
 [[nodiscard]] std::wstring ModulePath();
 
 // The entries by which clients find the component: classes by identifier and by name, and the type

@@ -84,7 +84,7 @@ class WrapperOf : public AbiInterface, public WrapperBase {
   STDMETHODIMP_(ULONG) Release() override { return object_.Release(); }
 
  protected:
-  // What most operations are: the call of the component's operation with the same arguments.
+  // Calls the component's operation with the same arguments.
   template <class Operation, class... Arguments>
   HRESULT Call(Operation operation, Arguments... arguments) {
     using Caller = decltype(abi::CallerOf(operation));

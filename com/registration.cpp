@@ -30,7 +30,6 @@ std::wstring GuidText(const GUID& guid) {
   return text.data();
 }
 
-// The key below which the classes of a scope stand.
 class ClassesKey {
  public:
   explicit ClassesKey(Scope scope) {

@@ -13,7 +13,7 @@ namespace kvdm {
 [[nodiscard]] bool Holds(CodePage page, char32_t character);
 
 // UTF-8 text as bytes in `page`. A character that it does not have becomes "?", two of them where
-// the character takes two UTF-16 units; look-alikes are never put instead.
+// the character takes two UTF-16 units; there are no best-fit substitutes.
 [[nodiscard]] std::string Encode(std::string_view text, CodePage page);
 
 // Bytes in `page` as UTF-8 text. Bytes that are not UTF-8 become U+FFFD each.

@@ -11,7 +11,7 @@
 
 namespace kvdm {
 
-// The attributes of files and folders. Combined with `|`, as the attribute numbers of files are.
+// Attributes of files and folders, combined with `|`.
 enum FileAttribute : unsigned {
   kReadOnlyAttribute = 1,
   kHiddenAttribute = 2,
@@ -65,7 +65,6 @@ struct SearchPattern {
 // `name` without trailing blanks and dots.
 [[nodiscard]] std::string_view TrimmedName(std::string_view name);
 
-// The path of `name` in a folder.
 [[nodiscard]] std::string PathIn(std::string_view folder, std::string_view name);
 
 // `unit`, a UTF-16 unit, in upper case as file names are compared; itself when it has no other
@@ -74,7 +73,7 @@ struct SearchPattern {
 
 // Whether two names or paths are equal without regard to letter case.
 [[nodiscard]] bool SameName(std::string_view a, std::string_view b);
-// The same for every name or path that is equal to this one without regard to letter case.
+// The case-folded form: the same for all names or paths that SameName calls equal.
 [[nodiscard]] std::u32string FoldedName(std::string_view name);
 
 // Whether `name` matches `pattern` without regard to letter case: `*` stands for any characters,
@@ -92,10 +91,10 @@ struct SearchPattern {
 [[nodiscard]] std::optional<std::string> FindName(const std::vector<std::string>& names,
                                                   std::string_view wanted);
 
-// 16 hexadecimal digits that nobody can tell beforehand.
+// 16 unpredictable hexadecimal digits.
 [[nodiscard]] std::string RandomDigits();
 
-// A hidden name for a file that is there for a moment only.
+// A new hidden name for a temporary file.
 [[nodiscard]] std::string TemporaryFileName();
 
 // FindName or FindSameName.

@@ -14,7 +14,7 @@ namespace kvdm {
 // Throws the system error of the call that failed last.
 [[noreturn]] void ThrowLastError();
 
-// Whether an error code says that there is nothing at a path, and not that nobody can tell.
+// Whether an error code says that there is nothing at a path, and not that this can't be told.
 [[nodiscard]] bool MeansMissing(int error);
 
 // The run-time error that clients know for an error code, about `path`.

@@ -19,7 +19,6 @@ struct CodePoint {
 };
 CodePoint TakeCodePoint(std::string_view& rest);
 
-// Appends the UTF-8 form of `code_point`.
 void AppendUtf8(char32_t code_point, std::string& text);
 
 [[nodiscard]] bool IsValidUtf8(std::string_view text);

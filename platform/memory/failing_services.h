@@ -71,7 +71,6 @@ class FailingService : public Service {
     return *inner_;
   }
 
-  // Chooses the call that fails.
   [[nodiscard]] const std::shared_ptr<FailureCounter>& Counter() const { return counter_; }
 
   // `object`, the answer to the call counted last, in its own wrapper; Nothing stays Nothing.

@@ -17,8 +17,8 @@ namespace {
 constexpr std::string_view kType = "TYPE";
 constexpr std::string_view kValue = "VALUE";
 constexpr std::string_view kMore = "MORE";
-// So few that the piece as written, with up to six bytes for one, is no larger than a value either:
-// some parsers count that.
+// A piece fits the limit of a value also as it is written, with up to six bytes for one: some
+// parsers count those.
 constexpr std::size_t kPieceBytes = 1'500'000;
 static_assert(6 * kPieceBytes < xml::kMaxValueBytes);
 

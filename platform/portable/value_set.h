@@ -17,7 +17,6 @@ class ValueSet : public NamedValueSet {
   // Takes constant time, however many paths there are.
   void PutValue(std::string_view path, const Value& value) override;
   Listing ListAll() override;
-  // The number of rows that ListAll has.
   int EntryCount() override { return entry_count_; }
   void PrepareForUpdate() override {}
 

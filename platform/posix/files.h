@@ -15,7 +15,6 @@
 
 namespace kvdm {
 
-// Owns an open file or folder; closes it at the end.
 class FileDescriptor {
  public:
   explicit FileDescriptor(int value) : value_(value) {}
@@ -30,7 +29,7 @@ class FileDescriptor {
 
   [[nodiscard]] int get() const { return value_; }
 
-  // Gives the descriptor to somebody else who closes it.
+  // Hands over the descriptor, still open.
   int Release() { return std::exchange(value_, -1); }
 
  private:
@@ -49,7 +48,7 @@ class FileDescriptor {
 [[nodiscard]] std::optional<std::string> FindEntry(int folder, std::string_view name,
                                                    NameFinder find);
 
-// Which file or folder of the system it is, whatever its name.
+// Device and inode of a file or folder.
 struct FileIdentity {
   dev_t device = 0;
   ino_t number = 0;
@@ -93,8 +92,8 @@ struct FileStatus {
 // The attributes of an open file or folder; 0 when it has none.
 [[nodiscard]] unsigned ReadDosAttributes(int file);
 
-// Sets the attributes of an open file or folder. On a file system without extended attributes
-// nothing can be kept, and nothing happens. Throws std::system_error when the system refuses.
+// Sets the attributes of an open file or folder; does nothing on a file system without extended
+// attributes.
 void WriteDosAttributes(int file, unsigned attributes);
 
 // Writes `bytes` to a new file in `folder`, reads them again, and lets it take the place of `name`

@@ -172,9 +172,8 @@ class Run {
   std::exception_ptr thrown_;
 };
 
-// Besides what XmlParser promises, refuses without reading on: texts larger than documents get,
-// elements within elements deeper, and attributes of one element more, than documents have. Keeps
-// no state and changes none of the process.
+// Refuses documents over the limits of size, depth and attributes (limits.h) without reading on.
+// Keeps no state and changes none of the process.
 class LibxmlParser final : public XmlParser {
  public:
   bool Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) override {

@@ -13,7 +13,7 @@
 namespace kvdm {
 namespace {
 
-// The folders of one way down that are kept open.
+// So many folders of a path are kept open.
 constexpr std::size_t kMostOpen = 64;
 
 // The entries of a folder that are seen and `chosen`, in the order of a listing.
@@ -43,8 +43,8 @@ bool WasEmpty(int folder, const std::string& name) {
   return false;
 }
 
-// An open folder of the system. On a long way down it keeps only the first folders and the last one
-// open; the others are opened again on the way back, from the one inside.
+// An open folder. Of a long path it keeps only the first folders and the last one open; the others
+// are opened again on the way back, from the one inside.
 class PosixDirectory final : public Directory {
  public:
   // `path` is what errors name.

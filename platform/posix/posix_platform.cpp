@@ -15,7 +15,6 @@
 namespace kvdm {
 namespace {
 
-// The system's clock in the local time zone.
 class PosixClock final : public Clock {
  public:
   DateTime Now() override {

@@ -21,7 +21,7 @@ constexpr mode_t kNewFilePermissions = 0666;
 // A new file, which is removed at the end unless it was moved to its place.
 class TemporaryFile {
  public:
-  // For the place of `old`, which nobody may read meanwhile who may not read that.
+  // For the place of `old`; never readable by more users than that.
   TemporaryFile(int folder, const std::optional<FileStatus>& old) : folder_(folder), file_(-1) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     const mode_t permissions = old ? old->permissions & S_IRWXU : kNewFilePermissions;
@@ -30,7 +30,7 @@ class TemporaryFile {
       file_ = FileDescriptor(::openat(folder, name_.c_str(), kFlags, permissions));
     } while (file_.get() < 0 && errno == EEXIST);
     if (file_.get() < 0) ThrowLastError();
-    // One that nobody holds was left behind, and goes with its folder. Not all systems have locks.
+    // One without a lock is stale, and goes with its folder. Not all systems have locks.
     ::flock(file_.get(), LOCK_EX | LOCK_NB);
     if (old) KeepProperties(*old);
   }
@@ -115,15 +115,15 @@ std::optional<std::string_view> OwnPart(std::string_view name) {
   return name;
 }
 
-// Whether the process with this number is there; a number too large is nobody's.
+// Whether the process with this number is there; a number that is too large names none.
 bool Runs(std::string_view process) {
   pid_t number = 0;
   const auto read = std::from_chars(process.begin(), process.end(), number);
   return read.ec == std::errc() && (::kill(number, 0) == 0 || errno != ESRCH);
 }
 
-// Whether nobody writes a temporary file any more. A name is the writing process and a count, or 16
-// digits of chance; then the writer has a lock.
+// Whether a temporary file's writer is gone. Its name is the process and a count, or 16 random
+// digits; then the writer holds a lock.
 bool IsStale(int folder, const std::string& name) {
   const auto own = OwnPart(name);
   if (!own) return false;

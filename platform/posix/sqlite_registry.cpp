@@ -85,7 +85,7 @@ SqliteStatement Prepare(const SqliteDatabase& database, std::string_view sql, Re
   return statement;
 }
 
-// Fails for a database that is no store, and for one whose values may stand elsewhere.
+// Fails unless the database is a registry of a version that this program knows.
 void RequireStore(const SqliteDatabase& database) {
   const std::int64_t version = database.Number("PRAGMA user_version");
   if (version == 0) {
@@ -96,8 +96,8 @@ void RequireStore(const SqliteDatabase& database) {
   }
 }
 
-// Whether there is a file. Fails for anything else, and for a file without content: the store is
-// put in its place with content, so it was cut.
+// Whether there is a file. Fails for anything else, and for an empty file, which was truncated: a
+// store is complete before it gets its name.
 bool IsThere(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
@@ -342,7 +342,7 @@ std::unique_ptr<SqliteDatabase> SqliteRegistry::OpenForReading() const {
 
 std::unique_ptr<SqliteDatabase> SqliteRegistry::BeginWriting() const {
   RequireFileName(options_.path);
-  // Asked for first: then it is not that of somebody who makes the file meanwhile.
+  // Asked for first: later it may be that of a process that creates the file meanwhile.
   const bool has_journal = fs::exists(JournalOf(options_.path));
   if (!IsThere(options_.path)) {
     if (has_journal) MoveJournal(options_.path, options_.path + ".left-" + UtcStamp());
@@ -362,7 +362,7 @@ std::unique_ptr<SqliteDatabase> SqliteRegistry::BeginWriting() const {
   return database;
 }
 
-// The store is made under another name, so that nobody ever sees it without its tables.
+// The store is made under another name, so that no process sees it without its tables.
 void SqliteRegistry::Create() const {
   CreateFolders(fs::path(options_.path).parent_path());
   const NewFile file(options_.path);

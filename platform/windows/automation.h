@@ -47,7 +47,6 @@ class Bstr {
   [[nodiscard]] BSTR get() const { return text_; }
   // Where a callee puts a text; only while this is null.
   [[nodiscard]] BSTR* address() { return &text_; }
-  // Hands the text over.
   [[nodiscard]] BSTR Release() { return std::exchange(text_, nullptr); }
 
  private:
@@ -74,7 +73,6 @@ class Variant {
   [[nodiscard]] const VARIANT& get() const { return value_; }
   // Where a callee puts a value; only while this is VT_EMPTY.
   [[nodiscard]] VARIANT* address() { return &value_; }
-  // Hands the value over.
   [[nodiscard]] VARIANT Release() { return std::exchange(value_, VARIANT{}); }
 
  private:

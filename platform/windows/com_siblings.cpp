@@ -7,7 +7,6 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-// Calls the finder by name.
 class ComResourceFinder final : public ResourceFinder {
  public:
   explicit ComResourceFinder(ComPtr<IDispatch> object) : object_(std::move(object)) {}

@@ -9,7 +9,6 @@
 
 namespace kvdm {
 
-// The dataset manager, called by name.
 class ComDatasetManager final : public DatasetManager {
  public:
   explicit ComDatasetManager(Microsoft::WRL::ComPtr<IDispatch> object)

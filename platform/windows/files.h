@@ -11,7 +11,6 @@
 
 namespace kvdm {
 
-// Owns an open file or folder; closes it at the end.
 class FileHandle {
  public:
   explicit FileHandle(HANDLE value) : value_(value) {}

@@ -85,9 +85,8 @@ bool ParseUtf8(std::string_view utf8, XmlHandler& handler) {
 // MSXML says whether a text is well-formed. What it holds is read from the text itself: MSXML's
 // document gives names, declarations and white space back differently from version to version.
 //
-// Besides what XmlParser promises, refuses without reading on: texts larger than documents get,
-// elements within elements deeper, and attributes of one element more, than documents have. The
-// thread must have initialised COM. Run-time error 429 where MSXML isn't installed.
+// Refuses documents over the limits of size, depth and attributes (limits.h) without reading on.
+// The thread must have initialised COM. Run-time error 429 where MSXML isn't installed.
 class MsxmlParser final : public XmlParser {
  public:
   bool Parse(std::string_view text, XmlEncoding encoding, XmlHandler& handler) override {

@@ -14,8 +14,8 @@ namespace kvdm {
 [[nodiscard]] std::string ToUtf8(std::wstring_view text);
 
 // UTF-8 text as bytes in the code page with this number, or in that of the process. A character
-// that it does not have becomes "?", two of them where the character takes two UTF-16 units;
-// look-alikes are never put instead.
+// that it does not have becomes "?", two of them where the character takes two UTF-16 units; there
+// are no best-fit substitutes.
 [[nodiscard]] std::string ToAnsi(std::string_view text, unsigned page);
 [[nodiscard]] std::string ToAnsi(std::string_view text);
 

@@ -18,7 +18,6 @@
 namespace kvdm {
 namespace {
 
-// A log that a debugger shows.
 class DebuggerLog final : public Log {
  public:
   void Note(std::string_view line) override {
@@ -37,7 +36,6 @@ class Win32MessageBox final : public MessageBox {
   }
 };
 
-// The system's clock in the local time zone.
 class WindowsClock final : public Clock {
  public:
   DateTime Now() override {

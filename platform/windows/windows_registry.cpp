@@ -125,8 +125,8 @@ constexpr std::size_t kTimeLength = 20;
 // How long an update waits for those of other processes.
 constexpr DWORD kPatience = 10'000;  // milliseconds
 
-// Holds off all updates of the machine's registry while it lives. Any user may take it. Whoever
-// ended while holding it left the registry as it is after each write, which is good.
+// Holds off all updates of the machine's registry while it lives. An abandoned mutex counts as
+// taken: each write leaves the registry consistent.
 class UpdateLock {
  public:
   UpdateLock() {

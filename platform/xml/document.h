@@ -11,12 +11,11 @@
 
 namespace kvdm::xml {
 
-// The text form is exact and the same on every platform: the declaration, where the document has
-// one, is
-// <?xml version="1.0" encoding="utf-8"?> CR LF; every node of the document's own level is followed
-// by CR LF; nothing is indented. Line ends of texts are CR LF, never references; TAB, CR and LF in
-// attribute values are references. A loaded document keeps its white space. Saving, loading and
-// saving again gives identical bytes.
+// The text form is exact and the same on every platform. The declaration, where the document has
+// one, is <?xml version="1.0" encoding="utf-8"?> CR LF; every node of the document's own level is
+// followed by CR LF; nothing is indented. Line ends of texts are CR LF, never references; TAB, CR
+// and LF in attribute values are references. A loaded document keeps its white space. Saving,
+// loading and saving again gives identical bytes.
 class Document {
  public:
   Document();
@@ -34,7 +33,6 @@ class Document {
   // Replaces the root, or adds it after all that is there. Run-time error 5 and 7 as of an append.
   void SetDocumentElement(const std::shared_ptr<Element>& root);
 
-  // Gives the document its declaration.
   void AddDeclaration();
 
   // The text form; "" without a root element.

@@ -9,7 +9,6 @@ namespace kvdm::xml {
 // What the prefix "xml" stands for everywhere.
 inline constexpr std::string_view kXmlNamespace = "http://www.w3.org/XML/1998/namespace";
 
-// Whether XML can hold a character.
 [[nodiscard]] bool IsXmlCharacter(char32_t character);
 
 // `text` with U+FFFD for every character that XML forbids and every byte that is not UTF-8.
