@@ -15,9 +15,7 @@ namespace kvdm {
 
 // What differs between the collections, side by side.
 struct CollectionRules {
-  // The tag of an item.
-  const char* tag;
-  // Reports, and how they travel.
+  const char* tag;  // of an item
   ReportStyle reports;
   const char* list_failed = nullptr;
   const char* create_failed = nullptr;

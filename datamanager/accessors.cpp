@@ -129,8 +129,7 @@ std::string KVDataManager::TmpFilePath() {
 
 void KVDataManager::CleanTemp() {
   guard::Quiet(ErrorLog(), [&] {
-    // Without a working directory the folder would be one of the process's current folder, which is
-    // nobody's to clean.
+    // Without a working directory the path would lead into the process's current folder.
     if (workspace_.directory.empty()) return;
     const auto folder = platform_.files->OpenFolder(workspace_.directory);
     Required(folder).Enter(sDefaultDirNames::kKelvaroTemp);

@@ -20,7 +20,7 @@ struct Workspace;
 
 // Works on the children STUDYAREACOLLECTION, CUSTOMERCOLLECTION and STORECOLLECTION of the
 // metadata's root and creates none of them: a fresh metadata document has none, a loaded one may.
-// They are others than the collections that the accessors of the data manager hand out.
+// The accessors of the data manager hand out other collections.
 //
 // Every operation traps its errors, shows a message and returns its neutral result: False, "",
 // Nothing or, for a list, an empty list. A missing collection is such an error, except to the

@@ -13,10 +13,10 @@
 
 namespace kvdm {
 
-// No interface of the component, and none that an object can be asked for.
+// Not one of the interfaces that an object can be asked for.
 class DataManagerFriend : public ReportTarget {
  public:
-  // As its clients know them.
+  // As in IKVDataManager.
   virtual std::string WorkingDirectory() = 0;
   virtual bool Flush() = 0;
   virtual std::shared_ptr<IKVAnalysisCollection> AnalysisCollection() = 0;

@@ -36,7 +36,6 @@ class LayerView : public ParameterizedItem<Interface>, public IKVMetadata {
   void SetLayerFile(std::string_view path) override {
     view().SetAndFlush(attributes::kLayerFile, path);
   }
-  // True for the stored text "TRUE" alone.
   bool IsInternalData() override {
     return view().TextOrNothing(attributes::kIsInternalData) == kTrue;
   }
@@ -136,7 +135,6 @@ class KVStoreLayer final : public LayerView<IKVStoreLayer> {
   explicit KVStoreLayer(std::shared_ptr<GisCore> gis_core)
       : LayerView(ReportStyle::kShown, layer_types::kStoreLayer, std::move(gis_core)) {}
 
-  // Marks the path as absolute as well.
   void SetLayerFile(std::string_view path) override;
 
  private:

@@ -54,7 +54,6 @@ class KVStudyArea final : public IKVPropertySet,
   }
 
  private:
-  // The element that holds the properties; Nothing when it is missing.
   [[nodiscard]] std::shared_ptr<xml::Element> Properties() const;
   bool ReportMissingProperties(std::string_view name);
   void ShowPlain(std::string_view text);

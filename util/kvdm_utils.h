@@ -55,8 +55,8 @@ template <std::predicate<const std::string&> Taken>
 
 // Deletes a folder with all its contents; `path` ends in one backslash. True when nothing is left
 // of it. Hidden, system and read-only entries stay, and so does what holds them; links are removed,
-// never followed. Names count as they are or in another letter case, with nothing cut off. Links in
-// the path in front of the folder are followed, once, when that place is opened.
+// never followed. Names are compared without regard to letter case; trailing dots and blanks count.
+// Links in the path in front of the folder are followed, once, when that place is opened.
 //
 // Refuses, False and nothing touched, a path that is not rooted, names no folder below a drive's or
 // share's root, ends in two backslashes, or has a component of dots only. Without the backslash at
@@ -68,8 +68,7 @@ bool DeleteFolderTree(FileSystem& files, std::string_view path, Log* log = nullp
 // the caller, at the first thing that can't be deleted; then `folder` may be in a folder inside.
 void EmptyFolder(Directory& folder);
 
-// Creates a folder that may be there already, which costs no further call when it is not. Errors
-// reach the caller.
+// Creates a folder unless it exists, by one call when it does not. Errors reach the caller.
 void CreateFolderUnlessThere(FileSystem& files, std::string_view path);
 
 // Creates every missing folder along `path`, from the one after its first backslash. Errors reach

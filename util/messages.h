@@ -3,8 +3,7 @@
 
 namespace kvdm::messages {
 
-// Items.
-// Parameters. The layers and, for its list, the data item speak of the analysis as well.
+// Parameters of items. The layers and, for its list, the data item speak of the analysis as well.
 inline constexpr char kSetParameter[] = "Error while setting parameter of analysis";
 inline constexpr char kSetDataItemParameter[] = "Error while setting parameter of Dataitem";
 inline constexpr char kParametersList[] =

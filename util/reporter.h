@@ -14,7 +14,6 @@ class ReportTarget {
   // Shows `message` to the user.
   virtual void KVDMHandleError(std::string_view message) = 0;
 
-  // Where failures are noted.
   [[nodiscard]] virtual Log* ErrorLog() const = 0;
 
  protected:
