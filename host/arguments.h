@@ -19,7 +19,7 @@ namespace kvdm {
 // How people call the command: "kvdm area list".
 [[nodiscard]] std::string PathOf(const CLI::App& app);
 
-// The arguments of one command. A name such as "NAME" is a place in the command line, one such as
+// The arguments of one command. A name such as "NAME" is a positional argument, one such as
 // "--area" an option. The members bound must outlive the parsing. What is to be stored has a check,
 // which ends the command before it runs.
 class Arguments {
@@ -39,7 +39,7 @@ class Arguments {
   CLI::App* app_;
 };
 
-// A word of the command line that has commands under it.
+// A group of commands under one word of the command line.
 //
 //   CommandGroup area = root.Group("area", "Study areas");
 //   area.Add<AreaList>("list", "List the study areas", "kvdm area list --json");

@@ -48,16 +48,16 @@ class ProjectCommand : public Command {
   void Execute(const Invocation& invocation) final;
 
  private:
-  // Whether the command, as it was called, changes anything. If so, other processes are held off,
-  // and the project is saved when it succeeds, unless it saved it itself.
+  // Whether the command, as it was called, changes anything. If so, it holds the ChangeLock, and
+  // the project is saved when it succeeds, unless it saved it itself.
   [[nodiscard]] virtual bool Changes() const = 0;
-  // Whether a person is asked first. Nobody is held off meanwhile. The work is done only if the
-  // question still is the same once they are.
+  // Whether a person is asked first, before the lock is taken. The work is done only if the
+  // question is still the same under the lock.
   [[nodiscard]] virtual bool Asks() const { return false; }
   [[nodiscard]] virtual Question ToAsk(Session&) { return {}; }
   virtual void Run(Session& session, Output& out) = 0;
 
-  // What the person who was asked agreed to; nothing when nobody is asked.
+  // The question that was agreed to; nothing when none is asked.
   [[nodiscard]] std::optional<Question> Agreed(const std::filesystem::path& file, Output& out);
 };
 

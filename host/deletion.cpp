@@ -55,7 +55,7 @@ std::string GuidOf(std::string_view digits) {
 //   .kvdm-deleted-1C0FFEE85A0B3D6E9F7A4C1288D1E6B7C0A9F3D20123abcd
 //
 // The first 8 digits stand for the project, the next 32 are the item's identifier, or 0, and the
-// last 8 are chance. "-files" follows when only the files of the folder go, as for a path without a
+// last 8 are random. "-files" follows when only the files of the folder go, as for a path without a
 // separator at its end.
 std::string NameOfPlace(const std::filesystem::path& project, std::string_view guid,
                         std::string_view folder) {
@@ -64,7 +64,6 @@ std::string NameOfPlace(const std::filesystem::path& project, std::string_view g
                      RandomDigits().substr(0, kChanceDigits), closed ? "" : kOnlyFiles);
 }
 
-// Parts of the name of a place.
 struct PlaceName {
   std::string_view project;
   std::string_view guid;
@@ -265,7 +264,7 @@ std::vector<WaitingFolder> WaitingFolders(Session& session) {
       const auto parsed = ParsePlaceName(name);
       if (!parsed) continue;
       const auto inside = os::FoldersIn(drives, parent + name, "");
-      if (inside.size() > 1) continue;  // None of kvdm's.
+      if (inside.size() > 1) continue;  // Not made by kvdm.
       waiting.push_back({parent + name, inside.empty() ? "" : parent + inside.front(),
                          ItemOf(*parsed, session, stored), parsed->only_files});
     }

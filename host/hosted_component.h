@@ -36,7 +36,6 @@ class HostedComponent {
   // nothing. Its failures are messages.
   [[nodiscard]] AreaRegistry& RegisteredItems();
   [[nodiscard]] const Services& GetServices() const { return services_; }
-  // The component's file system.
   [[nodiscard]] SettingAsideFiles& Files() { return *files_; }
 
   // Whether the working directory of the settings was there before the start, which makes it;

@@ -53,7 +53,6 @@ template <class Kind>
   return rows;
 }
 
-// Whether a selector has the form of an identifier.
 [[nodiscard]] inline bool IsGuid(std::string_view selector) {
   return selector.starts_with('{') && selector.ends_with('}');
 }

@@ -91,7 +91,6 @@ struct CustLayerKind : LayerKind<CustLayerKind, IKVCustLayer> {
 // A sentence about the study area that the project works in, if that is not in the list: what is
 // made would go to the working directory without a word. "" when all is well.
 [[nodiscard]] std::string MissingCurrentArea(Session& session);
-// Tells people so.
 void TellOfMissingArea(Session& session);
 // Failure kNotFound with that sentence.
 void RequireCurrentArea(Session& session);

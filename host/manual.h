@@ -12,7 +12,7 @@ namespace kvdm {
 
 // The command line as plain data.
 struct CommandOption {
-  std::vector<std::string> names;  // "-p", "--project"; of a place in the command line, its name
+  std::vector<std::string> names;  // "-p", "--project"; of a positional argument, its name
   std::string value;               // what it takes, such as "FILE"; "" for a flag
   std::string help;
   bool required = false;

@@ -55,7 +55,6 @@ class Output {
     std::forward<Body>(body)();
     return noted_.empty() ? "" : ": " + noted_;
   }
-  // Tells people something on standard error.
   static void Tell(std::string_view text);
 
   [[nodiscard]] const std::vector<std::string>& Messages() const { return messages_; }

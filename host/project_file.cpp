@@ -39,7 +39,7 @@ std::shared_ptr<void> LockPatiently(const fs::path& file) {
                                                 what));
 }
 
-// Calls `look` while nobody who takes the lock beside `project` changes it.
+// Calls `look` under the lock of `project`.
 template <class Look>
 auto LookUndisturbed(const fs::path& project, Look look) {
   std::shared_ptr<void> lock;

@@ -29,7 +29,7 @@ class Session {
  public:
   // Opens a project file and starts the component.
   Session(const std::filesystem::path& file, Output& out);
-  // Takes back what is to be taken back. What fails in that stays.
+  // Runs what UnlessSaved was given, unless the session was saved. Failures in that are ignored.
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -41,7 +41,7 @@ class Session {
 
   // Saves what was changed; True when the project file was written.
   bool Save();
-  // Whether it was called, and did its work.
+  // Whether Save succeeded.
   [[nodiscard]] bool IsSaved() const { return is_saved_; }
   // Has `undo` called when the session ends unsaved: for what a command makes outside the project.
   void UnlessSaved(std::function<void()> undo) { undos_.push_back(std::move(undo)); }

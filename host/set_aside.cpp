@@ -19,7 +19,6 @@ Names NamesOf(std::string_view path) {
 // Whether two paths consist of the same names, in whatever letter case; nothing is cut off them.
 bool SameNames(const Names& a, const Names& b) { return std::ranges::equal(a, b, SameName); }
 
-// Whether `folder` is in the folder `parent`.
 bool IsIn(std::string_view folder, std::string_view parent) {
   Names names = NamesOf(folder);
   if (names.empty()) return false;

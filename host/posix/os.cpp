@@ -39,7 +39,7 @@ FileDescriptor Open(const std::filesystem::path& path, int flags) {
   return file;
 }
 
-// Opens a regular file. A pipe with nobody at its other end does not hold that up.
+// Opens a regular file; never waits for the other end of a pipe.
 FileDescriptor OpenRegular(const std::filesystem::path& path, int flags) {
   FileDescriptor file = Open(path, flags | O_NONBLOCK | O_NOCTTY);
   struct stat status {};

@@ -51,7 +51,6 @@ Library Load(const fs::path& file) {
                 fmt::format("{} can't be loaded: {}.", os::ToText(file), why.message()));
 }
 
-// An entry point of a DLL.
 template <class Function>
 Function* EntryPoint(const Library& library, const fs::path& file, const char* name) {
   const auto found = GetProcAddress(library.get(), name);

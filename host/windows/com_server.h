@@ -7,7 +7,6 @@
 
 namespace kvdm {
 
-// For whom a DLL is registered.
 enum class ComScope { kMachine, kUser };
 
 // The DLL in this program's folder.
