@@ -116,17 +116,22 @@ HostedComponent::HostedComponent(const Project& project, Output& out)
       HasFolder(project.drives, ToText(settings_->GetProperty(kWorkingDirectorySetting)));
   manager_->DMInitialize(host_);
   // Only now: a working directory that was missing starts with fresh metadata.
-  if (!project.values.empty()) Load(project);
+  if (!project.values.empty()) Load(project, out);
 }
 
-void HostedComponent::Load(const Project& project) {
+void HostedComponent::Load(const Project& project, Output& out) {
   const Value& document = project.values.front();
   const std::string problem = document.IsText()
                                   ? DocumentProblem(*services_.platform.xml_parser,
                                                     "Its metadata document", ToText(document))
                                   : "Its first value is no metadata document.";
   if (!problem.empty()) throw Failure(ExitCode::kUnreadable, problem);
-  manager_->Load(std::make_shared<VariantList>(project.values));
+  // The component says nothing of a failure, and would save what it has instead.
+  const std::string cause =
+      out.CauseIn([&] { manager_->Load(std::make_shared<VariantList>(project.values)); });
+  if (!cause.empty()) {
+    throw Failure(ExitCode::kUnreadable, fmt::format("It could not be loaded{}.", cause));
+  }
 }
 
 IKVDataManager& HostedComponent::Manager() { return *manager_; }

@@ -63,7 +63,7 @@ class HostedComponent {
   void SaveTo(Project& project);
 
  private:
-  void Load(const Project& project);
+  void Load(const Project& project, Output& out);
 
   Services services_;
   std::shared_ptr<SettingAsideFiles> files_;
