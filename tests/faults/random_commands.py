@@ -17,7 +17,9 @@ from doors import Place, part_of
 from hostile_names import ODD, PLAIN, SEED
 
 SHORT, LONG = 200, 20_000
-WORDS = PLAIN + ODD + ["Sales", "Plain", "radius", "yes", "no", "store", "customer", "input.json"]
+# An option takes whatever follows: as a value "--json" asks for nothing.
+WORDS = [word for word in PLAIN + ODD if word != "--json"] + [
+    "Sales", "Plain", "radius", "yes", "no", "store", "customer", "input.json"]
 
 
 def commands(place, path=()):
@@ -41,13 +43,13 @@ def line(source, tree):
     if source.random() < 0.1:
         source.shuffle(words)
         words = words[: source.randint(0, len(words))]
+    if source.random() < 0.6:
+        words.append("--json")
     for _ in range(len(places) if source.random() < 0.8 else source.randint(0, 4)):
         words.append(source.choice(texts))
     for option, value in options:
         if source.random() < 0.3 and option != "--help":
             words += [option] + ([source.choice(texts)] if value else [])
-    if source.random() < 0.6:
-        words.append("--json")
     if "delete" in path:
         words.append("--yes")
     return words
