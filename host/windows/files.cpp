@@ -80,6 +80,23 @@ void RequireFile(const fs::path& path) {
   }
 }
 
+// Hands `visit` each entry that a pattern finds. A listing that breaks off fails, naming `folder`.
+template <class Visit>
+void ForEachFound(const fs::path& pattern, const fs::path& folder, const Visit& visit) {
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
+  // The root of an empty drive has no entries at all.
+  if (search == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_NOT_FOUND) return;
+  if (search == INVALID_HANDLE_VALUE) Fail(folder);
+  do {
+    visit(found);
+  } while (FindNextFileW(search, &found) != FALSE);
+  const bool at_end = GetLastError() == ERROR_NO_MORE_FILES;
+  const auto why = LastError();
+  FindClose(search);
+  if (!at_end) Fail(folder, why);
+}
+
 }  // namespace
 
 bool Exists(const fs::path& path) {
@@ -107,20 +124,10 @@ fs::path Canonical(const fs::path& path) {
 
 std::vector<fs::path> FilesIn(const fs::path& folder) {
   std::vector<fs::path> files;
-  WIN32_FIND_DATAW found{};
-  const fs::path pattern = fs::path(LongName(folder)) / L"*";
-  const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
-  // The root of an empty drive has no entries at all.
-  if (search == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_NOT_FOUND) return files;
-  if (search == INVALID_HANDLE_VALUE) Fail(folder);
-  do {
+  ForEachFound(fs::path(LongName(folder)) / L"*", folder, [&](const WIN32_FIND_DATAW& found) {
     const bool is_folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     if (!is_folder) files.push_back(folder / found.cFileName);
-  } while (FindNextFileW(search, &found) != FALSE);
-  const bool at_end = GetLastError() == ERROR_NO_MORE_FILES;
-  const auto why = LastError();
-  FindClose(search);
-  if (!at_end) Fail(folder, why);
+  });
   return files;
 }
 
@@ -172,18 +179,13 @@ std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
   const auto folder = FindFolder(drives, path);
   if (!folder) return names;
   const fs::path pattern = ToPath(*folder) / ToPath(std::string(prefix) + "*");
-  WIN32_FIND_DATAW found{};
-  const HANDLE search = FindFirstFileW(LongName(pattern).c_str(), &found);
-  if (search == INVALID_HANDLE_VALUE && MeansMissing(GetLastError())) return names;
-  if (search == INVALID_HANDLE_VALUE) Fail(ToPath(path));
-  do {
+  ForEachFound(LongName(pattern), ToPath(path), [&](const WIN32_FIND_DATAW& found) {
     constexpr DWORD kKind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
     const std::string name = ToText(found.cFileName);
     const bool is_folder = (found.dwFileAttributes & kKind) == FILE_ATTRIBUTE_DIRECTORY;
     const bool is_own_or_parent = name == "." || name == "..";
     if (is_folder && !is_own_or_parent && name.starts_with(prefix)) names.push_back(name);
-  } while (FindNextFileW(search, &found) != FALSE);
-  FindClose(search);
+  });
   return names;
 }
 
