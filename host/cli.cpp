@@ -40,7 +40,7 @@ struct MemoryHandler {
   MemoryHandler() { std::set_new_handler(EndWithoutMemory); }
 };
 // Made before the objects of libraries, which allocate too.
-[[maybe_unused, gnu::init_priority(101)]] const MemoryHandler g_memory_handler;
+[[maybe_unused, gnu::init_priority(101)]] const MemoryHandler kMemoryHandler;
 
 struct GlobalOptions {
   std::string project;

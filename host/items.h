@@ -23,7 +23,7 @@ namespace kvdm {
 
 // What is the same for most kinds; a kind hides what is different for it. It adds
 //
-//   kWord, kPlural             in sentences: "study area", "study areas"
+//   kWord, for lists kPlural   in sentences: "study area", "study areas"
 //   kCommand                   below 'kvdm': "area"
 //   All(session)               its items, in the collection's order
 //   Find(session, selector)    the one item that is meant; see TheOnlyOne

@@ -38,10 +38,10 @@ std::string Escaped(char32_t character) {
 std::string EscapedBut(std::string_view kept, std::string_view text) {
   std::string result;
   while (!text.empty()) {
-    const auto byte = static_cast<unsigned char>(text.front());
+    const char byte = text.front();
     const CodePoint point = TakeCodePoint(text);
     if (!point.valid) {
-      result += fmt::format("\\x{:02X}", byte);
+      result += fmt::format("\\x{:02X}", static_cast<unsigned char>(byte));
     } else if (!IsSafe(point.value) && !(point.value < 0x80 && kept.find(byte) != kept.npos)) {
       result += Escaped(point.value);
     } else {

@@ -97,7 +97,6 @@ std::vector<DataEntry> EntriesIn(Session& session, DataPlace place) {
 struct DataItemKind : ItemKind<IKVDataItem> {
   using Ref = DataEntry;
   static constexpr char kWord[] = "data item";
-  static constexpr char kPlural[] = "data items";
   static constexpr char kCommand[] = "data";
   static constexpr char kListFlag[] = " --all";
   static constexpr char kChosenBy[] = "its {GUID}";

@@ -55,7 +55,9 @@ std::string Canonical(const Element& element, const char* ignored = "") {
     if (name != ignored) attributes.emplace(name, value);
   }
   std::string text = '\1' + element.Tag();
-  for (const auto& [name, value] : attributes) text += '\2' + name + '\3' + value;
+  for (const auto& [name, value] : attributes) {
+    text.append("\2").append(name).append("\3").append(value);
+  }
   std::multiset<std::string> children;
   for (const auto& child : ElementsIn(element)) children.insert(Canonical(*child));
   if (children.empty()) text += '\4' + element.Text();
