@@ -12,7 +12,8 @@ and what it says must be true.
 import errno
 import sys
 
-from world import COMMANDS, Counts, Judge, Reference, World, arguments_of
+from judge import Judge
+from world import COMMANDS, Counts, Reference, World, arguments_of
 
 STEP = 11  # of the calls, in the short form
 ERRORS = ["ENOSPC", "EIO", "EACCES", "EROFS", "EMFILE"]

@@ -12,7 +12,8 @@ import os
 import pathlib
 import sys
 
-from world import Counts, Judge, Outcome, Reference, World
+from judge import Judge
+from world import Counts, Outcome, Reference, World
 
 STEP = 97  # of the allocations, in the short form
 COMMANDS = ["area create", "area rename", "analysis create", "param set", "metadata import"]

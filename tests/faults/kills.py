@@ -15,7 +15,8 @@ import re
 import sys
 import threading
 
-from world import (CATALOGUE, COMMANDS, DATA, PROJECT, Counts, Judge, Reference, World,
+from judge import Judge
+from world import (CATALOGUE, COMMANDS, DATA, PROJECT, Counts, Reference, World,
                    arguments_of, next_commands)
 
 STEP = 3  # of the changing calls, in the short form

@@ -13,7 +13,8 @@ import itertools
 import os
 import sys
 
-from world import COMMANDS, Counts, Judge, Reference, World, arguments_of
+from judge import Judge
+from world import COMMANDS, Counts, Reference, World, arguments_of
 
 MOST_MIXED = 6  # changes of names; of more not all mixtures are tried
 
