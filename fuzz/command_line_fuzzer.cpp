@@ -20,8 +20,8 @@
 
 #include "fuzz/fuzzer.h"
 #include "host/command.h"
-#include "host/json.h"
-#include "host/result.h"
+#include "safety/json.h"
+#include "safety/result.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm::fuzz {

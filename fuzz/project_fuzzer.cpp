@@ -10,8 +10,8 @@
 #include <kvdm/datamanager/component.h>
 
 #include "fuzz/fuzzer.h"
-#include "host/json.h"
 #include "host/project_file.h"
+#include "safety/json.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm::fuzz {

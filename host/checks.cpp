@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "host/result.h"
 #include "platform/utf8.h"
 #include "platform/xml/xml_text.h"
+#include "safety/result.h"
 #include "studyarea/kv_study_area.h"
 
 namespace kvdm {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "host/output.h"
-#include "host/result.h"
 #include "host/session.h"
+#include "safety/result.h"
 
 namespace kvdm {
 

@@ -8,8 +8,8 @@
 
 #include <kvdm/platform/error.h>
 
-#include "host/json.h"
 #include "host/text.h"
+#include "safety/json.h"
 
 namespace kvdm {
 namespace {

@@ -8,7 +8,7 @@
 
 #include <kvdm/platform/error.h>
 
-#include "host/result.h"
+#include "safety/result.h"
 
 namespace kvdm {
 

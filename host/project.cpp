@@ -5,9 +5,9 @@
 
 #include <kvdm/datamanager/component.h>
 
-#include "host/json.h"
-#include "host/result.h"
 #include "platform/portable/value_text.h"
+#include "safety/json.h"
+#include "safety/result.h"
 
 namespace kvdm {
 namespace {

@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "host/project.h"
-#include "host/result.h"
+#include "safety/result.h"
 
 namespace kvdm {
 

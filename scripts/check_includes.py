@@ -11,6 +11,7 @@ import sys
 # The floors of the product, top to bottom. A file includes its own folder and floors below it.
 LAYERS = [
     ["host", "com"],
+    ["safety"],
     ["datamanager"],
     ["studyarea"],
     ["collections"],
@@ -26,6 +27,8 @@ FLOOR = {folder: floor for floor, folders in enumerate(LAYERS) for folder in fol
 
 # What the core leaves to the adapters and to whoever chooses them.
 CORE = ["util", "items", "collections", "studyarea", "datamanager"]
+# What stands on the public line alone, but for its own adapters.
+OUTSIDE = ["safety"]
 SYSTEMS = re.compile(r"(kvdm/)?platform/(posix|windows|memory)/|(windows|unistd|fcntl)\.h$|sys/")
 SWITCH = re.compile(r"^ *# *if.*_WIN32", re.MULTILINE)
 
@@ -67,6 +70,8 @@ def file_problems(source, text, included):
         if layer(source) in CORE and SYSTEMS.match(name):
             yield f"includes {name}: the core knows no operating system"
         target = included_file(name)
+        if layer(source) in OUTSIDE and source.count("/") == 1 and target and layer(target) not in (layer(source), "include"):
+            yield f"includes {name}: {layer(source)}/ stands on the public headers alone"
         if target and (reason := wrong_arrow(source, target)):
             yield f"includes {target}: {reason}"
     if layer(source) in CORE and SWITCH.search(text):

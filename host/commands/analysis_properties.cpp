@@ -4,11 +4,11 @@
 #include "host/checks.h"
 #include "host/commands/groups.h"
 #include "host/commands/item_commands.h"
-#include "host/json.h"
 #include "host/kinds.h"
 #include "host/os.h"
 #include "platform/portable/value_set.h"
 #include "platform/xml/limits.h"
+#include "safety/json.h"
 
 namespace kvdm {
 namespace {

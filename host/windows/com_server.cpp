@@ -13,8 +13,8 @@
 #include <kvdm/datamanager/component.h>
 
 #include "host/os.h"
-#include "host/result.h"
 #include "platform/windows/text.h"
+#include "safety/result.h"
 
 namespace kvdm {
 namespace {

@@ -51,24 +51,4 @@ std::string Environment(const char* name) {
   return ToUtf8(value);
 }
 
-std::string ToText(const std::filesystem::path& path) {
-  std::string text;
-  const std::wstring& units = path.native();
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const bool is_pair = i + 1 < units.size() && IS_SURROGATE_PAIR(units[i], units[i + 1]);
-    if (is_pair) {
-      text += ToUtf8(std::wstring_view(units).substr(i++, 2));
-    } else {
-      AppendUtf8(units[i], text);  // of a surrogate alone, bytes that are no UTF-8
-    }
-  }
-  return text;
-}
-
-std::filesystem::path ToPath(std::string_view text) { return ToUtf16(text); }
-
-std::string ComponentPath(const std::filesystem::path& absolute) {
-  return ToText(Absolute(absolute));
-}
-
 }  // namespace kvdm::os

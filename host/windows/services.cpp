@@ -7,9 +7,9 @@
 
 #include "host/manual.h"
 #include "host/os.h"
-#include "host/result.h"
 #include "platform/windows/com_siblings.h"
 #include "platform/windows/windows_platform.h"
+#include "safety/result.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {

@@ -73,6 +73,7 @@
 #include <kvdm/export.h>
 #include <kvdm/platform/clock.h>
 #include <kvdm/platform/code_page.h>
+#include <kvdm/platform/document_tree.h>
 #include <kvdm/platform/error.h>
 #include <kvdm/platform/file_system.h>
 #include <kvdm/platform/gis_core.h>

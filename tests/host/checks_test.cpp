@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/result.h"
+#include "safety/result.h"
 
 namespace kvdm {
 namespace {

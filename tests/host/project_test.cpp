@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/result.h"
+#include "safety/result.h"
 
 namespace kvdm {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host/os.h"
-#include "host/result.h"
+#include "safety/result.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm {

@@ -1,10 +1,8 @@
-// Files and locks on Windows, for the host.
-#include "platform/windows/files.h"
+#include "safety/os.h"
 
 #include <system_error>
 #include <tuple>
 
-#include "host/os.h"
 #include "platform/system_error.h"
 #include "platform/windows/windows_file_system.h"
 
@@ -211,6 +209,26 @@ std::shared_ptr<void> TryLock(const fs::path& file) {
   if (LockFileEx(lock->get(), flags, 0, 1, 0, &start) != FALSE) return lock;
   if (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING) Fail(file);
   return nullptr;
+}
+
+std::string ToText(const std::filesystem::path& path) {
+  std::string text;
+  const std::wstring& units = path.native();
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const bool is_pair = i + 1 < units.size() && IS_SURROGATE_PAIR(units[i], units[i + 1]);
+    if (is_pair) {
+      text += ToUtf8(std::wstring_view(units).substr(i++, 2));
+    } else {
+      AppendUtf8(units[i], text);  // of a surrogate alone, bytes that are no UTF-8
+    }
+  }
+  return text;
+}
+
+std::filesystem::path ToPath(std::string_view text) { return ToUtf16(text); }
+
+std::string ComponentPath(const std::filesystem::path& absolute) {
+  return ToText(Absolute(absolute));
 }
 
 }  // namespace kvdm::os

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/result.h"
+#include "safety/result.h"
 
 namespace kvdm {
 

@@ -1,4 +1,4 @@
-#include "host/json.h"
+#include "safety/json.h"
 
 #include <fmt/format.h>
 

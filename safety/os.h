@@ -1,0 +1,78 @@
+// Files, folders and locks of the operating system, as safety and hosts need them beside what the
+// component asks. Failures are std::system_error.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvdm::os {
+
+// Whether there is anything at a path. A link counts, wherever it leads.
+[[nodiscard]] bool Exists(const std::filesystem::path& path);
+
+// An absolute path for a path, "." and ".." resolved by their text. It may end in a separator.
+[[nodiscard]] std::filesystem::path Absolute(const std::filesystem::path& path);
+
+// The absolute path of what a path leads to, links followed.
+[[nodiscard]] std::filesystem::path Canonical(const std::filesystem::path& path);
+
+// The paths of the regular files in a folder, and of those that may be regular files for all that
+// can be told.
+[[nodiscard]] std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder);
+
+// Makes a folder, and those above it, where they are missing.
+void CreateFolders(const std::filesystem::path& folder);
+
+// The bytes of a regular file. errc::file_too_large when it has more than `most`; no more are read.
+inline constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
+[[nodiscard]] std::string ReadBytes(const std::filesystem::path& file,
+                                    std::size_t most = kMostBytes);
+
+// Puts a file with these bytes in the place of `file` in one step, with the permissions of what is
+// there and, as far as the process may, its owner; on return it is on the disk. What is there stays
+// as `previous`, unless that is "". Nothing is ever written through a link or to a device: what is
+// there must be a regular file, and one that may be written. After a failure it is as before. False
+// when the file is in place, but the disk did not confirm it.
+bool Replace(const std::filesystem::path& file, std::string_view bytes,
+             const std::filesystem::path& previous = {});
+
+// Whether a file is marked as one that nobody may write.
+[[nodiscard]] bool IsReadOnly(const std::filesystem::path& file);
+
+// The folders behind drive letters, as MakeServices takes them.
+using Drives = std::map<char, std::string>;
+
+// Renames a folder that is no link, by paths of the component.
+void MoveFolder(const Drives& drives, std::string_view from, std::string_view to);
+
+// The full path of a folder, by a path of the component and in its form; nothing when there is no
+// folder.
+[[nodiscard]] std::optional<std::string> FindFolder(const Drives& drives, std::string_view path);
+
+// The names of the folders in a folder that begin with `prefix`, hidden ones too and links not; by
+// a path of the component. None when that folder is missing.
+[[nodiscard]] std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
+                                                 std::string_view prefix);
+
+// Locks a regular file, which is made when it is missing, against other processes for as long as
+// the result lives. Nothing when another process holds it.
+[[nodiscard]] std::shared_ptr<void> TryLock(const std::filesystem::path& file);
+
+// A path as UTF-8 text, and back. The text of a path that the system's own text does not allow is
+// not valid UTF-8.
+[[nodiscard]] std::string ToText(const std::filesystem::path& path);
+[[nodiscard]] std::filesystem::path ToPath(std::string_view text);
+
+// An absolute path in the component's own form.
+//
+//   ComponentPath("/home/ann/North")      // Z:\home\ann\North
+//   ComponentPath("C:/Users/Ann/North")   // C:\Users\Ann\North
+[[nodiscard]] std::string ComponentPath(const std::filesystem::path& absolute);
+
+}  // namespace kvdm::os

@@ -1,0 +1,192 @@
+#include "safety/os.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "platform/posix/files.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/system_error.h"
+
+namespace kvdm::os {
+namespace {
+
+[[noreturn]] void Fail(const std::filesystem::path& path, int error = errno) {
+  throw std::system_error(error, std::generic_category(), path.string());
+}
+
+// Calls `body`; a system error in it becomes one that names `path`.
+template <class Body>
+auto Naming(const std::filesystem::path& path, Body body) {
+  try {
+    return body();
+  } catch (const std::system_error& error) {
+    Fail(path, error.code().value());
+  }
+}
+
+FileDescriptor Open(const std::filesystem::path& path, int flags) {
+  constexpr mode_t kMode = 0666;
+  FileDescriptor file(::open(path.c_str(), flags | O_CLOEXEC, kMode));
+  if (file.get() < 0) Fail(path);
+  return file;
+}
+
+// Opens a regular file; never waits for the other end of a pipe.
+FileDescriptor OpenRegular(const std::filesystem::path& path, int flags) {
+  FileDescriptor file = Open(path, flags | O_NONBLOCK | O_NOCTTY);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) Fail(path);
+  if (!S_ISREG(status.st_mode)) Fail(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+  return file;
+}
+
+std::vector<std::filesystem::path> ListedFiles(const std::filesystem::path& folder,
+                                               std::error_code& failed) {
+  std::vector<std::filesystem::path> files;
+  std::filesystem::directory_iterator entry(folder, failed);
+  for (; !failed && entry != end(entry); entry.increment(failed)) {
+    std::error_code unknown;
+    const bool is_file = entry->is_regular_file(unknown);
+    if (is_file || (unknown && !MeansMissing(unknown.value()))) files.push_back(entry->path());
+  }
+  return files;
+}
+
+// What is at `name`. It must be a regular file.
+std::optional<FileStatus> RegularFile(int folder, const std::string& name) {
+  const auto facts = StatusOf(folder, name);
+  if (facts && facts->is_link) ThrowSystemError(ELOOP);
+  if (facts && !facts->is_regular_file) ThrowSystemError(facts->is_folder ? EISDIR : EINVAL);
+  return facts;
+}
+
+}  // namespace
+
+bool Exists(const std::filesystem::path& path) {
+  std::error_code failed;
+  const auto status = std::filesystem::symlink_status(path, failed);
+  if (failed && !MeansMissing(failed.value())) Fail(path, failed.value());
+  return status.type() != std::filesystem::file_type::not_found;
+}
+
+std::filesystem::path Absolute(const std::filesystem::path& path) {
+  return std::filesystem::absolute(path).lexically_normal();
+}
+
+std::filesystem::path Canonical(const std::filesystem::path& path) {
+  std::error_code failed;
+  auto canonical = std::filesystem::canonical(path, failed);
+  if (failed) Fail(path, failed.value());
+  return canonical;
+}
+
+std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder) {
+  std::error_code failed;
+  do {
+    auto files = ListedFiles(folder, failed);
+    if (!failed) return files;
+  } while (failed == std::errc::interrupted);
+  Fail(folder, failed.value());
+}
+
+void CreateFolders(const std::filesystem::path& folder) {
+  std::error_code failed;
+  std::filesystem::create_directories(folder, failed);
+  if (failed) Fail(folder, failed.value());
+}
+
+std::string ReadBytes(const std::filesystem::path& file, std::size_t most) {
+  const FileDescriptor source = OpenRegular(file, O_RDONLY);
+  std::string bytes = Naming(file, [&] { return ReadAll(source.get(), most + 1); });
+  if (bytes.size() > most) Fail(file, EFBIG);
+  return bytes;
+}
+
+bool Replace(const std::filesystem::path& file, std::string_view bytes,
+             const std::filesystem::path& previous) {
+  const std::filesystem::path absolute = Absolute(file);
+  const FileDescriptor folder =
+      Naming(file, [&] { return OpenAt(AT_FDCWD, absolute.parent_path(), O_PATH | O_DIRECTORY); });
+  const std::string kept = previous.filename();
+  Naming(previous, [&] {
+    const auto facts = kept.empty() ? std::nullopt : StatusOf(folder.get(), kept);
+    if (facts && facts->is_folder) ThrowSystemError(EISDIR);
+  });
+  return Naming(file, [&] {
+    const auto old = RegularFile(folder.get(), absolute.filename());
+    if (old && old->is_read_only) ThrowSystemError(EACCES);
+    return kvdm::ReplaceFile(folder.get(), absolute.filename(), bytes, old, kept);
+  });
+}
+
+bool IsReadOnly(const std::filesystem::path& file) {
+  const auto facts = Naming(file, [&] { return StatusOf(AT_FDCWD, file); });
+  return facts && facts->is_read_only;
+}
+
+std::optional<std::string> FindFolder(const Drives& drives, std::string_view path) {
+  try {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = PosixPaths({drives}).Open(resolved, ENOTDIR);
+    return resolved.Text();
+  } catch (const std::system_error& error) {
+    if (MeansMissing(error.code().value())) return std::nullopt;
+    Fail(ToPath(path), error.code().value());
+  }
+}
+
+std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
+                                   std::string_view prefix) {
+  if (!FindFolder(drives, path)) return {};
+  return Naming(ToPath(path), [&] {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = PosixPaths({drives}).Open(resolved, ENOTDIR);
+    std::vector<std::string> names = EntryNames(folder.get());
+    std::erase_if(names, [&](const std::string& name) {
+      if (!name.starts_with(prefix)) return true;
+      const auto facts = StatusOf(folder.get(), name);
+      return !facts || !facts->is_folder;
+    });
+    return names;
+  });
+}
+
+void MoveFolder(const Drives& drives, std::string_view from, std::string_view to) {
+  const PosixPaths paths({drives});
+  const PosixPlace source = paths.PlaceOf(from, EBUSY);
+  const PosixPlace target = paths.PlaceOf(to, EBUSY);
+  const std::string name = source.entry.value_or(source.name);
+  const auto facts = StatusOf(source.folder.get(), name);
+  if (!facts || !facts->is_folder) ThrowSystemError(ENOTDIR);
+  if (::renameat(source.folder.get(), name.c_str(), target.folder.get(), target.name.c_str()) !=
+      0) {
+    ThrowLastError();
+  }
+}
+
+std::shared_ptr<void> TryLock(const std::filesystem::path& file) {
+  // A file that this user may only read can be locked all the same.
+  const int access =
+      Exists(file) && ::access(file.c_str(), W_OK) != 0 ? O_RDONLY : O_RDWR | O_CREAT;
+  const auto lock = std::make_shared<FileDescriptor>(OpenRegular(file, access | O_NOFOLLOW));
+  if (::flock(lock->get(), LOCK_EX | LOCK_NB) == 0) return lock;
+  if (errno != EWOULDBLOCK && errno != EINTR) Fail(file);
+  return nullptr;
+}
+
+std::string ToText(const std::filesystem::path& path) { return path.string(); }
+std::filesystem::path ToPath(std::string_view text) { return {text}; }
+
+std::string ComponentPath(const std::filesystem::path& absolute) {
+  std::string path = "Z:" + Absolute(absolute).string();
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
+
+}  // namespace kvdm::os
