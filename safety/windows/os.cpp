@@ -4,6 +4,9 @@
 #include <tuple>
 
 #include "platform/system_error.h"
+#include "platform/utf8.h"
+#include "platform/windows/files.h"
+#include "platform/windows/text.h"
 #include "platform/windows/windows_file_system.h"
 
 namespace kvdm::os {
