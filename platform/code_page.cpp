@@ -33,8 +33,16 @@ std::optional<unsigned char> ByteOf(char32_t character) {
   return static_cast<unsigned char>(kFirstOwnByte + (found - kWindows1252.begin()));
 }
 
+// Moves the ASCII at the start of `rest`, which every code page has, to the end of `text`.
+void TakeAscii(std::string_view& rest, std::string& text) {
+  const std::size_t size = AsciiRun(rest);
+  text += rest.substr(0, size);
+  rest.remove_prefix(size);
+}
+
 // The text with every byte that is not UTF-8 replaced.
 std::string Repaired(std::string_view text) {
+  if (IsValidUtf8(text)) return std::string(text);
   std::string repaired;
   repaired.reserve(text.size());
   while (!text.empty()) AppendUtf8(TakeCodePoint(text).value, repaired);
@@ -53,7 +61,9 @@ std::string Encode(std::string_view text, CodePage page) {
   if (page == CodePage::kUtf8) return Repaired(text);
   std::string bytes;
   bytes.reserve(text.size());
-  while (!text.empty()) {
+  while (true) {
+    TakeAscii(text, bytes);
+    if (text.empty()) return bytes;
     const char32_t character = TakeCodePoint(text).value;
     if (const auto byte = ByteOf(character)) {
       bytes += static_cast<char>(*byte);
@@ -61,15 +71,18 @@ std::string Encode(std::string_view text, CodePage page) {
       bytes.append(character > 0xFFFF ? 2 : 1, '?');
     }
   }
-  return bytes;
 }
 
 std::string Decode(std::string_view bytes, CodePage page) {
   if (page == CodePage::kUtf8) return Repaired(bytes);
   std::string text;
   text.reserve(bytes.size());
-  for (const char byte : bytes) AppendUtf8(CharacterOf(static_cast<unsigned char>(byte)), text);
-  return text;
+  while (true) {
+    TakeAscii(bytes, text);
+    if (bytes.empty()) return text;
+    AppendUtf8(CharacterOf(static_cast<unsigned char>(bytes.front())), text);
+    bytes.remove_prefix(1);
+  }
 }
 
 }  // namespace kvdm

@@ -1,6 +1,8 @@
 #include "platform/utf8.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 namespace kvdm {
 namespace {
@@ -65,11 +67,23 @@ void AppendUtf8(char32_t code_point, std::string& text) {
   }
 }
 
+std::size_t AsciiRun(std::string_view text) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+  std::size_t size = 0;
+  for (std::uint64_t word = 0; text.size() - size >= sizeof word; size += sizeof word) {
+    std::memcpy(&word, text.data() + size, sizeof word);
+    if ((word & kHighBits) != 0) break;
+  }
+  while (size < text.size() && static_cast<unsigned char>(text[size]) < 0x80) ++size;
+  return size;
+}
+
 bool IsValidUtf8(std::string_view text) {
-  while (!text.empty()) {
+  while (true) {
+    text.remove_prefix(AsciiRun(text));
+    if (text.empty()) return true;
     if (!TakeCodePoint(text).valid) return false;
   }
-  return true;
 }
 
 bool IsIn(std::span<const CodePointRange> ranges, char32_t code_point) {

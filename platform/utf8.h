@@ -21,6 +21,9 @@ CodePoint TakeCodePoint(std::string_view& rest);
 
 void AppendUtf8(char32_t code_point, std::string& text);
 
+// How many bytes at the start of `text` are ASCII.
+[[nodiscard]] std::size_t AsciiRun(std::string_view text);
+
 [[nodiscard]] bool IsValidUtf8(std::string_view text);
 
 // The UTF-8 form of `bytes` in `encoding`, such as "windows-1252"; letter case doesn't matter.

@@ -33,6 +33,21 @@ TEST(CodePageTest, EncodesWindows1252) {
   }
 }
 
+TEST(CodePageTest, WhatIsNotAsciiIsSeenAtEveryPlaceOfALongText) {
+  for (std::size_t place = 0; place <= 40; ++place) {
+    const std::string before(place, 'a');
+    const std::string after(40 - place, 'b');
+    const std::string text = before + "\u20AC" + after;
+    const std::string invalid = before + "\xFF" + after;
+    EXPECT_EQ(AsciiRun(text), place);
+    EXPECT_TRUE(IsValidUtf8(text));
+    EXPECT_FALSE(IsValidUtf8(invalid)) << place;
+    EXPECT_EQ(Encode(text, CodePage::kWindows1252), before + "\x80" + after);
+    EXPECT_EQ(Decode(before + "\x80" + after, CodePage::kWindows1252), text);
+    EXPECT_EQ(Decode(invalid, CodePage::kUtf8), before + "\uFFFD" + after);
+  }
+}
+
 TEST(CodePageTest, EveryWindows1252ByteComesBack) {
   for (int byte = 0; byte <= 0xFF; ++byte) {
     const std::string bytes(1, static_cast<char>(byte));
