@@ -120,6 +120,12 @@ bool Branch::Grow(std::ptrdiff_t own_bytes, std::ptrdiff_t content_bytes) {
   return false;
 }
 
+void Branch::CountChange() {
+  Branch* top = this;
+  while (top->parent_ != nullptr) top = top->parent_;
+  ++top->changes_;
+}
+
 void Branch::AddBytes(std::ptrdiff_t own_bytes, std::ptrdiff_t content_bytes) {
   own_bytes_ += own_bytes;
   for (Branch* branch = this; branch != nullptr; branch = branch->parent_) {
@@ -134,6 +140,7 @@ void Branch::AddBytes(std::ptrdiff_t own_bytes, std::ptrdiff_t content_bytes) {
 }
 
 void Branch::Link(const std::shared_ptr<Node>& child) {
+  CountChange();
   child->parent_ = this;
   child->previous_ = last_child_;
   child->sequence_ = ++last_sequence_;
@@ -148,6 +155,7 @@ void Branch::Link(const std::shared_ptr<Node>& child) {
 }
 
 void Branch::Unlink(Node& child) {
+  CountChange();
   if (index_) index_->Remove(child);
   Node* previous = std::exchange(child.previous_, nullptr);
   std::shared_ptr<Node> next = std::move(child.next_);
@@ -177,6 +185,7 @@ void Branch::ReleaseChildren() {
 bool Branch::ReplaceChildren(const std::shared_ptr<Node>& child) {
   const std::ptrdiff_t share = child ? Share(*child) : 0;
   if (!Grow(0, share - static_cast<std::ptrdiff_t>(content_bytes_))) return false;
+  CountChange();
   index_.reset();
   ReleaseChildren();
   last_child_ = nullptr;

@@ -43,8 +43,11 @@ class Document::Level final : public Branch {
   bool Declare() {
     if (is_declared_) return true;
     is_declared_ = Grow(static_cast<std::ptrdiff_t>(kDeclaration.size()), 0);
+    CountChange();
     return is_declared_;
   }
+
+  using Branch::Changes;
 
   [[nodiscard]] std::shared_ptr<Element> Root() const {
     auto node = FirstChild();
@@ -80,8 +83,9 @@ bool Document::Load(XmlParser& parser, std::string_view bytes) {
 }
 
 bool Document::Parse(XmlParser& parser, std::string_view text, XmlEncoding encoding) {
-  level_ = std::make_shared<Level>();
   const auto loaded = std::make_shared<Level>();
+  earlier_changes_ = Changes() + 1;
+  level_ = std::make_shared<Level>();
   TreeBuilder builder(*loaded);
   if (StartsWithDeclaration(text) && !loaded->Declare()) return false;
   if (!parser.Parse(text, encoding, builder)) return false;
@@ -115,6 +119,8 @@ void Document::SetDocumentElement(const std::shared_ptr<Element>& root) {
 void Document::AddDeclaration() {
   if (!level_->Declare()) throw RuntimeError(kOutOfMemory);
 }
+
+std::uint64_t Document::Changes() const { return earlier_changes_ + level_->Changes(); }
 
 std::string Document::Xml() const { return Xml(nullptr); }
 std::string Document::Xml(const std::function<bool(char32_t)>& holds) const { return Xml(&holds); }

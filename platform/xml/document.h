@@ -1,6 +1,7 @@
 // A document: its declaration, its root element, and the comments and instructions around it.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -35,6 +36,10 @@ class Document {
 
   void AddDeclaration();
 
+  // A number that grows with each change of what the text form shows, loads included. The same
+  // number as before means the same text form; another one may be of a change that was taken back.
+  [[nodiscard]] std::uint64_t Changes() const;
+
   // The text form; "" without a root element.
   [[nodiscard]] std::string Xml() const;
 
@@ -51,6 +56,7 @@ class Document {
   [[nodiscard]] std::string Xml(const std::function<bool(char32_t)>* holds) const;
 
   std::shared_ptr<Level> level_;
+  std::uint64_t earlier_changes_ = 0;
 };
 
 // Whether `text`, UTF-8 whatever its declaration says, is well-formed, however large it is.

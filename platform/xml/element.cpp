@@ -79,6 +79,7 @@ void Element::AddAttribute(std::string name, std::string text) {
   if (attributes_.size() == kMaxAttributes) throw RuntimeError(kOutOfMemory);
   attributes_.reserve(attributes_.size() + 1);
   if (!Grow(Signed(AttributeBytes(name, text)), 0)) throw RuntimeError(kOutOfMemory);
+  CountChange();
   attributes_.push_back({std::move(name), std::move(text)});
   if (ChildIndex* index = SiblingIndex()) index->AddAttribute(*this, attributes_.back());
 }
@@ -87,6 +88,7 @@ void Element::ChangeAttribute(Attribute& attribute, std::string text) {
   const auto bytes = Signed(AttributeBytes(attribute.name, text)) -
                      Signed(AttributeBytes(attribute.name, attribute.value));
   if (!Grow(bytes, 0)) throw RuntimeError(kOutOfMemory);
+  CountChange();
   ChildIndex* index = SiblingIndex();
   if (index != nullptr) index->RemoveAttribute(*this, attribute);
   attribute.value = std::move(text);
@@ -98,6 +100,7 @@ void Element::RemoveAttribute(std::string_view name) {
   if (found == attributes_.end()) return;
   if (IsNamespaceDeclaration(found->name)) throw RuntimeError(kInvalidCall);
   Grow(-Signed(AttributeBytes(found->name, found->value)), 0);
+  CountChange();
   if (ChildIndex* index = SiblingIndex()) index->RemoveAttribute(*this, *found);
   attributes_.erase(found);
 }

@@ -81,6 +81,11 @@ class Branch : public Node {
   Branch(NodeType type, std::size_t own_bytes, std::size_t closing_bytes,
          std::size_t line_end_bytes);
 
+  // Counts a change of the tree that this is in.
+  void CountChange();
+  // The changes counted while this was the top of its tree.
+  [[nodiscard]] std::uint64_t Changes() const { return changes_; }
+
   // Changes the size of the text form; false, with nothing changed, when that of the whole tree
   // would exceed its limit.
   bool Grow(std::ptrdiff_t own_bytes, std::ptrdiff_t content_bytes);
@@ -121,6 +126,7 @@ class Branch : public Node {
   Node* last_child_ = nullptr;
   std::size_t child_count_ = 0;
   std::uint64_t last_sequence_ = 0;
+  std::uint64_t changes_ = 0;
   mutable std::unique_ptr<ChildIndex> index_;
 };
 

@@ -1,6 +1,8 @@
 // Documents and their text form.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "tests/platform/xml/parsed.h"
 #include "tests/throws_number.h"
 
@@ -196,6 +198,51 @@ TEST(DocumentTest, NamesThatAStoreCanNotHoldAreErrors) {
     ASSERT_TRUE(Load(document, text));
     EXPECT_RUNTIME_ERROR(static_cast<void>(document.Xml(HoldsAscii)), kInvalidCall);
   }
+}
+
+TEST(DocumentTest, EachChangeOfTheTreeIsCounted) {
+  Document document;
+  ASSERT_TRUE(Load(document, "<A><B N='1'/><C/></A>"));
+  const auto root = document.DocumentElement();
+  const auto child = root->Child("B");
+  const std::function<void()> changes[] = {
+      [&] { child->SetAttribute("N", "2"); },
+      [&] { child->SetAttribute("M", "2"); },
+      [&] { child->RemoveAttribute("M"); },
+      [&] { child->SetText("t"); },
+      [&] { child->SetText(""); },
+      [&] { root->Append(root->Child("B")); },
+      [&] { root->Append(CreateComment("c")); },
+      [&] { root->Remove(root->Child("C")); },
+      [&] { document.AddDeclaration(); },
+      [&] { document.SetDocumentElement(Element::Create("D")); },
+      [&] { ASSERT_TRUE(Load(document, "<E/>")); },
+      [&] { ASSERT_FALSE(Load(document, "<E>")); },
+  };
+  std::uint64_t before = document.Changes();
+  std::string text = document.Xml();
+  for (const auto& change : changes) {
+    change();
+    EXPECT_NE(document.Xml(), text);
+    EXPECT_GT(document.Changes(), before) << text;
+    before = document.Changes();
+    text = document.Xml();
+  }
+}
+
+TEST(DocumentTest, WhatChangesNothingIsNotCounted) {
+  Document document;
+  ASSERT_TRUE(Load(document, "<?xml version='1.0'?><A><B N='1'/></A>"));
+  const auto root = document.DocumentElement();
+  const std::uint64_t before = document.Changes();
+
+  EXPECT_RUNTIME_ERROR(root->SetAttribute("N", Null()), kTypeMismatch);
+  EXPECT_RUNTIME_ERROR(root->Append(root), kInvalidCall);
+  root->RemoveAttribute("missing");
+  document.AddDeclaration();
+  static_cast<void>(root->Child("B", "N", "1"));
+  static_cast<void>(document.Xml());
+  EXPECT_EQ(document.Changes(), before);
 }
 
 }  // namespace
