@@ -52,6 +52,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out) {
   *out = nullptr;
   const kvdm::com::Class* found = kvdm::com::FindClass(clsid);
   if (found == nullptr) return CLASS_E_CLASSNOTAVAILABLE;
+  kvdm::com::PinModule();
   return kvdm::com::abi::Guarded(
       found->identity, iid, [&] { return kvdm::com::MakeClassFactory(*found).CopyTo(iid, out); });
 }

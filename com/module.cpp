@@ -10,11 +10,10 @@ namespace {
 std::atomic<long> g_locks = 0;
 
 // Any address inside the DLL names it.
-HMODULE Module() {
+HMODULE Module(DWORD flags) {
   HMODULE module = nullptr;
-  constexpr DWORD kByAddress =
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  ::GetModuleHandleExW(kByAddress, reinterpret_cast<LPCWSTR>(&g_locks), &module);
+  ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | flags,
+                       reinterpret_cast<LPCWSTR>(&g_locks), &module);
   return module;
 }
 
@@ -24,12 +23,13 @@ ModuleLock::ModuleLock() { LockModule(true); }
 ModuleLock::~ModuleLock() { LockModule(false); }
 bool IsModuleLocked() { return g_locks != 0; }
 void LockModule(bool lock) { g_locks += lock ? 1 : -1; }
+void PinModule() { Module(GET_MODULE_HANDLE_EX_FLAG_PIN); }
 
 std::wstring ModulePath() {
+  const HMODULE module = Module(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT);
   std::wstring path(MAX_PATH, L'\0');
   while (true) {
-    const DWORD length =
-        ::GetModuleFileNameW(Module(), path.data(), static_cast<DWORD>(path.size()));
+    const DWORD length = ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
     if (length == 0) Check(HRESULT_FROM_WIN32(::GetLastError()));
     if (length < path.size()) {
       path.resize(length);

@@ -22,6 +22,11 @@ class ModuleLock {
 // Adds or takes a lock, as IClassFactory::LockServer does.
 void LockModule(bool lock);
 
+// Keeps the DLL in the program until its end, whatever clients do. A DLL that has thrown errors
+// can't be unloaded without loss: its copy of the compiler's run-time library keeps memory and an
+// index of thread-local storage, of which a program has few, for good.
+void PinModule();
+
 [[nodiscard]] std::wstring ModulePath();
 
 // The entries by which clients find the component: classes by identifier and by name, and the type

@@ -111,7 +111,7 @@ void LoadComponent(const char* path) {
   ReadTypeLibrary();
 }
 
-int UnloadComponent(void) {
+void UnloadComponent(void) {
   unsigned i;
   for (i = 0; i < interface_count; ++i) {
     SysFreeString(interfaces[i].name);
@@ -119,7 +119,8 @@ int UnloadComponent(void) {
   }
   for (i = 0; i < class_count; ++i) SysFreeString(classes[i].name);
   Release(library);
-  return FreeLibrary(module) && GetModuleHandleW(path_of_module) == NULL;
+  CHECK(FreeLibrary(module));
+  CHECK(GetModuleHandleW(path_of_module) == module);
 }
 
 unsigned InterfaceCount(void) { return interface_count; }

@@ -22,8 +22,8 @@ typedef struct {
 // Ends the program when the DLL can't be loaded.
 void LoadComponent(const char* path);
 
-// False when the DLL stays in the process.
-int UnloadComponent(void);
+// Lets go of the DLL, which stays in the process for good once a class object was asked for.
+void UnloadComponent(void);
 
 unsigned InterfaceCount(void);
 const Interface* InterfaceAt(unsigned position);
