@@ -18,8 +18,10 @@ using Microsoft::WRL::ComPtr;
 
 constexpr wchar_t kVersion[] = L"1.0";
 constexpr wchar_t kVersionSuffix[] = L".1";
-// The system's own, which passes calls between apartments by the type library.
-constexpr wchar_t kAutomationMarshaller[] = L"{00020424-0000-0000-C000-000000000046}";
+// The system's own, which pass calls between apartments: by slot as the type library tells, and by
+// name.
+constexpr wchar_t kSlotMarshaller[] = L"{00020424-0000-0000-C000-000000000046}";
+constexpr wchar_t kDispatchMarshaller[] = L"{00020420-0000-0000-C000-000000000046}";
 constexpr bool kIs64Bit = sizeof(void*) == 8;
 
 void CheckCode(LSTATUS code) { Check(HRESULT_FROM_WIN32(static_cast<DWORD>(code))); }
@@ -97,9 +99,13 @@ void UnregisterClass(const ClassesKey& classes, const Class& of) {
 struct Interface {
   std::wstring key;
   std::wstring name;
+  const wchar_t* marshaller;
 };
 
-bool IsInterface(TYPEKIND kind) { return kind == TKIND_INTERFACE || kind == TKIND_DISPATCH; }
+const wchar_t* MarshallerOf(const TYPEATTR& type) {
+  const bool has_slots = (type.wTypeFlags & TYPEFLAG_FDUAL) != 0;
+  return type.typekind == TKIND_DISPATCH && !has_slots ? kDispatchMarshaller : kSlotMarshaller;
+}
 
 std::vector<Interface> Interfaces(ITypeLib& library) {
   std::vector<Interface> interfaces;
@@ -110,8 +116,9 @@ std::vector<Interface> Interfaces(ITypeLib& library) {
     Check(library.GetDocumentation(static_cast<INT>(i), name.address(), nullptr, nullptr, nullptr));
     TYPEATTR* attributes = nullptr;
     Check(type->GetTypeAttr(&attributes));
-    if (IsInterface(attributes->typekind)) {
-      interfaces.push_back({L"Interface\\" + GuidText(attributes->guid), name.get()});
+    if (attributes->typekind != TKIND_COCLASS) {
+      interfaces.push_back(
+          {L"Interface\\" + GuidText(attributes->guid), name.get(), MarshallerOf(*attributes)});
     }
     type->ReleaseTypeAttr(attributes);
   }
@@ -143,7 +150,7 @@ void RegisterLibrary(const ClassesKey& classes, const std::wstring& path) {
   classes.Set(key + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
   for (const Interface& each : Interfaces(*library.Get())) {
     classes.Set(each.key, nullptr, each.name);
-    classes.Set(each.key + L"\\ProxyStubClsid32", nullptr, kAutomationMarshaller);
+    classes.Set(each.key + L"\\ProxyStubClsid32", nullptr, each.marshaller);
     classes.Set(each.key + L"\\TypeLib", nullptr, GuidText(LIBID_KVDM));
     classes.Set(each.key + L"\\TypeLib", L"Version", kVersion);
   }

@@ -8,13 +8,23 @@ import sys
 sys.path.insert(0, __file__.rsplit("/", 2)[0] + "/scripts")
 import idl  # noqa: E402
 
-AUTOMATION_MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
+SLOT_MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
+DISPATCH_MARSHALLER = "{00020420-0000-0000-C000-000000000046}"
 LIBRARY_VERSION = "1.0"
 LIBRARY_NAME = "KVDM data manager 1.0"
 
 
 def guid(identity):
     return "{" + identity + "}"
+
+
+def interfaces():
+    """(name, identity, marshaller) of all interfaces."""
+    for name, (identity, _) in idl.interfaces().items():
+        yield name, guid(identity), SLOT_MARSHALLER
+    for name in idl.objects():
+        view, identity = idl.view(name)
+        yield view, guid(identity), DISPATCH_MARSHALLER
 
 
 def entries(file, folder, bits):
@@ -39,10 +49,10 @@ def entries(file, folder, bits):
     yield f"{version}\\0\\win{bits}", "", file
     yield version + "\\FLAGS", "", "0"
     yield version + "\\HELPDIR", "", folder
-    for name, (identity, _) in idl.interfaces().items():
-        key = "Interface\\" + guid(identity)
+    for name, identity, marshaller in interfaces():
+        key = "Interface\\" + identity
         yield key, "", name
-        yield key + "\\ProxyStubClsid32", "", AUTOMATION_MARSHALLER
+        yield key + "\\ProxyStubClsid32", "", marshaller
         yield key + "\\TypeLib", "", library
         yield key + "\\TypeLib", "Version", LIBRARY_VERSION
 
@@ -70,10 +80,10 @@ def manifest(version, bits):
         yield "    </comClass>"
     yield f'    <typelib tlbid="{library}" version="{LIBRARY_VERSION}" helpdir=""/>'
     yield "  </file>"
-    for name, (identity, _) in idl.interfaces().items():
+    for name, identity, marshaller in interfaces():
         yield (
-            f'  <comInterfaceExternalProxyStub name="{name}" iid="{guid(identity)}" tlbid="{library}"'
-            f' proxyStubClsid32="{AUTOMATION_MARSHALLER}"/>'
+            f'  <comInterfaceExternalProxyStub name="{name}" iid="{identity}" tlbid="{library}"'
+            f' proxyStubClsid32="{marshaller}"/>'
         )
     yield "</assembly>"
 

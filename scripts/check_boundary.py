@@ -12,7 +12,7 @@ compiled against; a line in it is final.
 import re
 import sys
 
-from idl import IDL, ROOT, classes as idl_classes, interfaces as idl_interfaces, typelib, without_comments
+from idl import IDL, ROOT, classes as idl_classes, interfaces as idl_interfaces, objects as idl_objects, typelib, view, without_comments
 
 FROZEN = ROOT / "com/frozen.txt"
 INTERFACES = ROOT / "include/kvdm/datamanager"
@@ -102,6 +102,21 @@ def result_type(result):
     return match.group(1) + "**" if match else RESULTS.get(result, "unknown " + result)
 
 
+def types(parts):
+    """Parameters without their names."""
+    return [part.rpartition(" ")[0] for part in parts]
+
+
+def differently_spelled():
+    """A type library knows one spelling of a name, the first: clients would see it at each place."""
+    spellings = {}
+    for name in re.findall(r"\w+", re.sub(r'"[^"]*"|\bid\(', "", without_comments(IDL.read_text()))):
+        spellings.setdefault(name.lower(), set()).add(name)
+    for names in spellings.values():
+        if len(names) > 1:
+            yield f"{IDL.name} spells one name differently: {', '.join(sorted(names))}"
+
+
 def differences():
     idl = idl_interfaces()
     for name, operations in header_interfaces().items():
@@ -110,7 +125,7 @@ def differences():
             continue
         # Whether an operation without parameters reads a property is said by the IDL alone.
         described = [
-            (n[4:] if n.startswith("get ") and not (name, n[4:]) in READ and n not in RENAMED.values() else n, p)
+            (n[4:] if n.startswith("get ") and not (name, n[4:]) in READ and n not in RENAMED.values() else n, types(p))
             for n, p in idl[name][1]
         ]
         for slot in range(max(len(operations), len(described))):
@@ -125,9 +140,13 @@ def frozen_lines():
     for name, (identity, operations) in idl_interfaces().items():
         yield f"interface {name} {identity}"
         for slot, (operation, parts) in enumerate(operations, 1):
-            yield f"{name} {slot} {operation}({', '.join(parts)})"
+            # No client sees the name of a property's value.
+            seen = types(parts) if operation.startswith("let ") else parts
+            yield f"{name} {slot} {operation}({', '.join(seen)})"
     for name, (identity, interfaces) in idl_classes().items():
         yield f"class {name} {identity} {' '.join(interfaces)}"
+    for name in idl_objects():
+        yield "view " + " ".join(view(name))
 
 
 def holds(frozen, lines):
@@ -140,7 +159,7 @@ def main(arguments):
     if arguments == ["--freeze"]:
         known = FROZEN.read_text().splitlines() if FROZEN.exists() else []
         FROZEN.write_text("\n".join(known + [line for line in lines if line not in known]) + "\n")
-    complaints = list(differences())
+    complaints = [*differently_spelled(), *differences()]
     complaints += [f"{FROZEN.name}: no longer so: {line}" for line in FROZEN.read_text().splitlines() if not holds(line, lines)]
     complaints += [f"{FROZEN.name}: not yet frozen: {line}" for line in lines if line not in FROZEN.read_text().splitlines()]
     for complaint in complaints:

@@ -1,7 +1,9 @@
 """Reads com/kvdm.idl: the interfaces and classes of the Windows component."""
 
+import functools
 import pathlib
 import re
+import uuid
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 IDL = ROOT / "com/kvdm.idl"
@@ -16,8 +18,9 @@ def typelib():
     return re.search(r"uuid\(([0-9A-F-]{36})\),\s*version", IDL.read_text()).group(1)
 
 
+@functools.cache
 def interfaces():
-    """Interface name -> (identity, [("get Name", ["[out, retval] BSTR*"]), ...])."""
+    """Interface name -> (identity, [("get Name", ["[out, retval] BSTR* result"]), ...])."""
     text = without_comments(IDL.read_text())
     found = {}
     for identity, name, body in re.findall(
@@ -29,12 +32,13 @@ def interfaces():
         ):
             kinds = {"propget": "get ", "propput": "let "}
             prefix = next((kinds[a.strip()] for a in attributes.split(",") if a.strip() in kinds), "")
-            parts = re.findall(r"(\[[^\]]*\] \w+\**) \w+", " ".join(parameters.split()))
+            parts = re.findall(r"(\[[^\]]*\] \w+\** \w+)", " ".join(parameters.split()))
             operations.append((prefix + operation, parts))
         found[name] = (identity, operations)
     return found
 
 
+@functools.cache
 def classes():
     """Class name -> (identity, its interfaces)."""
     pattern = r"\[uuid\(([0-9A-F-]{36})\)[^\]]*\]\s*coclass (\w+) \{(.*?)\}"
@@ -42,3 +46,14 @@ def classes():
         name: (identity, re.findall(r"interface (\w+);", body))
         for identity, name, body in re.findall(pattern, without_comments(IDL.read_text()), re.S)
     }
+
+
+def objects():
+    """What clients are handed that has no dispatch interface of its own: name -> its interfaces."""
+    plain = {"Identifier": ["IIdentifier"], "NamedValueSet": ["INamedValueSet"]}
+    return {name: interfaces for name, (_, interfaces) in classes().items()} | plain
+
+
+def view(name):
+    """The dispatch interface by which such an object is called by name, and its identity, which follows from the name."""
+    return "_" + name, str(uuid.uuid5(uuid.UUID(typelib()), "_" + name)).upper()

@@ -76,6 +76,16 @@ static void AddClass(ITypeInfo* type) {
   type->lpVtbl->Release(type);
 }
 
+static int HasSlots(ITypeInfo* type) {
+  TYPEATTR* attributes = NULL;
+  int has_slots;
+  CHECK_CODE(S_OK, type->lpVtbl->GetTypeAttr(type, &attributes));
+  has_slots =
+      attributes->typekind == TKIND_INTERFACE || (attributes->wTypeFlags & TYPEFLAG_FDUAL) != 0;
+  type->lpVtbl->ReleaseTypeAttr(type, attributes);
+  return has_slots;
+}
+
 static void ReadTypeLibrary(void) {
   UINT i;
   CHECK_CODE(S_OK, LoadTypeLibEx(path_of_module, REGKIND_NONE, &library));
@@ -86,8 +96,10 @@ static void ReadTypeLibrary(void) {
     CHECK_CODE(S_OK, library->lpVtbl->GetTypeInfo(library, i, &type));
     if (kind == TKIND_COCLASS) {
       AddClass(type);
-    } else {
+    } else if (HasSlots(type)) {
       AddInterface(type);
+    } else {
+      type->lpVtbl->Release(type);
     }
   }
 }
