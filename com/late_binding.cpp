@@ -1,64 +1,14 @@
 #include "com/late_binding.h"
 
 #include <algorithm>
-#include <memory>
+#include <utility>
 
-#include "com/module.h"
 #include "platform/windows/automation.h"
 
 namespace kvdm::com {
 namespace {
 
 using Microsoft::WRL::ComPtr;
-
-// Smaller identifiers are those that the type library assigns.
-constexpr DISPID kFirstOwnId = 0x60000000;
-
-bool SameLetters(std::wstring_view a, std::wstring_view b) {
-  return ::CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(),
-                                static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
-}
-
-// The interface's description with its place for each operation, also for one that can be called by
-// name on its own.
-ComPtr<ITypeInfo> DescriptionOf(const IID& iid) {
-  ComPtr<ITypeLib> library;
-  Check(::LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &library));
-  ComPtr<ITypeInfo> type;
-  Check(library->GetTypeInfoOfGuid(iid, &type));
-  constexpr UINT kInterfaceOfDual = static_cast<UINT>(-1);
-  HREFTYPE reference = 0;
-  if (FAILED(type->GetRefTypeOfImplType(kInterfaceOfDual, &reference))) return type;
-  ComPtr<ITypeInfo> of_interface;
-  Check(type->GetRefTypeInfo(reference, &of_interface));
-  return of_interface;
-}
-
-UINT OperationCount(ITypeInfo& type) {
-  TYPEATTR* attributes = nullptr;
-  Check(type.GetTypeAttr(&attributes));
-  const UINT count = attributes->cFuncs;
-  type.ReleaseTypeAttr(attributes);
-  return count;
-}
-
-struct ReleaseOperation {
-  ITypeInfo* type;
-  void operator()(FUNCDESC* operation) const { type->ReleaseFuncDesc(operation); }
-};
-using Operation = std::unique_ptr<FUNCDESC, ReleaseOperation>;
-
-Operation OperationAt(ITypeInfo& type, UINT index) {
-  FUNCDESC* operation = nullptr;
-  Check(type.GetFuncDesc(index, &operation));
-  return {operation, {&type}};
-}
-
-std::wstring NameOf(ITypeInfo& type, MEMBERID id) {
-  Bstr name;
-  Check(type.GetDocumentation(id, name.address(), nullptr, nullptr, nullptr));
-  return {name.get(), ::SysStringLen(name.get())};
-}
 
 // The one named argument that counts as none is the value of a property put.
 bool HasNamedArguments(const DISPPARAMS& parameters) {
@@ -67,150 +17,174 @@ bool HasNamedArguments(const DISPPARAMS& parameters) {
   return parameters.cNamedArgs != 0 && !is_value;
 }
 
-// Gives the caller an object as IDispatch where it has that: callers by name can use no other.
-void MakeCallable(VARIANT* result) {
-  if (result == nullptr || V_VT(result) != VT_UNKNOWN) return;
-  Variant object = ObjectValue(V_UNKNOWN(result));
-  ::VariantClear(result);
-  *result = object.Release();
-}
-
 bool IsVariable(const VARIANT& argument) { return V_VT(&argument) == (VT_BYREF | VT_VARIANT); }
 
-bool IsObjectVariable(const VARIANT& argument) {
-  return V_VT(&argument) == (VT_BYREF | VT_DISPATCH) || V_VT(&argument) == (VT_BYREF | VT_UNKNOWN);
+bool IsMissing(const VARIANT& argument) {
+  return V_VT(&argument) == VT_ERROR && V_ERROR(&argument) == DISP_E_PARAMNOTFOUND;
 }
 
-// Puts `object` into the variable that `argument` refers to.
-void Assign(IUnknown* object, VARIANT& argument) {
-  Variant value = ObjectValue(object);
+bool IsResult(const SlotParameter& parameter) { return (parameter.flags & PARAMFLAG_FRETVAL) != 0; }
+bool IsOut(const SlotParameter& parameter) {
+  return (parameter.flags & (PARAMFLAG_FIN | PARAMFLAG_FOUT)) == PARAMFLAG_FOUT;
+}
+
+// Puts `value` into the variable that `argument` refers to, if it can hold it.
+void Assign(Variant value, const VARIANT& argument) {
   if (IsVariable(argument)) {
     Check(::VariantClear(V_VARIANTREF(&argument)));
     *V_VARIANTREF(&argument) = value.Release();
-  } else if (V_VT(&value.get()) == (V_VT(&argument) & VT_TYPEMASK) ||
-             V_VT(&argument) == (VT_BYREF | VT_UNKNOWN)) {
+  } else if (V_VT(&argument) == (VT_BYREF | VT_UNKNOWN) ||
+             V_VT(&argument) == (V_VT(&value.get()) | VT_BYREF)) {
     if (*V_UNKNOWNREF(&argument) != nullptr) (*V_UNKNOWNREF(&argument))->Release();
     VARIANT released = value.Release();
     *V_UNKNOWNREF(&argument) = V_UNKNOWN(&released);
   }
 }
 
-// The type that a parameter points to; VT_EMPTY when it is no pointer.
-VARTYPE PointeeOf(const ELEMDESC& parameter) {
-  const bool is_pointer = parameter.tdesc.vt == VT_PTR;
-  return is_pointer ? parameter.tdesc.lptdesc->vt : static_cast<VARTYPE>(VT_EMPTY);
-}
-
-// Callers by name pass values, or variables by reference, of whatever type they have. Here each
-// becomes what its parameter is: a text, an object, an object variable; others stay as they are.
-class LateArguments {
+// One argument on its way to a slot. Callers by name pass values, or variables by reference, of
+// whatever type they have.
+class Argument {
  public:
-  // Run-time error 13 for an argument that its parameter can't take, 450 for one too many.
-  // The last argument stands first.
-  LateArguments(const FUNCDESC& operation, const DISPPARAMS& given)
-      : arguments_(given.cArgs), passed_(given.cArgs), parameters_(given) {
-    for (UINT i = 0; i < given.cArgs; ++i) {
-      const auto position = static_cast<int>(given.cArgs - 1 - i);
-      if (position >= operation.cParams) Check(DISP_E_BADPARAMCOUNT);
-      passed_[i] = Converted(operation.lprgelemdescParam[position], given.rgvarg[i], arguments_[i]);
+  explicit Argument(const SlotParameter& parameter) : parameter_(parameter) {
+    V_VT(&passed_) = parameter.is_pointer ? VARTYPE(VT_BYREF | parameter.type) : parameter.type;
+    const bool is_whole = parameter.type == VT_VARIANT;
+    if (parameter.is_pointer) {
+      V_BYREF(&passed_) = is_whole ? static_cast<void*>(own_.address()) : &V_NONE(own_.address());
     }
-    parameters_.rgvarg = passed_.data();
   }
 
-  // For ITypeInfo::Invoke; valid while this lives.
-  [[nodiscard]] DISPPARAMS& Parameters() { return parameters_; }
+  [[nodiscard]] const SlotParameter& parameter() const { return parameter_; }
 
-  // After the call: gives the caller's object variables what they now hold.
-  void ReturnObjects() {
-    for (const Argument& argument : arguments_) {
-      if (argument.variable == nullptr) continue;
-      if (argument.object.Get() == ObjectIn(*argument.variable)) continue;
-      Assign(argument.object.Get(), *argument.variable);
+  // Takes what the caller passed, in the form of the parameter. A failure when it has none.
+  [[nodiscard]] HRESULT Take(VARIANT& given) {
+    given_ = &given;
+    VARIANT& value = IsVariable(given) ? *V_VARIANTREF(&given) : given;
+    if (IsOut(parameter_)) return S_OK;
+    if (IsMissing(value)) return DISP_E_PARAMNOTOPTIONAL;
+    if (parameter_.type == VT_UNKNOWN) return TakeObject(value);
+    if (parameter_.type == VT_VARIANT) {
+      V_VARIANTREF(&passed_) = &value;
+      return S_OK;
     }
+    const HRESULT changed = ::VariantChangeType(own_.address(), &value, 0, parameter_.type);
+    if (FAILED(changed)) return changed == DISP_E_OVERFLOW ? changed : DISP_E_TYPEMISMATCH;
+    if (!parameter_.is_pointer) passed_ = own_.get();
+    return S_OK;
+  }
+
+  // For DispCallFunc; valid while this stays where it is.
+  [[nodiscard]] VARIANT* Passed() { return &passed_; }
+
+  // After the call: gives the caller's variable what the operation stored.
+  void HandBack() {
+    if (IsOut(parameter_)) {
+      Assign(std::move(own_), *given_);
+    } else if (parameter_.type == VT_UNKNOWN && parameter_.is_pointer &&
+               V_UNKNOWN(&own_.get()) != ObjectIn(*given_)) {
+      Assign(ObjectValue(V_UNKNOWN(&own_.get())), *given_);
+    }
+  }
+
+  // After the call: the operation's result as callers by name can use it, an object as IDispatch
+  // where it has that.
+  [[nodiscard]] VARIANT Result() {
+    if (parameter_.type == VT_VARIANT) return own_.Release();
+    V_VT(own_.address()) = parameter_.type;
+    return parameter_.type == VT_UNKNOWN ? ObjectValue(V_UNKNOWN(&own_.get())).Release()
+                                         : own_.Release();
   }
 
  private:
-  struct Argument {
-    Variant value;                // what was converted, if anything
-    ComPtr<IUnknown> object;      // what an object variable holds
-    VARIANT* variable = nullptr;  // the caller's object variable
-  };
-
-  VARIANT Converted(const ELEMDESC& parameter, VARIANT& given, Argument& argument) {
-    VARIANT& value = IsVariable(given) ? *V_VARIANTREF(&given) : given;
-    VARIANT passed{};
-    if (parameter.tdesc.vt == VT_UNKNOWN) {
-      V_VT(&passed) = VT_UNKNOWN;
-      V_UNKNOWN(&passed) = ObjectIn(value);
-    } else if (PointeeOf(parameter) == VT_UNKNOWN) {
-      if (IsVariable(given) || IsObjectVariable(given)) argument.variable = &given;
-      argument.object = ObjectIn(value);
-      V_VT(&passed) = VT_BYREF | VT_UNKNOWN;
-      V_UNKNOWNREF(&passed) = argument.object.GetAddressOf();
-    } else if (PointeeOf(parameter) == VT_BSTR) {
-      Check(::VariantChangeType(argument.value.address(), &value, 0, VT_BSTR));
-      passed = argument.value.get();
-    } else {
-      passed = PointeeOf(parameter) == VT_VARIANT ? given : value;
+  HRESULT TakeObject(const VARIANT& value) {
+    ComPtr<IUnknown> object;
+    try {
+      object = ObjectIn(value);
+    } catch (const RuntimeError&) {
+      return DISP_E_TYPEMISMATCH;
     }
-    return passed;
+    V_UNKNOWN(own_.address()) = object.Detach();
+    V_VT(own_.address()) = VT_UNKNOWN;
+    if (!parameter_.is_pointer) V_UNKNOWN(&passed_) = V_UNKNOWN(&own_.get());
+    return S_OK;
   }
 
-  std::vector<Argument> arguments_;
-  std::vector<VARIANT> passed_;
-  DISPPARAMS parameters_;
+  const SlotParameter& parameter_;
+  Variant own_;               // what was converted, or room for what comes back
+  VARIANT passed_{};          // what the slot gets: a value, or the address of one
+  VARIANT* given_ = nullptr;  // the caller's
 };
+
+std::vector<Argument> ArgumentsOf(const Operation& operation) {
+  return {operation.parameters.begin(), operation.parameters.end()};
+}
+
+// Takes the caller's arguments, of which the last stands first.
+HRESULT TakeAll(const LateCall& call, std::vector<Argument>& arguments) {
+  const UINT count = call.parameters.cArgs;
+  const auto wanted = std::ranges::count_if(
+      arguments, [](const Argument& each) { return !IsResult(each.parameter()); });
+  if (static_cast<UINT>(wanted) != count) return DISP_E_BADPARAMCOUNT;
+  for (UINT i = 0; i < count; ++i) {
+    const UINT place = count - 1 - i;
+    const HRESULT taken = arguments[i].Take(call.parameters.rgvarg[place]);
+    if (SUCCEEDED(taken)) continue;
+    if (call.wrong_argument != nullptr) *call.wrong_argument = place;
+    return taken;
+  }
+  return S_OK;
+}
+
+HRESULT CallSlot(const Operation& operation, IUnknown* object, std::vector<Argument>& arguments) {
+  std::vector<VARTYPE> types;
+  std::vector<VARIANT*> passed;
+  for (Argument& each : arguments) {
+    types.push_back(V_VT(each.Passed()));
+    passed.push_back(each.Passed());
+  }
+  VARIANT returned{};
+  Check(::DispCallFunc(object, operation.slot, CC_STDCALL, VT_ERROR,
+                       static_cast<UINT>(types.size()), types.data(), passed.data(), &returned));
+  return V_ERROR(&returned);
+}
+
+// Tells of a failed operation what its error object tells, which is no answer any more.
+HRESULT Except(HRESULT failure, EXCEPINFO* exception) {
+  const RuntimeError error = ErrorOf(failure);
+  if (exception == nullptr) return DISP_E_EXCEPTION;
+  *exception = {};
+  exception->scode = failure;
+  exception->bstrSource = Bstr(error.source()).Release();
+  exception->bstrDescription = Bstr(error.what()).Release();
+  return DISP_E_EXCEPTION;
+}
 
 }  // namespace
 
-void LateBinding::Add(const IID& iid, IUnknown* wrapper) {
-  const ComPtr<ITypeInfo> type = DescriptionOf(iid);
-  const UINT count = OperationCount(*type.Get());
-  for (UINT i = 0; i < count; ++i) {
-    const Operation operation = OperationAt(*type.Get(), i);
-    std::wstring name = NameOf(*type.Get(), operation->memid);
-    const auto known = IdOf(name);
-    const DISPID next = kFirstOwnId + static_cast<DISPID>(members_.size());
-    const DISPID own = operation->memid < kFirstOwnId ? operation->memid : next;
-    members_.push_back(
-        {std::move(name), known.value_or(own), operation->invkind, i, type, wrapper});
-  }
-}
-
-std::optional<DISPID> LateBinding::IdOf(std::wstring_view name) const {
-  const auto found = std::ranges::find_if(
-      members_, [&](const Member& member) { return SameLetters(member.name, name); });
-  if (found == members_.end()) return std::nullopt;
-  return found->id;
-}
-
-// Reading a property and calling an operation are one thing to many callers.
-const LateBinding::Member* LateBinding::Find(DISPID id, WORD flags) const {
-  constexpr WORD kCallOrRead = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
-  if ((flags & kCallOrRead) != 0) flags |= kCallOrRead;
-  const auto found = std::ranges::find_if(members_, [&](const Member& member) {
-    return member.id == id && (member.kind & flags) != 0;
+// Many callers can't tell whether what they call is read: a property is read by a call, too.
+const Operation* FindOperation(const ObjectType& type, const LateCall& call) {
+  WORD kinds = call.flags;
+  if ((kinds & DISPATCH_METHOD) != 0) kinds |= DISPATCH_PROPERTYGET;
+  const auto found = std::ranges::find_if(type.operations, [&](const Operation& operation) {
+    return operation.id == call.id && (operation.kind & kinds) != 0;
   });
-  return found == members_.end() ? nullptr : &*found;
+  return found == type.operations.end() ? nullptr : &*found;
 }
 
-HRESULT LateBinding::Invoke(const LateCall& call) const {
-  const Member* member = Find(call.id, call.flags);
-  if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
+HRESULT Invoke(const Operation& operation, IUnknown* object, const LateCall& call) {
   if (HasNamedArguments(call.parameters)) return DISP_E_NONAMEDARGS;
-  const Operation operation = OperationAt(*member->type.Get(), member->index);
-  LateArguments arguments(*operation, call.parameters);
-  const HRESULT result = member->type->Invoke(
-      member->wrapper, operation->memid, static_cast<WORD>(member->kind), &arguments.Parameters(),
-      call.result, call.exception, call.wrong_argument);
-  if (FAILED(result)) {
-    if (call.result != nullptr) ::VariantInit(call.result);
-    return result;
+  std::vector<Argument> arguments = ArgumentsOf(operation);
+  const HRESULT taken = TakeAll(call, arguments);
+  if (FAILED(taken)) return taken;
+  const HRESULT done = CallSlot(operation, object, arguments);
+  if (FAILED(done)) return Except(done, call.exception);
+  for (Argument& each : arguments) {
+    if (!IsResult(each.parameter())) {
+      each.HandBack();
+    } else if (call.result != nullptr) {
+      *call.result = each.Result();
+    }
   }
-
-  MakeCallable(call.result);
-  arguments.ReturnObjects();
-  return result;
+  return S_OK;
 }
 
 }  // namespace kvdm::com

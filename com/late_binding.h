@@ -1,11 +1,7 @@
-// Calls by name, described by the type library.
+// Calls by name: IDispatch::Invoke on operations that the type library describes.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
+#include "com/object_type.h"
 #include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
@@ -13,42 +9,19 @@ namespace kvdm::com {
 // The arguments of IDispatch::Invoke.
 struct LateCall {
   DISPID id;
-  LCID locale;
   WORD flags;
-  DISPPARAMS& parameters;
+  const DISPPARAMS& parameters;
   VARIANT* result;
   EXCEPINFO* exception;
   UINT* wrong_argument;
 };
 
-// The operations of an object's interfaces under their names. Only these are reached; names are
-// compared without regard to letter case. An identifier stands for a name: a property that is read
-// through one interface and set through another has one.
-class LateBinding {
- public:
-  // Adds the operations of the interface `iid`, which `wrapper` points to for as long as this
-  // lives.
-  void Add(const IID& iid, IUnknown* wrapper);
+// The operation that `call` means; of two the first. Null when there is none: a method is called,
+// and never read.
+[[nodiscard]] const Operation* FindOperation(const ObjectType& type, const LateCall& call);
 
-  // Nothing for a name that no operation has.
-  [[nodiscard]] std::optional<DISPID> IdOf(std::wstring_view name) const;
-
-  // Calls the operation, as IDispatch::Invoke answers. Arguments may be passed by reference.
-  HRESULT Invoke(const LateCall& call) const;
-
- private:
-  struct Member {
-    std::wstring name;
-    DISPID id;
-    INVOKEKIND kind;
-    UINT index;  // among the operations of `type`
-    Microsoft::WRL::ComPtr<ITypeInfo> type;
-    IUnknown* wrapper;
-  };
-
-  [[nodiscard]] const Member* Find(DISPID id, WORD flags) const;
-
-  std::vector<Member> members_;
-};
+// Calls the operation by its slot in `object`, which is its interface. Answers as
+// IDispatch::Invoke does. Arguments may be passed by reference.
+[[nodiscard]] HRESULT Invoke(const Operation& operation, IUnknown* object, const LateCall& call);
 
 }  // namespace kvdm::com

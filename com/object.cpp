@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "com/late_binding.h"
+
 namespace kvdm::com {
 
 using Microsoft::WRL::ComPtr;
@@ -28,10 +30,25 @@ STDMETHODIMP Object::QueryInterface(REFIID iid, void** out) {
   } else if (WrapperBase* wrapper = Find(iid)) {
     *out = wrapper->Interface();
   } else {
-    return E_NOINTERFACE;
+    return QueryByType(iid, out);
   }
   AddRef();
   return S_OK;
+}
+
+// What the type library has to be read for.
+HRESULT Object::QueryByType(REFIID iid, void** out) {
+  return GuardedQuietly([&]() -> HRESULT {
+    if (::IsEqualIID(iid, Type().view_iid)) {
+      *out = static_cast<IDispatch*>(this);
+    } else if (::IsEqualIID(iid, IID_IProvideClassInfo) && Type().class_info) {
+      *out = static_cast<IProvideClassInfo*>(this);
+    } else {
+      return E_NOINTERFACE;
+    }
+    AddRef();
+    return S_OK;
+  });
 }
 
 STDMETHODIMP_(ULONG) Object::AddRef() { return ++references_; }
@@ -46,49 +63,66 @@ STDMETHODIMP Object::InterfaceSupportsErrorInfo(REFIID iid) {
   return Find(iid) != nullptr ? S_OK : S_FALSE;
 }
 
-LateBinding& Object::Late() {
-  if (late_) return *late_;
-  LateBinding late;
-  for (const auto& wrapper : wrappers_) late.Add(wrapper->Iid(), wrapper->Interface());
-  return late_.emplace(std::move(late));
+const ObjectType& Object::Type() {
+  if (type_ == nullptr) {
+    std::vector<IID> interfaces;
+    for (const auto& wrapper : wrappers_) interfaces.push_back(wrapper->Iid());
+    type_ = &TypeOf(identity_, interfaces);
+  }
+  return *type_;
 }
 
-// There is no type information: no one type describes all interfaces.
+template <class Body>
+HRESULT Object::GuardedQuietly(const Body& body) {
+  const HRESULT result = abi::Guarded(identity_, IID_IDispatch, body);
+  if (FAILED(result)) abi::ForgetErrors();
+  return result;
+}
+
 STDMETHODIMP Object::GetTypeInfoCount(UINT* count) {
   if (count == nullptr) return E_POINTER;
-  *count = 0;
+  *count = 1;
   return S_OK;
 }
 
-STDMETHODIMP Object::GetTypeInfo(UINT, LCID, ITypeInfo** type) {
+STDMETHODIMP Object::GetTypeInfo(UINT index, LCID, ITypeInfo** type) {
   if (type == nullptr) return E_POINTER;
   *type = nullptr;
-  return DISP_E_BADINDEX;
+  if (index != 0) return DISP_E_BADINDEX;
+  return GuardedQuietly([&] { return Type().view.CopyTo(type); });
+}
+
+STDMETHODIMP Object::GetClassInfo(ITypeInfo** type) {
+  if (type == nullptr) return E_POINTER;
+  *type = nullptr;
+  return GuardedQuietly([&] { return Type().class_info.CopyTo(type); });
 }
 
 STDMETHODIMP Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
   if (names == nullptr || ids == nullptr) return E_POINTER;
   if (!::IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-  const ComPtr<IDispatch> alive(this);
   std::fill_n(ids, count, DISPID_UNKNOWN);
   if (count == 0) return S_OK;
-  return abi::Guarded(identity_, IID_IDispatch, [&]() -> HRESULT {
-    const auto id = Late().IdOf(names[0]);
-    if (id) ids[0] = *id;
+  return GuardedQuietly([&] {
+    ids[0] = Type().IdOf(names[0]);
     // Arguments have no names here.
-    return id && count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
+    return ids[0] != DISPID_UNKNOWN && count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
   });
 }
 
-STDMETHODIMP Object::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+STDMETHODIMP Object::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters,
                             VARIANT* result, EXCEPINFO* exception, UINT* wrong_argument) {
   if (parameters == nullptr) return E_POINTER;
   if (!::IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   const ComPtr<IDispatch> alive(this);
   abi::ForgetErrors();
   if (result != nullptr) ::VariantInit(result);
-  const LateCall call{id, locale, flags, *parameters, result, exception, wrong_argument};
-  return abi::Guarded(identity_, IID_IDispatch, [&] { return Late().Invoke(call); });
+  return GuardedQuietly([&] {
+    const LateCall call{id, flags, *parameters, result, exception, wrong_argument};
+    const Operation* operation = FindOperation(Type(), call);
+    if (operation == nullptr) return DISP_E_MEMBERNOTFOUND;
+    return com::Invoke(*operation, wrappers_[operation->interface_index]->Interface(), call);
+  });
 }
 
 }  // namespace kvdm::com

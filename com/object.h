@@ -3,14 +3,13 @@
 
 #include <atomic>
 #include <memory>
-#include <optional>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "com/abi.h"
-#include "com/late_binding.h"
 #include "com/module.h"
+#include "com/object_type.h"
 #include "platform/windows/com_headers.h"
 
 namespace kvdm::com {
@@ -26,7 +25,7 @@ class WrapperBase {
 // One identity with any number of interfaces, and calls by name into all of them. It lives until
 // its last reference goes, and keeps the component's object alive, which a view's data manager is
 // part of.
-class Object final : public IDispatch, public ISupportErrorInfo {
+class Object final : public IDispatch, public ISupportErrorInfo, public IProvideClassInfo {
  public:
   // An object without interfaces, with one reference. `identity` names its class in errors.
   [[nodiscard]] static Microsoft::WRL::ComPtr<Object> Make(const char* identity);
@@ -52,18 +51,25 @@ class Object final : public IDispatch, public ISupportErrorInfo {
 
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override;
 
+  STDMETHODIMP GetClassInfo(ITypeInfo** type) override;
+
  private:
   explicit Object(const char* identity) : identity_(identity) {}
   ~Object() = default;
 
   [[nodiscard]] WrapperBase* Find(REFIID iid) const;
-  LateBinding& Late();
+  // What clients learn about the object; read when one first asks.
+  [[nodiscard]] const ObjectType& Type();
+  HRESULT QueryByType(REFIID iid, void** out);
+  // Runs `body`. What fails is told by the result code alone.
+  template <class Body>
+  HRESULT GuardedQuietly(const Body& body);
 
   ModuleLock lock_;
   const char* identity_;
   std::atomic<ULONG> references_ = 1;
   std::vector<std::unique_ptr<WrapperBase>> wrappers_;
-  std::optional<LateBinding> late_;
+  const ObjectType* type_ = nullptr;
 };
 
 // The interface `Abi` of an object, each operation of which calls one of the component's `Core`.

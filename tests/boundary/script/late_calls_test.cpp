@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "com/kvdm.h"
+#include "platform/windows/text.h"
 #include "tests/boundary/script/late_object.h"
 
 namespace kvdm::boundary {
@@ -14,7 +15,6 @@ constexpr char kFolder[] = "D:\\KVDM late\\";
 
 constexpr HRESULT kInvalidCallResult = static_cast<HRESULT>(0x800A0005);
 constexpr HRESULT kOutOfRangeResult = static_cast<HRESULT>(0x800A0009);
-constexpr HRESULT kTypeMismatchResult = static_cast<HRESULT>(0x800A000D);
 constexpr HRESULT kNotSupportedResult = static_cast<HRESULT>(0x800A01B6);
 
 // A data manager with a study area and a customer layer.
@@ -131,12 +131,49 @@ TEST_F(LateCallsTest, ObjectsAndArraysAreNoTexts) {
   V_VT(array.address()) = VT_ARRAY | VT_VARIANT;
   V_ARRAY(array.address()) = ::SafeArrayCreateVector(VT_VARIANT, 0, 1);
   for (const VARIANT& given : {object, ByReference(object), array.get()}) {
-    EXPECT_EQ(kTypeMismatchResult, Layer().Let(L"IDField", given).code);
+    EXPECT_EQ(DISP_E_TYPEMISMATCH, Layer().Let(L"IDField", given).code);
   }
 }
 
-TEST_F(LateCallsTest, ATextIsNoObject) {
-  EXPECT_EQ(kTypeMismatchResult, manager_.Call(L"DMInitialize", {Arg("host")}).code);
+// Arguments are counted from the last one.
+TEST_F(LateCallsTest, TheArgumentThatIsRefusedIsNamed) {
+  const LateObject layers = Layers();
+  const LateObject list = layers.Object(L"CustLayersList");
+  VARIANT null{};
+  V_VT(&null) = VT_NULL;
+  VARIANT missing{};
+  V_VT(&missing) = VT_ERROR;
+  V_ERROR(&missing) = DISP_E_PARAMNOTFOUND;
+  struct Row {
+    const LateObject& object;
+    const wchar_t* name;
+    std::vector<VARIANT> arguments;
+    HRESULT code;
+    UINT wrong_argument;
+  };
+  const LateObject layer = Layer();
+  for (const Row& row :
+       {Row{layers, L"CreateCustLayer", {null}, DISP_E_TYPEMISMATCH, 0},
+        Row{layers, L"CreateCustLayer", {missing}, DISP_E_PARAMNOTOPTIONAL, 0},
+        Row{layers, L"CreateCustLayer", {ByReference(missing)}, DISP_E_PARAMNOTOPTIONAL, 0},
+        Row{layer, L"SetParameter", {null, Arg("5")}, DISP_E_TYPEMISMATCH, 1},
+        Row{layer, L"SetParameter", {Arg("Radius"), null}, DISP_E_TYPEMISMATCH, 0},
+        Row{layer, L"SetParameter", {Arg("Radius")}, DISP_E_BADPARAMCOUNT, kNoArgument},
+        Row{layer, L"ClearParametersList", {Arg(1)}, DISP_E_BADPARAMCOUNT, kNoArgument},
+        Row{manager_, L"DMInitialize", {Arg("host")}, DISP_E_TYPEMISMATCH, 0},
+        Row{manager_, L"CleanTemp", {Arg(1)}, DISP_E_BADPARAMCOUNT, kNoArgument},
+        Row{list, L"Item", {Arg("first")}, DISP_E_TYPEMISMATCH, 0},
+        Row{list, L"Item", {Arg("3000000000")}, DISP_E_OVERFLOW, 0},
+        Row{list, L"Add", {missing}, DISP_E_PARAMNOTOPTIONAL, 0}}) {
+    SCOPED_TRACE(ToUtf8(row.name));
+    const Outcome outcome = row.object.Call(row.name, row.arguments);
+    EXPECT_EQ(row.code, outcome.code);
+    EXPECT_EQ(row.wrong_argument, outcome.wrong_argument);
+    ComPtr<IErrorInfo> error;
+    EXPECT_EQ(S_FALSE, ::GetErrorInfo(0, &error)) << "IDispatch has no error objects";
+  }
+  EXPECT_EQ("1", list.Text(L"Count"));
+  EXPECT_EQ("0", layer.Object(L"ParametersList").Text(L"Count"));
 }
 
 TEST_F(LateCallsTest, NothingIsTakenInEveryForm) {
@@ -199,12 +236,39 @@ TEST_F(LateCallsTest, NamedArgumentsAreRefused) {
   EXPECT_EQ("1", areas.Object(L"StudyAreasList").Text(L"Count"));
 }
 
-TEST_F(LateCallsTest, ReadingAndCallingAreOneThing) {
+TEST_F(LateCallsTest, APropertyIsReadHoweverItIsCalled) {
   for (const WORD flags :
        {DISPATCH_METHOD, DISPATCH_PROPERTYGET, DISPATCH_METHOD | DISPATCH_PROPERTYGET}) {
     EXPECT_EQ(S_OK, manager_.Invoke(L"WorkingDirectory", flags).code) << flags;
-    EXPECT_EQ(S_OK, manager_.Invoke(L"TmpFilePath", flags).code) << flags;
   }
+}
+
+// Many clients that do not know what a name is read it first.
+TEST_F(LateCallsTest, AMethodIsNotCarriedOutByReadingIt) {
+  const LateObject layer = Layer();
+  EXPECT_EQ("-1", layer.Text(L"SetParameter", {Arg("Radius"), Arg("5")}));
+  EXPECT_EQ(DISP_E_MEMBERNOTFOUND, layer.Get(L"ClearParametersList").code);
+  EXPECT_EQ("5", layer.Text(L"GetParameter", {Arg("Radius")}));
+  EXPECT_EQ(DISP_E_MEMBERNOTFOUND, manager_.Get(L"TmpFilePath").code);
+  for (const WORD flags : {DISPATCH_METHOD, DISPATCH_METHOD | DISPATCH_PROPERTYGET}) {
+    EXPECT_EQ(S_OK, layer.Invoke(L"ClearParametersList", flags).code);
+  }
+  EXPECT_EQ("", layer.Text(L"GetParameter", {Arg("Radius")}));
+}
+
+TEST_F(LateCallsTest, VariablesAreFilledWithLists) {
+  const LateObject analysis(CLSID_KVAnalysis);
+  VARIANT set{};
+  EXPECT_EQ("-1", analysis.Text(L"WriteToPropertySet", {ByReference(set)}));
+  VARIANT names = Arg("what was there");
+  V_BSTR(&names) = ::SysAllocString(L"what was there");
+  VARIANT values{};
+  ASSERT_EQ(VT_DISPATCH, V_VT(&set));
+  const LateObject values_set{ComPtr<IDispatch>(V_DISPATCH(&set))};
+  EXPECT_EQ(S_OK, values_set.Call(L"ListAll", {ByReference(names), ByReference(values)}).code);
+  EXPECT_EQ(2U, FromArray(names).size());
+  EXPECT_EQ(2U, FromArray(values).size());
+  for (VARIANT* each : {&set, &names, &values}) ::VariantClear(each);
 }
 
 TEST_F(LateCallsTest, WhatIsOnlyReadCannotBeSet) {

@@ -16,20 +16,6 @@ class LateNamesTest : public testing::Test {
   Apartment apartment_;
 };
 
-std::wstring NameOf(ITypeInfo& type, MEMBERID id) {
-  Bstr name;
-  EXPECT_EQ(S_OK, type.GetDocumentation(id, name.address(), nullptr, nullptr, nullptr));
-  return {name.get(), ::SysStringLen(name.get())};
-}
-
-TYPEATTR AttributesOf(ITypeInfo& type) {
-  TYPEATTR* attributes = nullptr;
-  EXPECT_EQ(S_OK, type.GetTypeAttr(&attributes));
-  const TYPEATTR copy = *attributes;
-  type.ReleaseTypeAttr(attributes);
-  return copy;
-}
-
 std::vector<std::wstring> OperationsOf(ITypeInfo& type) {
   std::vector<std::wstring> names;
   for (UINT i = 0; i < AttributesOf(type).cFuncs; ++i) {
@@ -66,7 +52,7 @@ std::map<std::wstring, ClassNames> AllClasses() {
     ComPtr<ITypeInfo> type;
     EXPECT_EQ(S_OK, library->GetTypeInfo(i, &type));
     if (AttributesOf(*type.Get()).typekind != TKIND_COCLASS) continue;
-    classes.emplace(NameOf(*type.Get(), MEMBERID_NIL), NamesOfClass(*type.Get()));
+    classes.emplace(NameOf(*type.Get()), NamesOfClass(*type.Get()));
   }
   return classes;
 }
@@ -159,18 +145,6 @@ TEST_F(LateNamesTest, MissingPointersAndOtherInterfacesAreRefused) {
                                                            &none, nullptr, nullptr, nullptr));
   EXPECT_EQ(E_POINTER, object.Names().Invoke(id, GUID{}, 0, DISPATCH_METHOD, nullptr, nullptr,
                                              nullptr, nullptr));
-}
-
-// The interfaces of a class stand nowhere as one type.
-TEST_F(LateNamesTest, ThereIsNoTypeOfTheWholeObject) {
-  const LateObject object(CLSID_KVFileInfo);
-  UINT count = 7;
-  EXPECT_EQ(S_OK, object.Names().GetTypeInfoCount(&count));
-  EXPECT_EQ(0U, count);
-  ComPtr<ITypeInfo> type;
-  EXPECT_EQ(DISP_E_BADINDEX, object.Names().GetTypeInfo(0, LOCALE_USER_DEFAULT, &type));
-  EXPECT_EQ(E_POINTER, object.Names().GetTypeInfoCount(nullptr));
-  EXPECT_EQ(E_POINTER, object.Names().GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr));
 }
 
 }  // namespace

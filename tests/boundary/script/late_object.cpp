@@ -56,6 +56,20 @@ ComPtr<ITypeLib> Library() {
   return library;
 }
 
+TYPEATTR AttributesOf(ITypeInfo& type) {
+  TYPEATTR* attributes = nullptr;
+  EXPECT_EQ(S_OK, type.GetTypeAttr(&attributes));
+  const TYPEATTR copy = *attributes;
+  type.ReleaseTypeAttr(attributes);
+  return copy;
+}
+
+std::wstring NameOf(ITypeInfo& type, MEMBERID member) {
+  Bstr name;
+  EXPECT_EQ(S_OK, type.GetDocumentation(member, name.address(), nullptr, nullptr, nullptr));
+  return {name.get(), ::SysStringLen(name.get())};
+}
+
 DISPID LateObject::IdOf(std::wstring name) const {
   LPOLESTR names = name.data();
   DISPID id = DISPID_UNKNOWN;
@@ -74,7 +88,7 @@ Outcome LateObject::Invoke(const wchar_t* name, WORD flags, std::vector<VARIANT>
   Outcome outcome;
   EXCEPINFO exception{};
   outcome.code = object_->Invoke(IdOf(name), GUID{}, LOCALE_USER_DEFAULT, flags, &parameters,
-                                 outcome.result.address(), &exception, nullptr);
+                                 outcome.result.address(), &exception, &outcome.wrong_argument);
   outcome.error = exception.scode;
   outcome.source = Taken(exception.bstrSource);
   outcome.description = Taken(exception.bstrDescription);

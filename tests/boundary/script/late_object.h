@@ -26,10 +26,18 @@ class Apartment {
 // The type library that the DLL holds.
 [[nodiscard]] ComPtr<ITypeLib> Library();
 
+// What a type says of itself, and the name of a type or of its member.
+[[nodiscard]] TYPEATTR AttributesOf(ITypeInfo& type);
+[[nodiscard]] std::wstring NameOf(ITypeInfo& type, MEMBERID member = MEMBERID_NIL);
+
+inline constexpr UINT kNoArgument = 4711;
+
 // How a call ended.
 struct Outcome {
   HRESULT code = S_OK;
   Variant result;
+  // The place of the argument that was refused; kNoArgument when none was named.
+  UINT wrong_argument = kNoArgument;
   // When the code is DISP_E_EXCEPTION.
   HRESULT error = S_OK;
   std::string source;

@@ -338,6 +338,15 @@ Sub TestHostErrors(manager, theHost)
   theHost.Denied = False
 End Sub
 
+' Wine tells the name of the dispatch interface instead of the class's.
+Sub TestTypes(manager)
+  Dim before
+  If UnderWine Then before = "_"
+  CheckEqual "type of the data manager", before & "KVDataManager", TypeName(manager)
+  CheckEqual "type of a collection", before & "KVStudyAreaCollection", TypeName(manager.StudyAreaCollection)
+  CheckEqual "type of a list", "INameList", TypeName(manager.StudyAreaCollection.StudyAreasList)
+End Sub
+
 Sub TestCallErrors(manager)
   Dim info, part
   Set info = WScript.CreateObject("KVDM.KVFileInfo")
@@ -445,6 +454,7 @@ Sub RunTests()
   TestPersistence manager
   TestHostErrors manager, theHost
   TestCallErrors manager
+TestTypes manager
   TestFriends manager
 End Sub
 
