@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include <kvdm/platform/catalogue_update.h>
 #include <kvdm/platform/error.h>
 
 #include "platform/file_names.h"
@@ -410,6 +411,40 @@ std::string CatalogueUpdate::Storable(const std::string& element) const {
   xml::Document document;
   document.LoadXml(parser_, element);
   return document.Xml(holds_);
+}
+
+namespace {
+
+// Keeps what the update needs, and logs its notes.
+class LastingUpdate final : public TextUpdate {
+ public:
+  LastingUpdate(const Platform& platform, std::string_view base, std::string wanted)
+      : parser_(platform.xml_parser),
+        log_(platform.log),
+        update_(*parser_, base, std::move(wanted),
+                [registry = platform.registry](char32_t character) {
+                  return registry->Holds(character);
+                }) {}
+
+  [[nodiscard]] std::vector<Piece> Base() const override { return update_.Base(); }
+  [[nodiscard]] std::vector<Piece> Wanted() const override { return update_.Wanted(); }
+  [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override {
+    Outcome outcome = update_.On(stored);
+    for (const std::string& note : update_.Notes()) log_->Note(note);
+    return outcome;
+  }
+
+ private:
+  std::shared_ptr<XmlParser> parser_;
+  std::shared_ptr<Log> log_;
+  CatalogueUpdate update_;
+};
+
+}  // namespace
+
+std::shared_ptr<TextUpdate> MakeCatalogueUpdate(const Platform& platform, std::string_view base,
+                                                std::string wanted) {
+  return std::make_shared<LastingUpdate>(platform, base, std::move(wanted));
 }
 
 }  // namespace kvdm

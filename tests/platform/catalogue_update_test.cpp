@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+#include <kvdm/platform/catalogue_update.h>
+
+#include "platform/memory/memory_platform.h"
 #include "platform/xml/limits.h"
 #include "platform/xml_parser.h"
 #include "tests/throws_number.h"
@@ -412,6 +415,16 @@ TEST_F(CatalogueUpdateTest, ChangesNothingWhenTheStudyAreasAreTheSame) {
   EXPECT_TRUE(ChangesNothing(Update(List(kA), "<L X=\"1\">" + kA + "</L>")));
   EXPECT_FALSE(ChangesNothing(Update(List(kA), List(""))));
   EXPECT_FALSE(ChangesNothing(Update(List(kA), List(kARenamed))));
+}
+
+TEST(MakeCatalogueUpdateTest, IsTheDifferenceOnWhatIsStored) {
+  MemoryPlatform platform;
+  const std::string north = R"(<STUDYAREA NAME="_North_" GUID="{1}" DIRNAME="D:\N\"/>)";
+  const std::string south = R"(<STUDYAREA NAME="_South_" GUID="{2}" DIRNAME="D:\S\"/>)";
+  const auto update = MakeCatalogueUpdate(platform.Bundle(), List(""), List(north));
+  const auto outcome = update->On(Text(List(south)));
+  EXPECT_THAT(outcome.text, HasSubstr("_South_"));
+  EXPECT_THAT(outcome.text, HasSubstr("_North_"));
 }
 
 }  // namespace
