@@ -75,4 +75,10 @@ void MoveFolder(const Drives& drives, std::string_view from, std::string_view to
 //   ComponentPath("C:/Users/Ann/North")   // C:\Users\Ann\North
 [[nodiscard]] std::string ComponentPath(const std::filesystem::path& absolute);
 
+// A path of the component in the system's form; itself when it is on a drive that the system does
+// not have.
+//
+//   NativePath(R"(Z:\home\ann)")   // /home/ann
+[[nodiscard]] std::string NativePath(std::string_view path);
+
 }  // namespace kvdm::os

@@ -189,4 +189,11 @@ std::string ComponentPath(const std::filesystem::path& absolute) {
   return path;
 }
 
+std::string NativePath(std::string_view path) {
+  if (!path.starts_with("Z:") && !path.starts_with("z:")) return std::string(path);
+  std::string native(path.substr(2));
+  std::ranges::replace(native, '\\', '/');
+  return native.empty() ? "/" : native;
+}
+
 }  // namespace kvdm::os

@@ -234,4 +234,6 @@ std::string ComponentPath(const std::filesystem::path& absolute) {
   return ToText(Absolute(absolute));
 }
 
+std::string NativePath(std::string_view path) { return std::string(path); }
+
 }  // namespace kvdm::os
