@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -63,6 +64,36 @@ void MoveFolder(const Drives& drives, std::string_view from, std::string_view to
 // Locks a regular file, which is made when it is missing, against other processes for as long as
 // the result lives. Nothing when another process holds it.
 [[nodiscard]] std::shared_ptr<void> TryLock(const std::filesystem::path& file);
+
+// The path of the system that a path of the component leads to, links not followed, with the names
+// of what is there as they are. Nothing for a path that is not full, and for one on a drive that
+// this computer does not have.
+[[nodiscard]] std::optional<std::filesystem::path> NativePath(const Drives& drives,
+                                                              std::string_view path);
+
+// Whether two names of the system mean one file in one folder.
+[[nodiscard]] bool AreSame(const std::filesystem::path& a, const std::filesystem::path& b);
+
+// Whether a link stands at a path itself.
+[[nodiscard]] bool IsLink(const std::filesystem::path& path);
+
+// What is in a folder, those in it and hidden ones included. Links count as files, and are not
+// followed.
+struct TreeSize {
+  std::int64_t files = 0;
+  std::int64_t bytes = 0;
+  bool is_whole = true;  // False when some of it can't be looked at
+};
+[[nodiscard]] TreeSize SizeOfTree(const std::filesystem::path& folder);
+
+// Makes a folder that programs for people do not show, where it is missing.
+void CreateHiddenFolder(const std::filesystem::path& folder);
+
+// Who works here, and on which computer; "" where the system does not say.
+[[nodiscard]] std::string Person();
+[[nodiscard]] std::string Machine();
+// That person's own folder; "" where there is none.
+[[nodiscard]] std::filesystem::path HomeFolder();
 
 // A path as UTF-8 text, and back. The text of a path that the system's own text does not allow is
 // not valid UTF-8.

@@ -46,6 +46,9 @@ class PosixPaths {
   // folder is.
   [[nodiscard]] static DrivePath Resolve(std::string_view path);
 
+  // The folder of the system that a drive is; "" for one that this computer does not have.
+  [[nodiscard]] std::string RootOf(char drive) const;
+
   // Opens a folder, not for listing, and puts the real names on the way, found by `find`, into
   // `path`. Throws `no_folder` (an errno value) when the path leads to a file.
   [[nodiscard]] FileDescriptor Open(DrivePath& path, int no_folder,

@@ -88,14 +88,19 @@ PosixPlace PosixPaths::PlaceOf(std::string_view path, int root_error) const {
   return {std::move(folder), name, std::move(entry)};
 }
 
-FileDescriptor PosixPaths::OpenRoot(char drive) const {
+std::string PosixPaths::RootOf(char drive) const {
   const auto found = drives_.find(drive);
-  if (found == drives_.end()) ThrowSystemError(ENOENT);
+  return found == drives_.end() ? "" : found->second;
+}
+
+FileDescriptor PosixPaths::OpenRoot(char drive) const {
+  const std::string root = RootOf(drive);
+  if (root.empty()) ThrowSystemError(ENOENT);
   if (drive == kSystemDrive) {
     std::error_code ignored;  // Opening it says what is wrong.
-    std::filesystem::create_directories(found->second, ignored);
+    std::filesystem::create_directories(root, ignored);
   }
-  return OpenAt(AT_FDCWD, found->second, O_PATH | O_DIRECTORY);
+  return OpenAt(AT_FDCWD, root, O_PATH | O_DIRECTORY);
 }
 
 std::string UserDataFolder() {

@@ -1,12 +1,15 @@
 #include "safety/os.h"
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <system_error>
 
 #include "platform/posix/files.h"
@@ -64,6 +67,36 @@ std::optional<FileStatus> RegularFile(int folder, const std::string& name) {
   if (facts && facts->is_link) ThrowSystemError(ELOOP);
   if (facts && !facts->is_regular_file) ThrowSystemError(facts->is_folder ? EISDIR : EINVAL);
   return facts;
+}
+
+// The name that `name` has in a folder; nothing where that has no such entry, or can't be told.
+std::optional<std::string> EntryOf(const std::filesystem::path& folder, const std::string& name) {
+  try {
+    const FileDescriptor open = OpenAt(AT_FDCWD, folder, O_PATH | O_DIRECTORY);
+    return FindEntry(open.get(), name, FindName);
+  } catch (const std::system_error&) {
+    return std::nullopt;
+  }
+}
+
+// Adds what is in the folder `name` of the open folder `parent`.
+void AddSize(int parent, const std::string& name, TreeSize& size) {
+  try {
+    const FileDescriptor folder = OpenAt(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+    for (const std::string& entry : EntryNames(folder.get())) {
+      struct stat status {};
+      if (::fstatat(folder.get(), entry.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        size.is_whole = size.is_whole && MeansMissing(errno);
+      } else if (S_ISDIR(status.st_mode)) {
+        AddSize(folder.get(), entry, size);
+      } else {
+        ++size.files;
+        size.bytes += status.st_size;
+      }
+    }
+  } catch (const std::system_error&) {
+    size.is_whole = false;
+  }
 }
 
 }  // namespace
@@ -178,6 +211,53 @@ std::shared_ptr<void> TryLock(const std::filesystem::path& file) {
   if (::flock(lock->get(), LOCK_EX | LOCK_NB) == 0) return lock;
   if (errno != EWOULDBLOCK && errno != EINTR) Fail(file);
   return nullptr;
+}
+
+std::optional<std::filesystem::path> NativePath(const Drives& drives, std::string_view path) {
+  const PathStart start = SplitPath(path).start;
+  if (start != PathStart::kDrive && start != PathStart::kCurrentDrive) return std::nullopt;
+  const DrivePath resolved = PosixPaths::Resolve(path);
+  std::filesystem::path native = PosixPaths({drives}).RootOf(resolved.drive);
+  if (native.empty()) return std::nullopt;
+  bool is_there = true;
+  for (const std::string& name : resolved.names) {
+    const auto found = is_there ? EntryOf(native, name) : std::nullopt;
+    is_there = found.has_value();
+    native /= found.value_or(name);
+  }
+  return native;
+}
+
+bool AreSame(const std::filesystem::path& a, const std::filesystem::path& b) { return a == b; }
+
+bool IsLink(const std::filesystem::path& path) {
+  const auto facts = Naming(path, [&] { return StatusOf(AT_FDCWD, path); });
+  return facts && facts->is_link;
+}
+
+TreeSize SizeOfTree(const std::filesystem::path& folder) {
+  TreeSize size;
+  AddSize(AT_FDCWD, folder, size);
+  return size;
+}
+
+void CreateHiddenFolder(const std::filesystem::path& folder) { CreateFolders(folder); }
+
+std::string Person() {
+  const passwd* entry = ::getpwuid(::getuid());
+  return entry == nullptr ? std::to_string(::getuid()) : entry->pw_name;
+}
+
+std::string Machine() {
+  utsname names{};
+  return ::uname(&names) == 0 ? names.nodename : "";
+}
+
+std::filesystem::path HomeFolder() {
+  const char* home = std::getenv("HOME");
+  if (home != nullptr && *home == '/') return home;
+  const passwd* entry = ::getpwuid(::getuid());
+  return entry == nullptr ? "" : entry->pw_dir;
 }
 
 std::string ToText(const std::filesystem::path& path) { return path.string(); }

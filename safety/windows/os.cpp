@@ -98,6 +98,30 @@ void ForEachFound(const fs::path& pattern, const fs::path& folder, const Visit& 
   if (!at_end) Fail(folder, why);
 }
 
+// Adds what is in a folder, given by a name of any length.
+void AddSize(const fs::path& folder, TreeSize& size) {
+  try {
+    ForEachFound(folder / L"*", folder, [&](const WIN32_FIND_DATAW& found) {
+      const std::wstring_view name = found.cFileName;
+      constexpr DWORD kKind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+      if (name == L"." || name == L"..") return;
+      if ((found.dwFileAttributes & kKind) == FILE_ATTRIBUTE_DIRECTORY) {
+        return AddSize(folder / name, size);
+      }
+      ++size.files;
+      size.bytes += (std::int64_t{found.nFileSizeHigh} << 32U) + found.nFileSizeLow;
+    });
+  } catch (const std::system_error&) {
+    size.is_whole = false;
+  }
+}
+
+std::string Variable(const wchar_t* name) {
+  std::wstring value(GetEnvironmentVariableW(name, nullptr, 0), L'\0');
+  value.resize(GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size())));
+  return ToUtf8(value);
+}
+
 }  // namespace
 
 bool Exists(const fs::path& path) {
@@ -213,6 +237,34 @@ std::shared_ptr<void> TryLock(const fs::path& file) {
   if (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING) Fail(file);
   return nullptr;
 }
+
+std::optional<fs::path> NativePath(const Drives&, std::string_view path) {
+  const PathStart start = SplitPath(path).start;
+  if (start != PathStart::kDrive && start != PathStart::kCurrentDrive) return std::nullopt;
+  return ToPath(ResolveWindowsPath(path).Text());
+}
+
+bool AreSame(const fs::path& a, const fs::path& b) { return SameName(ToText(a), ToText(b)); }
+
+bool IsLink(const fs::path& path) {
+  const DWORD attributes = GetFileAttributesW(LongName(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+TreeSize SizeOfTree(const fs::path& folder) {
+  TreeSize size;
+  AddSize(LongName(folder), size);
+  return size;
+}
+
+void CreateHiddenFolder(const fs::path& folder) {
+  CreateFolders(folder);
+  SetFileAttributesW(LongName(folder).c_str(), FILE_ATTRIBUTE_HIDDEN);
+}
+
+std::string Person() { return Variable(L"USERNAME"); }
+std::string Machine() { return Variable(L"COMPUTERNAME"); }
+fs::path HomeFolder() { return ToPath(Variable(L"USERPROFILE")); }
 
 std::string ToText(const std::filesystem::path& path) {
   std::string text;
