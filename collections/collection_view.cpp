@@ -42,9 +42,7 @@ std::string CollectionView::GenerateNewDirName(const std::function<std::string()
                                                std::string_view base) const {
   return guard::Reported(reporter(), messages::kNewDirName, [&] {
     if (!data_manager_) return std::string();
-    return FirstFree(base, [&](const std::string& candidate) {
-      return services().files->FolderExists(parent_folder() + candidate);
-    });
+    return services().files->FreeFolderName(parent_folder(), base);
   });
 }
 

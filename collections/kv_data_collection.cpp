@@ -51,7 +51,7 @@ bool KVDataCollection::CreateDataItem(std::string_view name) {
   return guard::Reported(view_.reporter(), kDataItemRules.create_failed, [&] {
     if (!view_.node() || view_.Find(attributes::kName, name)) return false;
     const auto item = view_.NewItem(name);
-    const auto file = UniqueFileName(*view_.services().files, DataItemsDir(), name);
+    const auto file = view_.services().files->FreeFileName(DataItemsDir(), name);
     item->SetAttribute(attributes::kFile, file);
     item->SetAttribute(attributes::kPathType, path_types::kRelative);
     view_.node()->Append(item);

@@ -41,7 +41,7 @@ std::string LayerCollection::Folder() const {
 bool LayerCollection::Create(std::string_view name) const {
   return guard::Reported(view_.reporter(), view_.rules().create_failed, [&] {
     if (!view_.node() || Exists(name)) return false;
-    const auto base_name = UniqueFileName(*view_.services().files, Folder(), name);
+    const auto base_name = view_.services().files->FreeFileName(Folder(), name);
     const auto layer = view_.NewItem(WrapName(name));
     // The folder is asked for again, and made again if it went meanwhile.
     layer->SetAttribute(attributes::kLayerFile, Folder() + "\\" + base_name + ".lyr");

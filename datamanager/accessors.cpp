@@ -123,7 +123,7 @@ std::string KVDataManager::TmpFilePath() {
       files.CreateFolder(folder);
       files.HideFolder(folder);
     }
-    return folder + UniqueFileName(files, folder, kTempBaseName);
+    return folder + files.FreeFileName(folder, kTempBaseName);
   });
 }
 

@@ -278,7 +278,7 @@ bool AreaRegistry::RegisterLayer(const AreaRules& rules, std::string_view name) 
     if (!workspace_.metadata_valid || ExistsByName(rules, name)) return false;
     const auto collection = Collection(rules);
     const auto layer = collection.NewItem(WrapName(name));
-    const auto base_name = UniqueFileName(*platform_.files, LayersDir(rules), rules.base_name);
+    const auto base_name = platform_.files->FreeFileName(LayersDir(rules), rules.base_name);
     layer->SetAttribute(attributes::kShapeFile, base_name + kLayerFileExtension);
     layer->SetAttribute(attributes::kPathType, path_types::kRelative);
     layer->SetAttribute(attributes::kIsInternal, kInternal);

@@ -150,10 +150,8 @@ bool KVDataManager::Flush() {
 std::string KVDataManager::GenerateFolderName(std::string_view parent, std::string_view prefix) {
   return guard::Reported(reporter_, messages::kNewDirName, [&] {
     if (!workspace_.metadata_valid) return std::string();
-    return FirstFree(prefix, [&](const std::string& candidate) {
-      return platform_.files->FolderExists(workspace_.directory + "\\" + std::string(parent) +
-                                           candidate);
-    });
+    return platform_.files->FreeFolderName(workspace_.directory + "\\" + std::string(parent),
+                                           prefix);
   });
 }
 

@@ -29,18 +29,34 @@ char32_t Folded(char32_t c) {
   return becomes_ascii ? c : upper;
 }
 
-// The characters of a name in upper case. Bytes that are not UTF-8 become values that no character
-// has.
-std::u32string Folded(std::string_view name) {
+// Takes the first character off a name and returns it in upper case. A byte that is not UTF-8
+// becomes a value that no character has.
+char32_t TakeFolded(std::string_view& name) {
   constexpr char32_t kInvalidByte = 0x110000;
+  const auto byte = static_cast<unsigned char>(name.front());
+  if (byte < 0x80) {
+    name.remove_prefix(1);
+    return byte >= 'a' && byte <= 'z' ? byte - ('a' - 'A') : byte;
+  }
+  const CodePoint next = TakeCodePoint(name);
+  return next.valid ? Folded(next.value) : kInvalidByte + byte;
+}
+
+std::u32string Folded(std::string_view name) {
   std::u32string folded;
   folded.reserve(name.size());
-  while (!name.empty()) {
-    const auto byte = static_cast<unsigned char>(name.front());
-    const CodePoint next = TakeCodePoint(name);
-    folded += next.valid ? Folded(next.value) : kInvalidByte + byte;
-  }
+  while (!name.empty()) folded += TakeFolded(name);
   return folded;
+}
+
+// Below 0, 0 or above 0, as `a` comes before, with or after `b` without regard to letter case.
+int Compared(std::string_view a, std::string_view b) {
+  while (!a.empty() && !b.empty()) {
+    const char32_t x = TakeFolded(a);
+    const char32_t y = TakeFolded(b);
+    if (x != y) return x < y ? -1 : 1;
+  }
+  return static_cast<int>(b.empty()) - static_cast<int>(a.empty());
 }
 
 std::vector<std::string> Names(std::string_view text) {
@@ -160,10 +176,33 @@ std::string PathIn(std::string_view folder, std::string_view name) {
   return std::string(folder).append(folder.ends_with('\\') ? "" : "\\").append(name);
 }
 
-bool SameName(std::string_view a, std::string_view b) { return Folded(a) == Folded(b); }
+bool SameName(std::string_view a, std::string_view b) { return Compared(a, b) == 0; }
+
+bool MayMean(std::string_view wanted, std::string_view name) {
+  return SameName(TrimmedName(wanted), TrimmedName(name));
+}
+
+std::size_t NameHash(std::string_view name) {
+  constexpr std::uint64_t kStart = 0xCBF29CE484222325;
+  constexpr std::uint64_t kFactor = 0x100000001B3;
+  std::uint64_t hash = kStart;
+  for (name = TrimmedName(name); !name.empty();) hash = (hash ^ TakeFolded(name)) * kFactor;
+  return static_cast<std::size_t>(hash ^ (hash >> 32U));
+}
+
+std::optional<std::string_view> AfterStart(std::string_view name, std::string_view start) {
+  while (!name.empty() && !start.empty()) {
+    if (TakeFolded(name) != TakeFolded(start)) return std::nullopt;
+  }
+  return start.empty() ? std::optional(name) : std::nullopt;
+}
+
 std::u32string FoldedName(std::string_view name) { return Folded(name); }
 
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  std::string_view literal = pattern.substr(0, pattern.find_first_of("*?"));
+  if (literal.ends_with('.') && literal.size() + 1 == pattern.size()) literal.remove_suffix(1);
+  if (!AfterStart(name, literal)) return false;
   const std::u32string folded_name = Folded(name);
   std::u32string folded_pattern = Folded(pattern);
   if (MatchesFolded(folded_name, folded_pattern)) return true;
@@ -177,17 +216,14 @@ std::optional<std::string> FindSameName(const std::vector<std::string>& names,
   if (auto exact = First(names, [&](const std::string& name) { return name == wanted; })) {
     return exact;
   }
-  const std::u32string folded = Folded(wanted);
-  return First(names, [&](const std::string& name) { return Folded(name) == folded; });
+  return First(names, [&](const std::string& name) { return SameName(name, wanted); });
 }
 
 std::optional<std::string> FindName(const std::vector<std::string>& names,
                                     std::string_view wanted) {
   if (auto same = FindSameName(names, wanted)) return same;
-  const std::u32string trimmed = Folded(TrimmedName(wanted));
-  if (trimmed.empty()) return std::nullopt;  // Blanks and dots alone mean no other name.
-  return First(names,
-               [&](const std::string& name) { return Folded(TrimmedName(name)) == trimmed; });
+  if (TrimmedName(wanted).empty()) return std::nullopt;  // Blanks and dots mean no other name.
+  return First(names, [&](const std::string& name) { return MayMean(wanted, name); });
 }
 
 std::string RandomDigits() {
@@ -201,14 +237,14 @@ std::string RandomDigits() {
 std::string TemporaryFileName() { return ".kvdm-" + RandomDigits() + ".tmp"; }
 
 void SortNames(std::vector<std::string>& names) {
-  std::vector<std::pair<std::u32string, std::string>> keyed;
-  keyed.reserve(names.size());
-  for (std::string& name : names) {
-    std::u32string key = Folded(name);
-    keyed.emplace_back(std::move(key), std::move(name));
-  }
-  std::ranges::sort(keyed);
-  std::ranges::transform(keyed, names.begin(), [](auto& pair) { return std::move(pair.second); });
+  std::ranges::sort(names, [](const std::string& a, const std::string& b) {
+    const int order = Compared(a, b);
+    return order == 0 ? a < b : order < 0;
+  });
+}
+
+std::string Numbered(std::string_view base, int number) {
+  return std::string(base).append(number == 0 ? "" : std::to_string(number));
 }
 
 RuntimeError PathError(std::int32_t number, std::string_view path) {

@@ -1,7 +1,10 @@
 // Names, paths and attributes of files, as all file systems understand them.
 #pragma once
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -73,6 +76,17 @@ struct SearchPattern {
 
 // Whether two names or paths are equal without regard to letter case.
 [[nodiscard]] bool SameName(std::string_view a, std::string_view b);
+
+// Whether a folder in which `name` stands may have to be searched for `wanted`: they are the same
+// but for letter case and for blanks and dots at the end.
+[[nodiscard]] bool MayMean(std::string_view wanted, std::string_view name);
+// The same for all names of which one may mean the other.
+[[nodiscard]] std::size_t NameHash(std::string_view name);
+
+// What follows `start` in a name that begins so, in any letter case.
+[[nodiscard]] std::optional<std::string_view> AfterStart(std::string_view name,
+                                                         std::string_view start);
+
 // The case-folded form: the same for all names or paths that SameName calls equal.
 [[nodiscard]] std::u32string FoldedName(std::string_view name);
 
@@ -103,6 +117,21 @@ using NameFinder = std::optional<std::string> (*)(const std::vector<std::string>
 
 // Sorts names as a listing shows them: by letters without regard to case.
 void SortNames(std::vector<std::string>& names);
+
+// The last number that a name is tried with.
+inline constexpr int kLastNumber = std::numeric_limits<std::int16_t>::max();
+
+// `base`, followed by the number unless that is 0.
+[[nodiscard]] std::string Numbered(std::string_view base, int number);
+
+// The least number from 0 on that is not taken. Run-time error 6 once 32767 is taken.
+template <std::predicate<int> Taken>
+[[nodiscard]] int FirstFreeNumber(Taken&& taken) {
+  for (int number = 0; number <= kLastNumber; ++number) {
+    if (!taken(number)) return number;
+  }
+  throw RuntimeError(kOverflow);
+}
 
 // An error about a path: the number's classic description, then the path.
 [[nodiscard]] RuntimeError PathError(std::int32_t number, std::string_view path);

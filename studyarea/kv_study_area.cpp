@@ -148,7 +148,7 @@ std::string KVStudyArea::FreeTablePath() {
   return guard::Reported(view_.reporter(), messages::kFreeTablePath, [&] {
     const auto folder = TablesDir();
     auto& files = *Required(view_.data_manager()).Services().files;
-    return CollapseBackslashes(folder + "\\" + UniqueFileName(files, folder, kTableBaseName));
+    return CollapseBackslashes(folder + "\\" + files.FreeFileName(folder, kTableBaseName));
   });
 }
 
@@ -187,7 +187,7 @@ std::string KVTablesManager::FreeTablePath() {
                          messages::kFreeTablePath, [&] {
                            auto& files = *Required(data_manager_).Services().files;
                            CreateFolderPath(files, TablesDir());
-                           const auto name = UniqueFileName(files, TablesDir(), kTableBaseName);
+                           const auto name = files.FreeFileName(TablesDir(), kTableBaseName);
                            return CollapseBackslashes(TablesDir() + "\\" + name);
                          });
 }

@@ -80,7 +80,7 @@ struct Level {
   std::string name;
   std::vector<std::string> entries;
   std::size_t next = 0;
-  int listings = 0;
+  int listings = 1;
 };
 
 // Lists the folder again, for what others put into it meanwhile. False when there is nothing.
@@ -91,16 +91,6 @@ bool ListAgain(Directory& folder, Level& level) {
   if (level.entries.empty()) return false;
   if (++level.listings > kMaxListings) throw RuntimeError(kPathFileAccess);
   return true;
-}
-
-void DeleteFilesIn(Directory& folder) {
-  if (!folder.Files().empty()) folder.DeleteFiles();
-}
-
-// False when there are folders inside; they stay.
-bool EmptyFlatFolder(Directory& folder) {
-  DeleteFilesIn(folder);
-  return folder.Entries().empty();
 }
 
 }  // namespace
@@ -122,12 +112,6 @@ std::string NewGuidString(GisCore& gis_core) {
 std::string WidenLineEnds(std::string_view text) { return Replaced(text, "\n", "\r\n"); }
 std::string CollapseBackslashes(std::string_view path) { return Replaced(path, "\\\\", "\\"); }
 
-std::string UniqueFileName(FileSystem& files, std::string_view folder, std::string_view prefix) {
-  return FirstFree(prefix, [&](const std::string& candidate) {
-    return !files.FindFiles(std::string(folder) + "\\" + candidate + ".*").empty();
-  });
-}
-
 bool DeleteFolderTree(FileSystem& files, std::string_view path, Log* log) {
   const auto folder = DeletableFolder(path);
   if (!folder) return false;
@@ -136,8 +120,8 @@ bool DeleteFolderTree(FileSystem& files, std::string_view path, Log* log) {
     Required(place).Enter(folder->name);
     if (folder->closed) {
       EmptyFolder(*place);
-    } else if (!EmptyFlatFolder(*place)) {
-      return false;
+    } else if (!place->ClearFiles().empty()) {
+      return false;  // There are folders inside; they stay.
     }
     place->Leave();
     place->RemoveFolder(folder->name);
@@ -147,20 +131,20 @@ bool DeleteFolderTree(FileSystem& files, std::string_view path, Log* log) {
 
 void EmptyFolder(Directory& folder) {
   std::vector<Level> way(1);
-  DeleteFilesIn(folder);
+  way.back().entries = folder.ClearFiles();
   while (true) {
-    if (way.back().next == way.back().entries.size() && !ListAgain(folder, way.back())) {
+    Level& level = way.back();
+    const bool is_done = level.next == level.entries.size();
+    if (is_done && (level.entries.empty() || !ListAgain(folder, level))) {
       if (way.size() == 1) return;
       folder.Leave();
-      folder.RemoveFolder(way.back().name);
+      folder.RemoveFolder(level.name);
       way.pop_back();
       continue;
     }
-    Level& level = way.back();
     const std::string inside = level.entries[level.next++];
     folder.Enter(inside);
-    DeleteFilesIn(folder);
-    way.push_back({inside, {}});
+    way.push_back({inside, folder.ClearFiles()});
   }
 }
 

@@ -1,13 +1,9 @@
-// Names, identifiers, free file and folder names, and whole folder trees.
+// Names, identifiers, and whole folder trees.
 #pragma once
 
-#include <concepts>
-#include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 
-#include <kvdm/platform/error.h>
 #include <kvdm/platform/file_system.h>
 #include <kvdm/platform/gis_core.h>
 #include <kvdm/platform/log.h>
@@ -33,25 +29,6 @@ namespace kvdm {
 
 // `path` with every doubled backslash made single, in one pass from the left: three become two.
 [[nodiscard]] std::string CollapseBackslashes(std::string_view path);
-
-// The first candidate that is not taken: `base`, then `base` followed by 1, 2, 3 ... without a
-// blank. Run-time error 6 once the counter passes 32767.
-template <std::predicate<const std::string&> Taken>
-[[nodiscard]] std::string FirstFree(std::string_view base, Taken&& taken) {
-  std::string candidate(base);
-  for (int counter = 1; taken(candidate); ++counter) {
-    if (counter > std::numeric_limits<std::int16_t>::max()) throw RuntimeError(kOverflow);
-    candidate = std::string(base) + std::to_string(counter);
-  }
-  return candidate;
-}
-
-// The first free base name in `folder`: a name is taken when a visible file has it, whatever the
-// extension. Creates nothing. Run-time error 6 once 32767 is taken.
-//
-//   UniqueFileName(files, R"(C:\Work)", "tmp")   // "tmp2" when tmp.shp and tmp1.dbf are there
-[[nodiscard]] std::string UniqueFileName(FileSystem& files, std::string_view folder,
-                                         std::string_view prefix);
 
 // Deletes a folder with all its contents; `path` ends in one backslash. True when nothing is left
 // of it. Hidden, system and read-only entries stay, and so does what holds them; links are removed,

@@ -222,7 +222,7 @@ TEST_P(FileSystemContract, FindFilesFindsALeadingDotThatThePatternHasToo) {
   EXPECT_THAT(files_.FindFiles(R"(D:\Data\shops.*)"), IsEmpty());
   EXPECT_EQ(files_.FindFiles(R"(D:\Data\*)").empty(), world_->HidesDots());
   EXPECT_EQ(files_.OpenFolder(R"(D:\Data)")->Entries().empty(), world_->HidesDots());
-  EXPECT_EQ(UniqueFileName(files_, R"(D:\Data)", ".SHOPS"), is_found ? ".SHOPS1" : ".SHOPS");
+  EXPECT_EQ(files_.FreeFileName(R"(D:\Data)", ".SHOPS"), is_found ? ".SHOPS1" : ".SHOPS");
 }
 
 TEST_P(FileSystemContract, FindFilesIsEmptyWhenThereIsNoFolder) {

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/throws_number.h"
+
 namespace kvdm {
 namespace {
 
@@ -203,6 +205,31 @@ TEST(FileNamesTest, ListingsAreSortedWithoutRegardToLetterCase) {
   std::vector<std::string> names = {"b", "a", "C", "B", "\xff", "\u00e4"};
   SortNames(names);
   EXPECT_THAT(names, ElementsAre("a", "B", "b", "C", "\u00e4", "\xff"));
+}
+
+TEST(FileNamesTest, NumbersAreAppendedWithoutABlankAndNotThatOfNothing) {
+  EXPECT_EQ(Numbered("Study Area ", 0), "Study Area ");
+  EXPECT_EQ(Numbered("Study Area ", 12), "Study Area 12");
+}
+
+TEST(FileNamesTest, TheFirstFreeNumberCountsFromNothingToTheLast) {
+  for (const int free : {0, 1, 3, 32767}) {
+    std::vector<int> tried;
+    EXPECT_EQ(FirstFreeNumber([&](int number) {
+                tried.push_back(number);
+                return number != free;
+              }),
+              free);
+    EXPECT_EQ(tried.front(), 0);
+    EXPECT_EQ(static_cast<int>(tried.size()), free + 1);
+  }
+}
+
+TEST(FileNamesTest, TheFirstFreeNumberOverflowsOnceTheLastIsTaken) {
+  int tries = 0;
+  EXPECT_RUNTIME_ERROR(static_cast<void>(FirstFreeNumber([&](int) { return ++tries > 0; })),
+                       kOverflow);
+  EXPECT_EQ(tries, 32768);
 }
 
 TEST(FileNamesTest, PathErrorsNameThePath) {

@@ -26,7 +26,7 @@ using testing::MatchesRegex;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-constexpr std::string_view kKey = "Software\\Velk\\Kelvaro";
+constexpr std::string_view kVelkKey = "Software\\Velk\\Kelvaro";
 
 class SqliteRegistryTest : public testing::Test {
  protected:
@@ -52,11 +52,11 @@ class SqliteRegistryTest : public testing::Test {
   void ExpectRefused(RegistryState state) {
     const std::string before = ReadRaw();
     SqliteRegistry registry = Make();
-    EXPECT_FALSE(registry.WriteText(kMachine, kKey, "Alias", "Shops"));
+    EXPECT_FALSE(registry.WriteText(kMachine, kVelkKey, "Alias", "Shops"));
     EXPECT_EQ(registry.Condition().state, state);
     EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
     EXPECT_EQ(registry.Condition().state, state);
-    EXPECT_FALSE(registry.Update(kMachine, kKey, "Alias", Replacing("Shops")));
+    EXPECT_FALSE(registry.Update(kMachine, kVelkKey, "Alias", Replacing("Shops")));
     EXPECT_EQ(registry.Condition().state, state);
     EXPECT_THAT(log_->Lines(), SizeIs(3));
     EXPECT_TRUE(ReadRaw() == before);
@@ -65,7 +65,7 @@ class SqliteRegistryTest : public testing::Test {
   // The number of the error with which a read ends; 0 when it does not.
   static std::int32_t ReadError(SqliteRegistry& registry) {
     try {
-      static_cast<void>(registry.Read(kMachine, kKey, "Alias"));
+      static_cast<void>(registry.Read(kMachine, kVelkKey, "Alias"));
       return 0;
     } catch (const RuntimeError& error) {
       return error.number();
@@ -80,26 +80,26 @@ class SqliteRegistryTest : public testing::Test {
 TEST_F(SqliteRegistryTest, ReadingCreatesNothing) {
   path_ = folder_.Path("not/there/registry.db");
   SqliteRegistry registry = Make();
-  EXPECT_EQ(registry.Read(kMachine, kKey, "Alias"), std::nullopt);
-  EXPECT_THAT(registry.Kept(kMachine, kKey, "Alias"), IsEmpty());
+  EXPECT_EQ(registry.Read(kMachine, kVelkKey, "Alias"), std::nullopt);
+  EXPECT_THAT(registry.Kept(kMachine, kVelkKey, "Alias"), IsEmpty());
   EXPECT_TRUE(fs::is_empty(folder_.Path()));
   EXPECT_THAT(log_->Lines(), IsEmpty());
 }
 
 TEST_F(SqliteRegistryTest, TheFirstWriteCreatesTheFolder) {
   path_ = folder_.Path("not/there/registry.db");
-  EXPECT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  EXPECT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   EXPECT_TRUE(fs::exists(path_));
 }
 
 TEST_F(SqliteRegistryTest, ValuesOutliveTheObject) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
-  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias")->data, "Shops");
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
+  EXPECT_EQ(Make().Read(kMachine, kVelkKey, "Alias")->data, "Shops");
 }
 
 TEST_F(SqliteRegistryTest, BytesAreThoseOfTheCodePageWithoutAnEnd) {
   SqliteRegistry registry({path_, CodePage::kWindows1252}, log_);
-  ASSERT_TRUE(registry.WriteText(kMachine, kKey, "Alias", "\u20AC\u00FC"));
+  ASSERT_TRUE(registry.WriteText(kMachine, kVelkKey, "Alias", "\u20AC\u00FC"));
   SqliteStatement row = OpenDatabase().Prepare("SELECT data FROM registry_value");
   ASSERT_TRUE(row.Step());
   EXPECT_EQ(row.Bytes(0), "\x80\xFC");
@@ -112,7 +112,7 @@ TEST_F(SqliteRegistryTest, AFileThatWasCutToNothingIsDamaged) {
 
 TEST_F(SqliteRegistryTest, TheFileIsItsUsersAlone) {
   path_ = folder_.Path("new/registry.db");
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   EXPECT_EQ(fs::status(path_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_EQ(fs::status(folder_.Path("new")).permissions(), fs::perms::owner_all);
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path("new")), {}), 1);
@@ -121,7 +121,7 @@ TEST_F(SqliteRegistryTest, TheFileIsItsUsersAlone) {
 TEST_F(SqliteRegistryTest, NamesThatSqliteKeepsInMemoryAreRefused) {
   for (const auto* name : {":memory:", "file:x?mode=memory"}) {
     path_ = name;
-    EXPECT_FALSE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+    EXPECT_FALSE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
     SqliteRegistry registry = Make();
     EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
     EXPECT_EQ(registry.Condition().state, RegistryState::kForbidden);
@@ -138,15 +138,15 @@ TEST_F(SqliteRegistryTest, AnUpdateThatFindsTooMuchSaysSo) {
     }
   };
   SqliteRegistry registry = Make();
-  EXPECT_FALSE(registry.Update(kMachine, kKey, "Alias", TooMuch()));
+  EXPECT_FALSE(registry.Update(kMachine, kVelkKey, "Alias", TooMuch()));
   EXPECT_EQ(registry.Condition().state, RegistryState::kTooLarge);
   EXPECT_THAT(registry.Condition().cause, HasSubstr("64 bytes"));
 }
 
 TEST_F(SqliteRegistryTest, ValuesOfOtherTypesAreRead) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   OpenDatabase().Run("UPDATE registry_value SET type = 4, data = x'05FF'");
-  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias"),
+  EXPECT_EQ(Make().Read(kMachine, kVelkKey, "Alias"),
             (RegistryValue{RegistryType::kNumber, "\x05\xFF"}));
 }
 
@@ -161,7 +161,7 @@ TEST_F(SqliteRegistryTest, ALongFileThatIsNoDatabaseIsLeftAlone) {
 }
 
 TEST_F(SqliteRegistryTest, ADamagedDatabaseIsLeftAlone) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", std::string(50'000, 'x')));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", std::string(50'000, 'x')));
   constexpr std::size_t kHeaderBytes = 100;
   const std::size_t size = ReadRaw().size();
   WriteRaw(ReadRaw().substr(0, kHeaderBytes) + std::string(size - kHeaderBytes, '\xEE'));
@@ -177,7 +177,7 @@ TEST_F(SqliteRegistryTest, AnotherProgramsDatabaseIsLeftAlone) {
 TEST_F(SqliteRegistryTest, AFolderInItsPlaceIsRefused) {
   fs::create_directory(path_);
   SqliteRegistry registry = Make();
-  EXPECT_FALSE(registry.WriteText(kMachine, kKey, "Alias", "Shops"));
+  EXPECT_FALSE(registry.WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
   EXPECT_EQ(registry.Condition().state, RegistryState::kNotADatabase);
 }
@@ -185,27 +185,27 @@ TEST_F(SqliteRegistryTest, AFolderInItsPlaceIsRefused) {
 TEST_F(SqliteRegistryTest, AFileWhereAFolderIsNeededIsRefused) {
   WriteRaw("");
   path_ += "/registry.db";
-  EXPECT_FALSE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  EXPECT_FALSE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   EXPECT_THAT(log_->Lines(), SizeIs(1));
 }
 
 TEST_F(SqliteRegistryTest, ANewerStoreIsLeftAlone) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   OpenDatabase().Run("PRAGMA user_version = 2");
   ExpectRefused(RegistryState::kNewer);
 }
 
 TEST_F(SqliteRegistryTest, ABusyStoreIsRefusedAfterTheTimeOut) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   const SqliteDatabase other = OpenDatabase();
   other.Run("BEGIN EXCLUSIVE");
   SqliteRegistry registry = Make(std::chrono::milliseconds(1));
-  EXPECT_FALSE(registry.WriteText(kMachine, kKey, "Alias", "Outlets"));
+  EXPECT_FALSE(registry.WriteText(kMachine, kVelkKey, "Alias", "Outlets"));
   EXPECT_EQ(ReadError(registry), kDeviceUnavailable);
   EXPECT_EQ(registry.Condition().state, RegistryState::kBusy);
   EXPECT_THAT(log_->Lines(), ElementsAre(HasSubstr("locked"), HasSubstr("locked")));
   other.Run("COMMIT");
-  EXPECT_EQ(registry.Read(kMachine, kKey, "Alias")->data, "Shops");
+  EXPECT_EQ(registry.Read(kMachine, kVelkKey, "Alias")->data, "Shops");
   EXPECT_EQ(registry.Condition().state, RegistryState::kReady);
 }
 
@@ -215,7 +215,7 @@ TEST_F(SqliteRegistryTest, ADamagedFileIsSetAsideAndANewOneIsMade) {
   const auto aside = registry.SetAside();
   ASSERT_TRUE(aside.has_value());
   EXPECT_THAT(*aside, MatchesRegex(".*registry.db.damaged-[0-9-]+T[0-9]+Z"));
-  EXPECT_TRUE(registry.WriteText(kMachine, kKey, "Alias", "Shops"));
+  EXPECT_TRUE(registry.WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   path_ = *aside;
   EXPECT_EQ(ReadRaw(), "my notes");
 }
@@ -224,7 +224,7 @@ TEST_F(SqliteRegistryTest, ADamagedFileIsSetAsideAndANewOneIsMade) {
 // SQLite would play it back into the next one.
 TEST_F(SqliteRegistryTest, AJournalThatWasLeftBehindIsSetAsideForANewFile) {
   std::ofstream(path_ + "-journal") << "left behind";
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder_.Path())) {
     names.push_back(entry.path().filename());
@@ -235,7 +235,7 @@ TEST_F(SqliteRegistryTest, AJournalThatWasLeftBehindIsSetAsideForANewFile) {
 
 TEST_F(SqliteRegistryTest, AFileThatIsNotDamagedIsNotSetAside) {
   EXPECT_EQ(Make().SetAside(), std::nullopt);
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   EXPECT_EQ(Make().SetAside(), std::nullopt);
   OpenDatabase().Run("PRAGMA user_version = 2");
   EXPECT_EQ(Make().SetAside(), std::nullopt);
@@ -243,9 +243,9 @@ TEST_F(SqliteRegistryTest, AFileThatIsNotDamagedIsNotSetAside) {
 }
 
 TEST_F(SqliteRegistryTest, BytesThatAreNoTextAreKeptAsTheyAre) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   OpenDatabase().Run("UPDATE registry_value SET data = x'3CFF'");
-  ASSERT_TRUE(Make().Update(kMachine, kKey, "Alias", Replacing("Outlets")));
+  ASSERT_TRUE(Make().Update(kMachine, kVelkKey, "Alias", Replacing("Outlets")));
   SqliteStatement row = OpenDatabase().Prepare("SELECT data FROM registry_history");
   ASSERT_TRUE(row.Step());
   EXPECT_EQ(row.Bytes(0), "<\xFF");
@@ -255,25 +255,25 @@ TEST_F(SqliteRegistryTest, WhatIsKeptIsBounded) {
   SqliteRegistry registry = Make();
   Replacing update("new");
   for (std::size_t i = 0; i < kMostKeptValues + 5; ++i) update.kept.push_back(std::to_string(i));
-  ASSERT_TRUE(registry.Update(kMachine, kKey, "Alias", update));
-  const auto kept = registry.Kept(kMachine, kKey, "Alias");
+  ASSERT_TRUE(registry.Update(kMachine, kVelkKey, "Alias", update));
+  const auto kept = registry.Kept(kMachine, kVelkKey, "Alias");
   ASSERT_THAT(kept, SizeIs(kMostKeptValues));
   EXPECT_EQ(kept.front().value.data, "5");
 }
 
 TEST_F(SqliteRegistryTest, NothingIsWrittenWhenNothingCanBeKept) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   OpenDatabase().Run("DROP TABLE registry_history");
-  EXPECT_FALSE(Make().Update(kMachine, kKey, "Alias", Replacing("Outlets")));
-  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias")->data, "Shops");
+  EXPECT_FALSE(Make().Update(kMachine, kVelkKey, "Alias", Replacing("Outlets")));
+  EXPECT_EQ(Make().Read(kMachine, kVelkKey, "Alias")->data, "Shops");
 }
 
 TEST_F(SqliteRegistryTest, KeptValuesHaveTheirTime) {
   SqliteRegistry registry = Make();
   for (const auto* text : {"one", "two", "three"}) {
-    ASSERT_TRUE(registry.Update(kMachine, kKey, "Alias", Replacing(text)));
+    ASSERT_TRUE(registry.Update(kMachine, kVelkKey, "Alias", Replacing(text)));
   }
-  const auto kept = registry.Kept(kMachine, kKey, "ALIAS");
+  const auto kept = registry.Kept(kMachine, kVelkKey, "ALIAS");
   ASSERT_THAT(kept, SizeIs(2));
   EXPECT_EQ(kept[0].value.data, "one");
   EXPECT_EQ(kept[1].value.data, "two");
@@ -302,7 +302,7 @@ TEST_F(SqliteRegistryTest, SeveralProcessesLoseNoWrite) {
       bool all = true;
       for (int i = 0; i < kWrites; ++i) {
         const std::string name = std::to_string(process) + "-" + std::to_string(i);
-        all = Make().WriteText(kMachine, kKey, name, name) && all;
+        all = Make().WriteText(kMachine, kVelkKey, name, name) && all;
       }
       return all;
     }));
@@ -311,7 +311,7 @@ TEST_F(SqliteRegistryTest, SeveralProcessesLoseNoWrite) {
   for (int process = 0; process < kProcesses; ++process) {
     for (int i = 0; i < kWrites; ++i) {
       const std::string name = std::to_string(process) + "-" + std::to_string(i);
-      EXPECT_EQ(Make().Read(kMachine, kKey, name).value_or(RegistryValue{}).data, name);
+      EXPECT_EQ(Make().Read(kMachine, kVelkKey, name).value_or(RegistryValue{}).data, name);
     }
   }
 }
@@ -319,16 +319,16 @@ TEST_F(SqliteRegistryTest, SeveralProcessesLoseNoWrite) {
 TEST_F(SqliteRegistryTest, AnotherProcessSeesOldOrNewValuesNeverHalves) {
   const std::string old_text(200'000, 'a');
   const std::string new_text(200'000, 'b');
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", old_text));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", old_text));
   const pid_t child = Fork([&] {
     bool all = true;
     for (int i = 0; i < 10; ++i) {
-      all = Make().WriteText(kMachine, kKey, "Alias", i % 2 == 0 ? new_text : old_text) && all;
+      all = Make().WriteText(kMachine, kVelkKey, "Alias", i % 2 == 0 ? new_text : old_text) && all;
     }
     return all;
   });
   for (int i = 0; i < 50; ++i) {
-    const auto value = Make().Read(kMachine, kKey, "Alias");
+    const auto value = Make().Read(kMachine, kVelkKey, "Alias");
     ASSERT_TRUE(value.has_value());
     EXPECT_TRUE(value->data == old_text || value->data == new_text);
   }
@@ -336,7 +336,7 @@ TEST_F(SqliteRegistryTest, AnotherProcessSeesOldOrNewValuesNeverHalves) {
 }
 
 TEST_F(SqliteRegistryTest, AWriterThatDiesLeavesTheOldValue) {
-  ASSERT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Shops"));
+  ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   const pid_t child = Fork([&] {
     const SqliteDatabase database = OpenDatabase();
     database.Run("PRAGMA cache_size = 1");
@@ -346,8 +346,8 @@ TEST_F(SqliteRegistryTest, AWriterThatDiesLeavesTheOldValue) {
     return true;
   });
   ASSERT_TRUE(Succeeded(child));
-  EXPECT_EQ(Make().Read(kMachine, kKey, "Alias")->data, "Shops");
-  EXPECT_TRUE(Make().WriteText(kMachine, kKey, "Alias", "Outlets"));
+  EXPECT_EQ(Make().Read(kMachine, kVelkKey, "Alias")->data, "Shops");
+  EXPECT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Outlets"));
 }
 
 // Sets an environment variable for one test.

@@ -16,8 +16,6 @@ struct Pair {
   std::string expected;
 };
 
-constexpr int kLastCounter = 32767;
-
 TEST(WrapNameTest, PutsAnUnderscoreAtEachEnd) {
   const Pair kNames[] = {{"North", "_North_"}, {"", "__"},         {"_x_", "__x__"},
                          {" a ", "_ a _"},     {"北区", "_北区_"}, {"a\"b", "_a\"b_"}};
@@ -80,39 +78,6 @@ TEST(CollapseBackslashesTest, HalvesRunsInOnePassFromTheLeft) {
                          {R"(\\server\share\)", R"(\server\share\)"},
                          {"D:/Data//", "D:/Data//"}};
   for (const auto& [given, expected] : kPaths) EXPECT_EQ(CollapseBackslashes(given), expected);
-}
-
-TEST(FirstFreeTest, TriesTheBaseThenCountsFromOneWithoutABlank) {
-  std::vector<std::string> tried;
-  const auto found = FirstFree("tmp", [&](const std::string& candidate) {
-    tried.push_back(candidate);
-    return tried.size() < 4;
-  });
-  EXPECT_EQ(found, "tmp3");
-  EXPECT_THAT(tried, testing::ElementsAre("tmp", "tmp1", "tmp2", "tmp3"));
-}
-
-TEST(FirstFreeTest, KeepsTheTrailingBlankOfTheBase) {
-  EXPECT_EQ(FirstFree(sDefaultDirNames::kStudyAreaPrefix,
-                      [](const std::string& candidate) { return candidate != "Study Area 1"; }),
-            "Study Area 1");
-}
-
-TEST(FirstFreeTest, StillTriesTheLastCounter) {
-  EXPECT_EQ(FirstFree("a", [](const std::string& candidate) { return candidate != "a32767"; }),
-            "a32767");
-}
-
-TEST(FirstFreeTest, OverflowsOnceTheLastCounterIsTaken) {
-  int tries = 0;
-  const auto always_taken = [&](const std::string&) { return ++tries > 0; };
-  EXPECT_RUNTIME_ERROR(static_cast<void>(FirstFree("a", always_taken)), kOverflow);
-  EXPECT_EQ(tries, 1 + kLastCounter);
-}
-
-TEST(FirstFreeTest, PassesErrorsOn) {
-  const auto fails = [](const std::string&) -> bool { throw RuntimeError(kDeviceUnavailable); };
-  EXPECT_RUNTIME_ERROR(static_cast<void>(FirstFree("a", fails)), kDeviceUnavailable);
 }
 
 TEST(DefaultDirNamesTest, AreTheFixedFolderNames) {

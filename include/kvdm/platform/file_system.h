@@ -33,7 +33,7 @@ class KVDM_EXPORT Directory {
   virtual void DeleteFiles() = 0;
 
   /// Goes into a folder inside. Run-time error 76 when it is missing, 75 when it is no folder,
-  /// begins another file system, or has taken the place of what Entries listed under this name.
+  /// begins another file system, or has taken the place of what was listed under this name.
   virtual void Enter(std::string_view name) = 0;
 
   /// Goes back to the folder from which it went into this one. Run-time error 76 when this one has
@@ -43,6 +43,10 @@ class KVDM_EXPORT Directory {
   /// Removes an empty folder inside. Run-time error 76 when it is missing, 75 when it is not empty,
   /// no folder, or has taken the place of what was listed or entered under this name.
   virtual void RemoveFolder(std::string_view name) = 0;
+
+  /// Deletes the files, if Files finds any, as DeleteFiles does, and returns what Entries finds
+  /// then. An implementation that can do that in one go overrides it.
+  virtual std::vector<std::string> ClearFiles();
 };
 
 /// Paths are UTF-8. `\` and `/` both separate; doubled separators count once; "." and ".." are
@@ -94,6 +98,15 @@ class KVDM_EXPORT FileSystem {
   /// Replaces the file as a whole: after a failure the old content stands. Run-time error 76 when
   /// the folder is missing, 70 or 75 when the system refuses.
   virtual void WriteFile(std::string_view path, std::string_view bytes) = 0;
+
+  /// The first of `name`, then `name` followed by 1, 2, 3 ... for which FolderExists denies the
+  /// path that begins with `parent`, which ends in a separator. Creates nothing. Run-time error 6
+  /// once 32767 is taken. An implementation that can try the names on one listing overrides it,
+  /// with the same answer.
+  virtual std::string FreeFolderName(std::string_view parent, std::string_view name);
+
+  /// The same for a file in `folder`, whatever its extension: FindFiles finds no "name.*".
+  virtual std::string FreeFileName(std::string_view folder, std::string_view name);
 };
 
 }  // namespace kvdm

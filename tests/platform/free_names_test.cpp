@@ -1,11 +1,10 @@
-// UniqueFileName on the file system in memory.
+// Free names as every file system finds them, on the one in memory.
 #include <gtest/gtest.h>
 
 #include "platform/file_names.h"
 #include "platform/memory/failing_services.h"
 #include "platform/memory/memory_file_system.h"
 #include "tests/throws_number.h"
-#include "util/kvdm_utils.h"
 
 namespace kvdm {
 namespace {
@@ -16,10 +15,10 @@ std::string NameAmong(const std::vector<std::string>& paths, std::string_view pr
   MemoryFileSystem files;
   files.AddFolder(kFolder);
   for (const auto& path : paths) files.AddFile(std::string(kFolder) + "\\" + path);
-  return UniqueFileName(files, kFolder, prefix);
+  return files.FreeFileName(kFolder, prefix);
 }
 
-TEST(UniqueFileNameTest, IsTheFirstNameWithoutAFileWhateverTheExtension) {
+TEST(FreeNamesTest, IsTheFirstNameWithoutAFileWhateverTheExtension) {
   const struct {
     std::vector<std::string> files;
     std::string prefix;
@@ -49,25 +48,25 @@ TEST(UniqueFileNameTest, IsTheFirstNameWithoutAFileWhateverTheExtension) {
   }
 }
 
-TEST(UniqueFileNameTest, IsThePrefixWhereTheFolderIsMissing) {
+TEST(FreeNamesTest, IsThePrefixWhereTheFolderIsMissing) {
   MemoryFileSystem files;
-  EXPECT_EQ(UniqueFileName(files, R"(D:\Nowhere)", "tmp"), "tmp");
+  EXPECT_EQ(files.FreeFileName(R"(D:\Nowhere)", "tmp"), "tmp");
 }
 
-TEST(UniqueFileNameTest, AcceptsAFolderWithATrailingBackslash) {
+TEST(FreeNamesTest, AcceptsAFolderWithATrailingBackslash) {
   MemoryFileSystem files;
   files.AddFile(R"(D:\Work\tmp.shp)");
-  EXPECT_EQ(UniqueFileName(files, R"(D:\Work\)", "tmp"), "tmp1");
+  EXPECT_EQ(files.FreeFileName(R"(D:\Work\)", "tmp"), "tmp1");
 }
 
-TEST(UniqueFileNameTest, IsNotBlockedByFolders) {
+TEST(FreeNamesTest, IsNotBlockedByFolders) {
   MemoryFileSystem files;
   files.AddFolder(R"(D:\Work\tmp)");
   files.AddFolder(R"(D:\Work\tmp.dir)");
-  EXPECT_EQ(UniqueFileName(files, kFolder, "tmp"), "tmp");
+  EXPECT_EQ(files.FreeFileName(kFolder, "tmp"), "tmp");
 }
 
-TEST(UniqueFileNameTest, IsBlockedByReadOnlyFilesButNotByHiddenAndSystemOnes) {
+TEST(FreeNamesTest, IsBlockedByReadOnlyFilesButNotByHiddenAndSystemOnes) {
   MemoryFileSystem files;
   files.AddFile(R"(D:\Work\tmp.x)");
   const std::pair<unsigned, std::string> kRows[] = {{kReadOnlyAttribute, "tmp1"},
@@ -76,20 +75,20 @@ TEST(UniqueFileNameTest, IsBlockedByReadOnlyFilesButNotByHiddenAndSystemOnes) {
                                                     {kHiddenAttribute | kReadOnlyAttribute, "tmp"}};
   for (const auto& [attributes, expected] : kRows) {
     files.SetAttributes(R"(D:\Work\tmp.x)", attributes);
-    EXPECT_EQ(UniqueFileName(files, kFolder, "tmp"), expected) << attributes;
+    EXPECT_EQ(files.FreeFileName(kFolder, "tmp"), expected) << attributes;
   }
 }
 
-TEST(UniqueFileNameTest, CreatesNothing) {
+TEST(FreeNamesTest, CreatesNothing) {
   MemoryFileSystem files;
-  EXPECT_EQ(UniqueFileName(files, kFolder, "tmp"), "tmp");
+  EXPECT_EQ(files.FreeFileName(kFolder, "tmp"), "tmp");
   EXPECT_TRUE(files.Tree("D:\\").empty());
 }
 
-TEST(UniqueFileNameTest, PassesASearchFailureOn) {
+TEST(FreeNamesTest, PassesASearchFailureOn) {
   const auto counter = std::make_shared<FailureCounter>(0, 1);
   FailingFileSystem files(std::make_shared<MemoryFileSystem>(), counter);
-  EXPECT_RUNTIME_ERROR(static_cast<void>(UniqueFileName(files, kFolder, "tmp")), kPermissionDenied);
+  EXPECT_RUNTIME_ERROR(static_cast<void>(files.FreeFileName(kFolder, "tmp")), kPermissionDenied);
 }
 
 // A folder in which every name is taken.
@@ -101,9 +100,9 @@ class FullFolder : public FailingFileSystem {
   std::vector<std::string> FindFiles(std::string_view) override { return {"taken"}; }
 };
 
-TEST(UniqueFileNameTest, OverflowsWhenAllCountersAreTaken) {
+TEST(FreeNamesTest, OverflowsWhenAllCountersAreTaken) {
   FullFolder files;
-  EXPECT_RUNTIME_ERROR(static_cast<void>(UniqueFileName(files, kFolder, "tmp")), kOverflow);
+  EXPECT_RUNTIME_ERROR(static_cast<void>(files.FreeFileName(kFolder, "tmp")), kOverflow);
 }
 
 }  // namespace
