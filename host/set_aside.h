@@ -60,6 +60,12 @@ class SettingAsideFiles : public FileSystem {
   void WriteFile(std::string_view path, std::string_view bytes) override {
     files_->WriteFile(path, bytes);
   }
+  std::string FreeFolderName(std::string_view parent, std::string_view name) override {
+    return files_->FreeFolderName(parent, name);
+  }
+  std::string FreeFileName(std::string_view folder, std::string_view name) override {
+    return files_->FreeFileName(folder, name);
+  }
 
  private:
   void SetAside();
