@@ -3,13 +3,15 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
 #include <sys/xattr.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
-#include <memory>
 
 #include "platform/system_error.h"
 
@@ -60,24 +62,6 @@ unsigned ParseRecord(std::string_view record) {
   return known && valid ? NumberAt(record, kAttributes, 4) : 0;
 }
 
-struct FolderCloser {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using FolderStream = std::unique_ptr<DIR, FolderCloser>;
-
-FolderStream OpenStream(FileDescriptor folder) {
-  FolderStream stream(::fdopendir(folder.get()));
-  if (!stream) ThrowLastError();
-  folder.Release();
-  return stream;
-}
-
-bool IsEntryName(std::string_view name) {
-  constexpr std::string_view kNeverInNames("/\0", 2);
-  return !name.empty() && name != "." && name != ".." &&
-         name.find_first_of(kNeverInNames) == std::string_view::npos;
-}
-
 std::optional<struct stat> Stat(int folder, const std::string& name) {
   struct stat status {};
   if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return status;
@@ -85,40 +69,36 @@ std::optional<struct stat> Stat(int folder, const std::string& name) {
   ThrowLastError();
 }
 
+// The attributes in one call, which newer systems have; nothing where that does not tell.
+std::optional<unsigned> AttributesByName(int folder, const std::string& name) {
+  constexpr long kCall = 464;  // getxattrat, the same number for all processors
+  struct Arguments {
+    alignas(8) std::uint64_t value;
+    std::uint32_t size;
+    std::uint32_t flags;
+  };
+  static std::atomic<bool> is_missing = false;
+  if (is_missing) return std::nullopt;
+  std::array<char, 256> buffer{};
+  Arguments arguments{reinterpret_cast<std::uintptr_t>(buffer.data()), buffer.size(), 0};
+  const long size = ::syscall(kCall, folder, name.c_str(), AT_SYMLINK_NOFOLLOW, kAttributeName,
+                              &arguments, sizeof arguments);
+  if (size >= 0) return ParseDosAttributes({buffer.data(), static_cast<std::size_t>(size)});
+  if (errno == ENODATA || errno == ENOTSUP) return 0;
+  is_missing = errno == ENOSYS;
+  return std::nullopt;
+}
+
 // Attributes that the system does not let us read, or of an entry that has just changed its kind,
 // count as none. When they can't be read for want of resources, a hidden file must not pass for an
 // ordinary one.
 unsigned StoredAttributes(int folder, const std::string& name) {
+  if (const auto attributes = AttributesByName(folder, name)) return *attributes;
   const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
   const FileDescriptor file(::openat(folder, name.c_str(), flags));
   if (file.get() >= 0) return ReadDosAttributes(file.get());
   if (errno == ENOENT || errno == EACCES || errno == ELOOP) return 0;
   ThrowLastError();
-}
-
-// A place where a file system begins in the tree, and its device: one folder may be in the tree at
-// several places. Older systems tell the device alone.
-struct Mount {
-  std::uint64_t place = 0;
-  dev_t device = 0;
-
-  bool operator==(const Mount&) const = default;
-};
-
-Mount MountOf(int folder) {
-  struct statx status {};
-  const bool told = ::statx(folder, "", AT_EMPTY_PATH, STATX_MNT_ID, &status) == 0 &&
-                    (status.stx_mask & STATX_MNT_ID) != 0;
-  return {told ? status.stx_mnt_id : 0, IdentityOf(folder).device};
-}
-
-std::vector<std::string> NamesForSearch(int folder) {
-  try {
-    return EntryNames(folder);
-  } catch (const std::system_error& error) {
-    if (error.code().value() == EACCES) return {};
-    throw;
-  }
 }
 
 }  // namespace
@@ -161,28 +141,61 @@ FileDescriptor OpenAt(int folder, const std::string& name, int flags) {
   return FileDescriptor(file);
 }
 
-std::vector<std::string> EntryNames(int folder) {
-  const int own = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (own < 0 && errno == ENOENT) return {};
-  if (own < 0) ThrowLastError();
-  const FolderStream stream = OpenStream(FileDescriptor(own));
-  std::vector<std::string> names;
+bool IsEntryName(std::string_view name) {
+  constexpr std::string_view kNeverInNames("/\0", 2);
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(kNeverInNames) == std::string_view::npos;
+}
+
+void ListOpenFolder(int folder, const EntryVisitor& visit) {
+  alignas(dirent64) std::array<char, 65536> buffer;
   while (true) {
-    errno = 0;
-    const dirent* entry = ::readdir(stream.get());
-    if (entry == nullptr && errno != 0) ThrowLastError();
-    if (entry == nullptr) break;
-    if (IsEntryName(entry->d_name)) names.emplace_back(entry->d_name);
+    const ssize_t size = ::getdents64(folder, buffer.data(), buffer.size());
+    if (size == 0 || (size < 0 && errno == ENOENT)) return;
+    if (size < 0) ThrowLastError();
+    for (ssize_t at = 0; at < size;) {
+      const auto* entry = reinterpret_cast<const dirent64*>(buffer.data() + at);
+      if (IsEntryName(entry->d_name)) visit(entry->d_name, entry->d_type);
+      at += entry->d_reclen;
+    }
   }
+}
+
+void ListEntries(int folder, const EntryVisitor& visit) {
+  const FileDescriptor own(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (own.get() < 0 && errno == ENOENT) return;
+  if (own.get() < 0) ThrowLastError();
+  ListOpenFolder(own.get(), visit);
+}
+
+std::vector<std::string> EntryNames(int folder) {
+  std::vector<std::string> names;
+  ListEntries(folder, [&](const char* name, unsigned char) { names.emplace_back(name); });
   SortNames(names);
   return names;
 }
 
+bool HasEntry(int folder, const std::string& name) { return Stat(folder, name).has_value(); }
+
 std::optional<std::string> FindEntry(int folder, std::string_view name, NameFinder find) {
   if (!IsEntryName(name)) return std::nullopt;
-  std::string exact(name);
-  if (Stat(folder, exact)) return exact;
-  return find(NamesForSearch(folder), name);
+  if (HasEntry(folder, std::string(name))) return std::string(name);
+  return FindListed(name, find, [&](const EntryVisitor& visit) { ListEntries(folder, visit); });
+}
+
+std::optional<std::string> FindListed(std::string_view name, NameFinder find,
+                                      const std::function<void(const EntryVisitor&)>& list) {
+  std::vector<std::string> alike;
+  try {
+    list([&](const char* entry, unsigned char) {
+      if (MayMean(name, entry)) alike.emplace_back(entry);
+    });
+  } catch (const std::system_error& error) {
+    if (error.code().value() != EACCES) throw;
+    alike.clear();
+  }
+  SortNames(alike);
+  return find(alike, name);
 }
 
 FileIdentity IdentityOf(int file) {
@@ -191,10 +204,22 @@ FileIdentity IdentityOf(int file) {
   return {status.st_dev, status.st_ino};
 }
 
+std::optional<FileIdentity> IdentityIn(int folder, const std::string& name) {
+  const auto found = Stat(folder, name);
+  return found ? std::optional(FileIdentity{found->st_dev, found->st_ino}) : std::nullopt;
+}
+
+FolderIdentity FolderIdentityOf(int folder) {
+  struct statx status {};
+  constexpr unsigned kWanted = STATX_INO | STATX_MNT_ID;
+  const bool told = ::statx(folder, "", AT_EMPTY_PATH, kWanted, &status) == 0 &&
+                    (status.stx_mask & kWanted) == kWanted;
+  if (!told) return {IdentityOf(folder)};
+  return {{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino}, status.stx_mnt_id};
+}
+
 FileDescriptor OpenFolderIn(int folder, const std::string& name) {
-  FileDescriptor inside = OpenAt(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-  if (MountOf(inside.get()) != MountOf(folder)) ThrowSystemError(EBUSY);
-  return inside;
+  return OpenAt(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
 }
 
 std::optional<FileStatus> StatusOf(int folder, const std::string& name) {

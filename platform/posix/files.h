@@ -5,6 +5,8 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,14 +41,32 @@ class FileDescriptor {
 // Opens `name` in `folder`; `flags` as for open(2), close-on-exec added.
 [[nodiscard]] FileDescriptor OpenAt(int folder, const std::string& name, int flags);
 
-// The names of all entries but "." and "..", in the order of a listing. Empty for a folder that was
-// removed meanwhile.
+// Calls `visit` with name and type (a DT_ value) of each entry but "." and "..", in no order.
+// Nothing is there in a folder that was removed meanwhile.
+using EntryVisitor = std::function<void(const char* name, unsigned char type)>;
+void ListEntries(int folder, const EntryVisitor& visit);
+
+// The same for a folder that is open for listing, by that handle; the first time at its start.
+void ListOpenFolder(int folder, const EntryVisitor& visit);
+
+// The names of all entries but "." and "..", in the order of a listing.
 [[nodiscard]] std::vector<std::string> EntryNames(int folder);
+
+// Whether a name can be that of an entry.
+[[nodiscard]] bool IsEntryName(std::string_view name);
+
+// Whether an entry of the very name is there.
+[[nodiscard]] bool HasEntry(int folder, const std::string& name);
 
 // The name of the entry that `name` means, by `find`; nothing when there is none. In a folder that
 // may not be listed only the very name is found.
 [[nodiscard]] std::optional<std::string> FindEntry(int folder, std::string_view name,
                                                    NameFinder find);
+
+// The one of the entries that `list` visits that `name` means, by `find`; nothing where it throws
+// EACCES.
+[[nodiscard]] std::optional<std::string> FindListed(
+    std::string_view name, NameFinder find, const std::function<void(const EntryVisitor&)>& list);
 
 // Device and inode of a file or folder.
 struct FileIdentity {
@@ -57,8 +77,23 @@ struct FileIdentity {
 };
 [[nodiscard]] FileIdentity IdentityOf(int file);
 
+// The identity of an entry itself, a link too. Nothing when it is missing.
+[[nodiscard]] std::optional<FileIdentity> IdentityIn(int folder, const std::string& name);
+
+// A folder, and the file system through which it was reached: one folder may be in the tree at
+// several places.
+struct FolderIdentity {
+  FileIdentity folder;
+  std::uint64_t mount = 0;  // Older systems tell the device alone.
+
+  [[nodiscard]] bool IsOnOneFileSystemWith(const FolderIdentity& other) const {
+    return folder.device == other.folder.device && mount == other.mount;
+  }
+};
+[[nodiscard]] FolderIdentity FolderIdentityOf(int folder);
+
 // Opens the folder `name` itself, for listing. Throws ENOTDIR or ELOOP for whatever is no folder, a
-// link to one too, and EBUSY for one that begins another file system.
+// link to one too.
 [[nodiscard]] FileDescriptor OpenFolderIn(int folder, const std::string& name);
 
 // The status of a file or folder. Everything that is no folder counts as a file.

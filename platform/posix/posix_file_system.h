@@ -11,6 +11,7 @@
 
 #include "platform/file_names.h"
 #include "platform/posix/files.h"
+#include "platform/posix/folder_names.h"
 
 namespace kvdm {
 
@@ -57,10 +58,14 @@ class PosixPaths {
   // Throws `root_error` (an errno value) for the root of a drive.
   [[nodiscard]] PosixPlace PlaceOf(std::string_view path, int root_error) const;
 
+  // What this process makes in folders, and what is known of them.
+  [[nodiscard]] FolderNames& Names() const { return names_; }
+
  private:
   [[nodiscard]] FileDescriptor OpenRoot(char drive) const;
 
   std::map<char, std::string> drives_;
+  mutable FolderNames names_;
 };
 
 // $XDG_DATA_HOME when it is an absolute path, else .local/share in the home folder.

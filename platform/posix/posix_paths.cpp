@@ -36,6 +36,12 @@ bool IsFolder(int parent, const std::string& name) {
   ThrowLastError();
 }
 
+// The folder of the very name, if it is there.
+FileDescriptor FolderOfName(int parent, const std::string& name) {
+  constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+  return FileDescriptor(IsEntryName(name) ? ::openat(parent, name.c_str(), kFlags) : -1);
+}
+
 std::string HomeFolder() {
   const char* home = std::getenv("HOME");
   if (home != nullptr && *home != '\0') return home;
@@ -65,7 +71,11 @@ DrivePath PosixPaths::Resolve(std::string_view path) {
 FileDescriptor PosixPaths::Open(DrivePath& path, int no_folder, NameFinder find) const {
   FileDescriptor folder = OpenRoot(path.drive);
   for (std::string& name : path.names) {
-    auto entry = FindEntry(folder.get(), name, find);
+    if (FileDescriptor inside = FolderOfName(folder.get(), name); inside.get() >= 0) {
+      folder = std::move(inside);
+      continue;
+    }
+    auto entry = names_.Find(folder.get(), name, find);
     if (!entry) ThrowSystemError(ENOENT);
     name = *std::move(entry);
     const bool last = &name == &path.names.back();
@@ -84,7 +94,7 @@ PosixPlace PosixPaths::PlaceOf(std::string_view path, int root_error) const {
   const std::string name = std::move(resolved.names.back());
   resolved.names.pop_back();
   FileDescriptor folder = Open(resolved, ENOENT);
-  auto entry = FindEntry(folder.get(), name, FindName);
+  auto entry = names_.Find(folder.get(), name, FindName);
   return {std::move(folder), name, std::move(entry)};
 }
 

@@ -50,6 +50,7 @@ constexpr SystemCall kSystemCalls[] = {
     {SYS_getxattr, "getxattr", kLooking, false},
     {SYS_lgetxattr, "lgetxattr", kLooking, false},
     {SYS_fgetxattr, "fgetxattr", kLooking, false},
+    {464, "getxattrat", kLooking, false},  // of newer systems than the headers
     {SYS_getrandom, "getrandom", kLooking, false},
     {SYS_fsync, "fsync", kChanging, true},
     {SYS_fdatasync, "fdatasync", kChanging, true},
