@@ -36,9 +36,14 @@ void RequireChangeable(const std::filesystem::path& file) {
 
 }  // namespace
 
+Access ProjectCommand::Wanted() const {
+  if (!Changes()) return Access::kRead;
+  return ChangesRegistry() ? Access::kChangeRegistry : Access::kChange;
+}
+
 std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file, Output& out) {
   if (!Asks()) return std::nullopt;
-  Session session(file, out);
+  Session session(file, Access::kRead, out);
   session.Component().RequireWorkingDirectory();
   Question question = ToAsk(session);
   RequireConsent(question.consequence);
@@ -50,8 +55,8 @@ void ProjectCommand::Execute(const Invocation& invocation) {
   if (Changes()) RequireChangeable(file);
   const auto agreed = Agreed(file, invocation.out);
   std::optional<ChangeLock> lock;
-  if (Changes()) lock.emplace(file);
-  Session session(file, invocation.out);
+  if (Changes()) lock.emplace(file, Wanted());
+  Session session(file, Wanted(), invocation.out);
   if (Changes()) {
     session.Component().RequireWorkingDirectory();
     SettleWaitingFolders(session);
@@ -65,6 +70,9 @@ void ProjectCommand::Execute(const Invocation& invocation) {
     Run(session, invocation.out);
     if (Changes() && !session.IsSaved()) session.Save();
   });
+  if (session.Component().WorkingDirectoryWasThere() == false) {
+    Output::Tell("kvdm: " + session.Component().WorkingDirectoryProblem());
+  }
 }
 
 DeletingCommand::DeletingCommand(Arguments arguments) {

@@ -55,8 +55,11 @@ class ProjectCommand : public Command {
   // question is still the same under the lock.
   [[nodiscard]] virtual bool Asks() const { return false; }
   [[nodiscard]] virtual Question ToAsk(Session&) { return {}; }
+  // Whether its changes are, or may be, to what all projects share: study areas and words.
+  [[nodiscard]] virtual bool ChangesRegistry() const { return false; }
   virtual void Run(Session& session, Output& out) = 0;
 
+  [[nodiscard]] Access Wanted() const;
   // The question that was agreed to; nothing when none is asked.
   [[nodiscard]] std::optional<Question> Agreed(const std::filesystem::path& file, Output& out);
 };

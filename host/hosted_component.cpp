@@ -105,16 +105,20 @@ std::string DocumentProblem(XmlParser& parser, std::string_view what, std::strin
   return fmt::format("{} {}.", what, Problem(parser, text));
 }
 
-HostedComponent::HostedComponent(const Project& project, Output& out)
-    : services_(MakeServices(project.drives, out)),
-      files_(std::make_shared<SettingAsideFiles>(services_.platform.files, project.drives)),
+HostedComponent::HostedComponent(const Project& project, Access access, Output& out)
+    : services_(MakeServices(project.drives, access, out)),
+      guarded_files_(std::make_shared<ReadOnlyFiles>(services_.platform.files)),
+      files_(std::make_shared<SettingAsideFiles>(guarded_files_, project.drives)),
       state_(std::make_shared<PropertySetMap>(project.state)),
       settings_(std::make_shared<PropertySetMap>(project.settings)),
       host_(std::make_shared<PropertiesHost>(state_, settings_)),
       manager_(std::make_shared<KVDataManager>(OnFiles(services_.platform, files_))) {
+  services_.platform.files = guarded_files_;
   working_directory_was_there_ =
       HasFolder(project.drives, ToText(settings_->GetProperty(kWorkingDirectorySetting)));
+  if (access == Access::kMake) guarded_files_->AllowChanges();
   manager_->DMInitialize(host_);
+  if (access != Access::kRead) guarded_files_->AllowChanges();
   // Only now: a working directory that was missing starts with fresh metadata.
   if (!project.values.empty()) Load(project, out);
 }
@@ -138,13 +142,19 @@ IKVDataManager& HostedComponent::Manager() { return *manager_; }
 
 AreaRegistry& HostedComponent::RegisteredItems() { return manager_->Areas(); }
 
-void HostedComponent::RequireWorkingDirectory() {
+std::string HostedComponent::WorkingDirectoryProblem() {
   const std::string folder = Manager().WorkingDirectory();
-  if (!folder.empty() && services_.platform.files->FolderExists(folder)) return;
-  throw Failure(ExitCode::kRefused,
-                fmt::format("The working directory {} can't be used: is there a file in its place, "
-                            "or is its disk missing?",
-                            ToText(settings_->GetProperty(kWorkingDirectorySetting))));
+  const bool was_there = working_directory_was_there_.value_or(false);
+  if (was_there && !folder.empty() && services_.platform.files->FolderExists(folder)) return "";
+  return fmt::format(
+      "The working directory {} can't be used: was it moved or deleted, is there a file in its "
+      "place, or is its disk missing?",
+      ToText(settings_->GetProperty(kWorkingDirectorySetting)));
+}
+
+void HostedComponent::RequireWorkingDirectory() {
+  const std::string problem = WorkingDirectoryProblem();
+  if (!problem.empty()) throw Failure(ExitCode::kRefused, problem);
 }
 
 void HostedComponent::RequireRegistry() const {

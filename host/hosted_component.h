@@ -14,6 +14,7 @@
 #include "host/project.h"
 #include "host/services.h"
 #include "host/set_aside.h"
+#include "safety/read_only_files.h"
 
 namespace kvdm {
 
@@ -28,8 +29,9 @@ class KVDataManager;
 class HostedComponent {
  public:
   // Starts the component with the project's settings and state, and loads the project's values into
-  // it. Failure kUnreadable for values that it can't load.
-  HostedComponent(const Project& project, Output& out);
+  // it. Only with kMake does the start make a working directory that is missing; what is in the
+  // temporary folder stays. Failure kUnreadable for values that it can't load.
+  HostedComponent(const Project& project, Access access, Output& out);
 
   [[nodiscard]] IKVDataManager& Manager();
   // The data manager's own registry of study areas and layers, of which its interface shows
@@ -38,12 +40,14 @@ class HostedComponent {
   [[nodiscard]] const Services& GetServices() const { return services_; }
   [[nodiscard]] SettingAsideFiles& Files() { return *files_; }
 
-  // Whether the working directory of the settings was there before the start, which makes it;
-  // nothing when that could not be told.
+  // Whether the working directory of the settings was there before the start; nothing when that
+  // could not be told.
   [[nodiscard]] const std::optional<bool>& WorkingDirectoryWasThere() const {
     return working_directory_was_there_;
   }
-  // Failure kRefused when the component has no working directory to work in.
+  // A sentence about the working directory when the component can't work in it; "" when it can.
+  [[nodiscard]] std::string WorkingDirectoryProblem();
+  // Failure kRefused with that sentence.
   void RequireWorkingDirectory();
 
   // Failure kUnreadable when something of the registry could not be read.
@@ -66,6 +70,7 @@ class HostedComponent {
   void Load(const Project& project, Output& out);
 
   Services services_;
+  std::shared_ptr<ReadOnlyFiles> guarded_files_;
   std::shared_ptr<SettingAsideFiles> files_;
   std::shared_ptr<PropertySetMap> state_;
   std::shared_ptr<PropertySetMap> settings_;

@@ -32,7 +32,8 @@ template <class SomeItem>
 struct ItemKind {
   using Item = SomeItem;
   using Ref = std::shared_ptr<Item>;
-  static constexpr char kListFlag[] = "";  // with which 'list' shows all items
+  static constexpr bool kInRegistry = false;  // where all projects share them
+  static constexpr char kListFlag[] = "";     // with which 'list' shows all items
   static constexpr char kChosenBy[] = "a name or {GUID} of its own";
 
   static std::string NameOf(const Ref& item) { return item->Name(); }

@@ -12,6 +12,7 @@ struct StudyAreaKind : CollectionKind<StudyAreaKind, IKVStudyArea> {
   static constexpr char kWord[] = "study area";
   static constexpr char kPlural[] = "study areas";
   static constexpr char kCommand[] = "area";
+  static constexpr bool kInRegistry = true;
   static constexpr auto kCollection = &IKVDataManager::StudyAreaCollection;
   static constexpr auto kNames = &IKVStudyAreaCollection::StudyAreasList;
   static constexpr auto kGuids = &IKVStudyAreaCollection::StudyAreasGUIDsList;

@@ -29,6 +29,7 @@ std::vector<KeptValue> WatchedRegistry::Kept(RegistryRoot root, std::string_view
 
 bool WatchedRegistry::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                                 std::string_view text) {
+  if (access_ == Access::kRead) return true;
   const bool written = registry_->WriteText(root, key, name, text);
   if (!written) refused_text_ = registry_->Condition();
   return written;
@@ -37,17 +38,20 @@ bool WatchedRegistry::WriteText(RegistryRoot root, std::string_view key, std::st
 // An update holds what those before it could not write.
 bool WatchedRegistry::Update(RegistryRoot root, std::string_view key, std::string_view name,
                              const TextUpdate& update) {
-  const bool written = registry_->Update(root, key, name, update);
+  const bool changes = !ChangesNothing(update);
+  const bool unwanted = access_ == Access::kRead || (access_ == Access::kChange && !changes);
   refused_update_.reset();
-  if (!written && !ChangesNothing(update)) refused_update_ = registry_->Condition();
+  if (unwanted) return true;
+  const bool written = registry_->Update(root, key, name, update);
+  if (!written && changes) refused_update_ = registry_->Condition();
   return written;
 }
 
 RegistryCondition WatchedRegistry::Condition() const { return registry_->Condition(); }
 bool WatchedRegistry::Holds(char32_t character) const { return registry_->Holds(character); }
 
-Services Watching(Platform platform) {
-  const auto watched = std::make_shared<WatchedRegistry>(platform.registry);
+Services Watching(Platform platform, Access access) {
+  const auto watched = std::make_shared<WatchedRegistry>(platform.registry, access);
   platform.registry = watched;
   return {std::move(platform), watched};
 }

@@ -16,11 +16,21 @@
 
 namespace kvdm {
 
+// What a command may do to what is stored.
+enum class Access {
+  kRead,           // nothing
+  kMake,           // make a project, its working directory and the registry
+  kChange,         // change the project and files
+  kChangeRegistry  // change the study areas and words that all projects share, too
+};
+
 // Passes everything on, and remembers what was refused: the component does not ask. After a read
-// that failed no other one is tried, as each may have to wait.
+// that failed no other one is tried, as each may have to wait. The component writes the study areas
+// at each save; with kChange that goes no further when it changes nothing.
 class WatchedRegistry : public Registry {
  public:
-  explicit WatchedRegistry(std::shared_ptr<Registry> registry) : registry_(std::move(registry)) {}
+  WatchedRegistry(std::shared_ptr<Registry> registry, Access access)
+      : registry_(std::move(registry)), access_(access) {}
 
   std::optional<RegistryValue> Read(RegistryRoot root, std::string_view key,
                                     std::string_view name) override;
@@ -45,6 +55,7 @@ class WatchedRegistry : public Registry {
   auto Reading(Operation operation);
 
   std::shared_ptr<Registry> registry_;
+  Access access_;
   std::optional<RegistryCondition> refused_text_;
   std::optional<RegistryCondition> refused_update_;
   std::optional<RegistryCondition> unread_;
@@ -56,11 +67,12 @@ struct Services {
 };
 
 // `platform` with its registry watched.
-[[nodiscard]] Services Watching(Platform platform);
+[[nodiscard]] Services Watching(Platform platform, Access access);
 
 // This system's services. `drives` are the folders behind drive letters on a system that has no
 // drives itself. Messages and log lines go to `out`, which must outlive them.
-[[nodiscard]] Services MakeServices(const std::map<char, std::string>& drives, Output& out);
+[[nodiscard]] Services MakeServices(const std::map<char, std::string>& drives, Access access,
+                                    Output& out);
 
 // Where the registry is, and what its condition means and asks for, for people.
 [[nodiscard]] std::string RegistryPlace();

@@ -11,9 +11,10 @@
 namespace kvdm {
 namespace {
 
-HostedComponent Start(const std::filesystem::path& file, const Project& project, Output& out) {
+HostedComponent Start(const std::filesystem::path& file, const Project& project, Access access,
+                      Output& out) {
   try {
-    return HostedComponent(project, out);
+    return HostedComponent(project, access, out);
   } catch (const Failure& failure) {
     FailToOpen(file, failure);
   }
@@ -35,13 +36,15 @@ std::shared_ptr<void> LockRegistry() {
 
 }  // namespace
 
-ChangeLock::ChangeLock(const std::filesystem::path& project_file)
+ChangeLock::ChangeLock(const std::filesystem::path& project_file, Access access)
     : project_(WaitForLock(WithSuffix(project_file, ".lock"),
                            fmt::format("The project {}", os::ToText(project_file)))),
-      registry_(LockRegistry()) {}
+      registry_(access == Access::kChangeRegistry ? LockRegistry() : nullptr) {}
 
-Session::Session(const std::filesystem::path& file, Output& out)
-    : file_(file), project_(ReadProjectFile(file_)), component_(Start(file_, project_, out)) {}
+Session::Session(const std::filesystem::path& file, Access access, Output& out)
+    : file_(file),
+      project_(ReadProjectFile(file_)),
+      component_(Start(file_, project_, access, out)) {}
 
 Session::~Session() {
   for (const auto& undo : undos_) guard::Skipping(nullptr, undo);

@@ -13,12 +13,13 @@
 
 namespace kvdm {
 
-// Holds off other processes that change the project or the study areas, which all projects share.
-// Where there can be no lock for the study areas, what guards the registry itself must do.
+// Holds off other processes that change the project, and with kChangeRegistry those that change the
+// study areas, which all projects share. Where there can be no lock for these, what guards the
+// registry itself must do.
 class ChangeLock {
  public:
   // Failure kRefused when another process keeps them for long, or the project can't be locked.
-  explicit ChangeLock(const std::filesystem::path& project_file);
+  ChangeLock(const std::filesystem::path& project_file, Access access);
 
  private:
   std::shared_ptr<void> project_;
@@ -28,7 +29,7 @@ class ChangeLock {
 class Session {
  public:
   // Opens a project file and starts the component.
-  Session(const std::filesystem::path& file, Output& out);
+  Session(const std::filesystem::path& file, Access access, Output& out);
   // Runs what UnlessSaved was given, unless the session was saved. Failures in that are ignored.
   ~Session();
   Session(const Session&) = delete;

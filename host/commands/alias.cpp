@@ -25,6 +25,7 @@ class AliasSet : public ChangingCommand {
   }
 
  private:
+  [[nodiscard]] bool ChangesRegistry() const override { return true; }
   void Run(Session& session, Output& out) override {
     session.Component().RequireRegistry();
     AreaRegistry& registry = session.Component().RegisteredItems();

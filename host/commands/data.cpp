@@ -244,7 +244,7 @@ void AddDataCommands(const CommandGroup& root) {
   AddRenameCommand<DataItems>(group);
   AddDeleteCommand<DataItems, DataDelete>(group, " of the group of listed ones and leave its file");
   AddParamCommands<DataItems>(group);
-  AddFolderCommand<DataItems>(group, "the data files");
+  AddFolderCommand<DataItems, ChangingCommand>(group, "the data files; makes it if it is missing");
 }
 
 }  // namespace kvdm

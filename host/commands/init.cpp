@@ -70,7 +70,7 @@ class Init : public Command {
     const std::string workdir =
         WorkingDirectory(workdir_ ? os::ToPath(*workdir_) : folder / kDefaultWorkingFolder);
     CreateFolders(folder);
-    const ChangeLock lock(file);
+    const ChangeLock lock(file, Access::kMake);
     if (os::Exists(file)) {
       throw Failure(ExitCode::kConflict, fmt::format("There is a project {} already. It stays as "
                                                      "it is.",
@@ -83,7 +83,7 @@ class Init : public Command {
   static void Create(const fs::path& file, const std::string& workdir, Output& out) {
     Project project;
     project.settings[kWorkingDirectorySetting] = workdir;
-    HostedComponent component(project, out);
+    HostedComponent component(project, Access::kMake, out);
     const std::string made = component.Manager().WorkingDirectory();
     if (made.empty() || !component.GetServices().platform.files->FolderExists(made)) {
       throw Failure(ExitCode::kRefused,

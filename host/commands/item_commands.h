@@ -51,6 +51,7 @@ class ItemCommand : public Command {
 
  private:
   virtual void RunOn(const typename Kind::Ref& item, Session& session, Output& out) = 0;
+  [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
   void Run(Session& session, Output& out) override {
     RunOn(Kind::Find(session, name_), session, out);
   }
@@ -89,6 +90,7 @@ class ItemCreate : public ChangingCommand {
   }
 
  private:
+  [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
   void Run(Session& session, Output& out) override {
     const auto item = Kind::Create(session, name_, out);
     out.Done(RowOf<Kind>(item),
@@ -185,6 +187,7 @@ class ItemDelete : public DeletingCommand {
   }
 
  private:
+  [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
   void Run(Session& session, Output& out) override { Delete(session, Find(session), out); }
 
   std::string name_;
@@ -309,9 +312,10 @@ void AddCommentCommand(const CommandGroup& group) {
                                    ExampleOf<Kind>("comment", " - < notes.txt"));
 }
 
-// Shows a folder of the component.
-template <auto Folder>
-class FolderShow : public ReadingCommand {
+// Shows a folder of the component, which makes some when it is asked for them: those are shown by a
+// changing command.
+template <auto Folder, class ShowingCommand>
+class FolderShow : public ShowingCommand {
  public:
   explicit FolderShow(Arguments) {}
 
@@ -323,10 +327,10 @@ class FolderShow : public ReadingCommand {
 };
 
 // A kind has `Folder(session)`, that of the files of all its items.
-template <class Kind>
+template <class Kind, class ShowingCommand = ReadingCommand>
 void AddFolderCommand(const CommandGroup& group, std::string_view of) {
-  group.Add<FolderShow<&Kind::Folder>>("dir", fmt::format("Show the folder of {}", of),
-                                       fmt::format("kvdm {} dir", Kind::kCommand));
+  group.Add<FolderShow<&Kind::Folder, ShowingCommand>>(
+      "dir", fmt::format("Show the folder of {}", of), fmt::format("kvdm {} dir", Kind::kCommand));
 }
 
 }  // namespace kvdm

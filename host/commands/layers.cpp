@@ -216,7 +216,7 @@ void AddLayerCommands(const CommandGroup& root, const char* help) {
   AddDeleteCommand<Kind, Delete>(group, " and leave its file");
   AddParamCommands<Kind>(group);
   AddCommentCommand<Kind>(group);
-  AddFolderCommand<Kind>(group, "the layer files");
+  AddFolderCommand<Kind, ChangingCommand>(group, "the layer files; makes it if it is missing");
 }
 
 }  // namespace

@@ -41,6 +41,8 @@ class LayerChoice {
     arguments.Flag("--store", store_, "NAME is a store layer");
   }
 
+  [[nodiscard]] bool IsArea() const { return area_; }
+
   [[nodiscard]] Layer Find(Session& session, const std::string& name) const {
     if (int{area_} + int{customer_} + int{store_} > 1) {
       throw Failure(ExitCode::kUsage, "Give at most one of --area, --customer and --store.");
@@ -179,7 +181,7 @@ std::vector<Difference> Differences(NamedValueSet& item_document, NamedValueSet&
   return differences;
 }
 
-class MetadataExport : public ReadingCommand {
+class MetadataExport : public ChangingCommand {
  public:
   explicit MetadataExport(Arguments arguments) {
     arguments.Required("NAME", name_, kNameHelp);
@@ -213,6 +215,7 @@ class MetadataImport : public ChangingCommand {
   }
 
  private:
+  [[nodiscard]] bool ChangesRegistry() const override { return choice_.IsArea(); }
   void Run(Session& session, Output& out) override {
     const Layer layer = choice_.Find(session, name_);
     const auto document = ReadMetadata(*MetadataOf(session, layer.file), layer.file);

@@ -12,6 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class ProjectSave : public ChangingCommand {
+  [[nodiscard]] bool ChangesRegistry() const override { return true; }
   void Run(Session& session, Output& out) override {
     const bool written = session.Save();
     const std::string file = os::ToText(session.File());

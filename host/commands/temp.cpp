@@ -1,5 +1,5 @@
-// kvdm temp: the temporary folder of the working directory, which each start of the component
-// empties.
+// kvdm temp: the temporary folder of the working directory. Other programs may have files there: no
+// command but 'kvdm temp clean' deletes any.
 #include <fmt/format.h>
 
 #include "host/commands/groups.h"
@@ -8,15 +8,26 @@
 namespace kvdm {
 namespace {
 
-class TempPath : public ReadingCommand {
+class TempPath : public ProjectCommand {
+ public:
+  explicit TempPath(Arguments arguments) {
+    arguments.Flag("--reserve", reserve_, "Make an empty file there, so that nobody else gets it");
+  }
+
+ private:
+  [[nodiscard]] bool Changes() const override { return reserve_; }
+
   void Run(Session& session, Output& out) override {
     session.Component().RequireWorkingDirectory();
     const std::string path = session.Manager().TmpFilePath();
+    if (reserve_) session.Component().GetServices().platform.files->WriteFile(path, "");
     out.Text({{"path", path}}, path);
   }
+
+  bool reserve_ = false;
 };
 
-class TempClean : public ReadingCommand {
+class TempClean : public ChangingCommand {
   void Run(Session& session, Output& out) override {
     session.Component().RequireWorkingDirectory();
     session.Manager().CleanTemp();
@@ -36,8 +47,9 @@ class TempClean : public ReadingCommand {
 
 void AddTempCommands(const CommandGroup& root) {
   const CommandGroup temp =
-      root.Group("temp", "The temporary folder; each kvdm command on the project empties it");
-  temp.Add<TempPath>("path", "Show a free path there, without extension", "kvdm temp path");
+      root.Group("temp", "The temporary folder, which programs that embed the component empty");
+  temp.Add<TempPath>("path", "Show a free path there, without extension",
+                     "kvdm temp path\nkvdm temp path --reserve");
   temp.Add<TempClean>("clean", "Empty it", "kvdm temp clean");
 }
 

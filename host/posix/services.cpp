@@ -11,14 +11,14 @@
 
 namespace kvdm {
 
-Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
+Services MakeServices(const std::map<char, std::string>& drives, Access access, Output& out) {
   PosixOptions options;
   options.drives = drives;
   options.message_box = [&out](std::string_view text, std::string_view, MessageStyle) {
     out.Message(text);
   };
   options.log = [&out](std::string_view line) { out.Note(line); };
-  return Watching(MakePosixPlatform(options));
+  return Watching(MakePosixPlatform(options), access);
 }
 
 std::string RegistryPlace() { return DefaultRegistryPath(); }

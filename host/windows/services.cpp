@@ -42,7 +42,7 @@ class AvailableSiblings : public Siblings {
 
 }  // namespace
 
-Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
+Services MakeServices(const std::map<char, std::string>& drives, Access access, Output& out) {
   WindowsOptions options;
   options.message_box = [&out](std::string_view text, std::string_view, MessageStyle) {
     out.Message(text);
@@ -50,7 +50,7 @@ Services MakeServices(const std::map<char, std::string>& drives, Output& out) {
   options.log = [&out](std::string_view line) { out.Note(line); };
   options.siblings = std::make_shared<AvailableSiblings>();
   if (!drives.empty()) out.Note("The project's folders for drives are not used on Windows.");
-  return Watching(MakeWindowsPlatform(options));
+  return Watching(MakeWindowsPlatform(options), access);
 }
 
 std::string RegistryPlace() { return fmt::format("HKEY_LOCAL_MACHINE\\{}", kRegistryKey); }
