@@ -28,8 +28,7 @@ kvdm customer create Members
 kvdm data create Streets
 kvdm metadata export Sales
 kvdm alias set customer Member
-echo job > KVData/KelvaroTemp/job.tmp
-mkdir KVData/KelvaroTemp/inner && echo part > KVData/KelvaroTemp/inner/part.tmp
+mkdir KVData/KelvaroTemp/inner
 """
 
 # What commands are called with; those that are not here get no arguments.
@@ -143,6 +142,8 @@ def problems_without(absent, folder, lines):
     place = pathlib.Path(folder, absent or "nothing")
     if absent:
         place.rename(f"{folder}/aside")
+    for job in pathlib.Path(folder).glob("Shops/KVData/KelvaroTemp"):
+        pathlib.Path(job, "job.tmp").write_text("of a running job")
     problems = []
     for line in lines:
         before = state(folder)
