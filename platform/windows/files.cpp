@@ -14,8 +14,41 @@
 #include "platform/system_error.h"
 #include "platform/windows/text.h"
 
+extern "C" NTSTATUS NTAPI NtQueryDirectoryFile(HANDLE file, HANDLE event, PIO_APC_ROUTINE routine,
+                                               void* context, IO_STATUS_BLOCK* result, void* part,
+                                               ULONG size, FILE_INFORMATION_CLASS kind,
+                                               BOOLEAN single, UNICODE_STRING* name,
+                                               BOOLEAN restart);
+
 namespace kvdm {
 namespace {
+
+// Whether an error says that a file system does not answer a question that others do. Shares of
+// other makers do it in many ways.
+bool MeansNotAnswered(DWORD error) {
+  constexpr std::array<DWORD, 6> kErrors = {ERROR_INVALID_FUNCTION, ERROR_GEN_FAILURE,
+                                            ERROR_NOT_SUPPORTED,    ERROR_INVALID_PARAMETER,
+                                            ERROR_INVALID_LEVEL,    ERROR_INTERNAL_ERROR};
+  return std::ranges::find(kErrors, error) != kErrors.end();
+}
+
+// Other programs that look at each file, such as virus scanners, hold some for a moment, so that is
+// waited for: `attempt` is made again when it fails for that.
+template <class Attempt>
+void Insist(const Attempt& attempt) {
+  constexpr int kTries = 30;
+  constexpr DWORD kPause = 10;
+  for (int tries = 1;; ++tries) {
+    try {
+      return attempt();
+    } catch (const std::system_error& error) {
+      const int code = error.code().value();
+      const bool is_held = code == ERROR_SHARING_VIOLATION || code == ERROR_ACCESS_DENIED;
+      if (!is_held || tries == kTries) throw;
+    }
+    ::Sleep(kPause);
+  }
+}
 
 // Other reparse points, such as compressed files, are what they seem to be. A system that does not
 // tell the tag has links only.
@@ -24,10 +57,14 @@ bool IsLink(DWORD attributes, DWORD tag) {
          (tag == 0 || IsReparseTagNameSurrogate(tag));
 }
 
+LONGLONG IdOf(const FILE_ID_BOTH_DIR_INFO& info) { return info.FileId.QuadPart; }
+LONGLONG IdOf(const FILE_BOTH_DIR_INFORMATION&) { return 0; }
+
 // For a reparse point the system puts its tag where the size of extended attributes is otherwise.
-FolderEntry EntryOf(const FILE_ID_BOTH_DIR_INFO& info) {
+template <class Info>
+FolderEntry EntryOf(const Info& info) {
   return {std::wstring(info.FileName, info.FileNameLength / sizeof(wchar_t)), info.FileAttributes,
-          IsLink(info.FileAttributes, info.EaSize), info.FileId.QuadPart};
+          IsLink(info.FileAttributes, info.EaSize), IdOf(info)};
 }
 
 bool WasDeleted(const FileHandle& folder) {
@@ -42,14 +79,68 @@ struct alignas(LARGE_INTEGER) ListingPart {
   std::array<char, 65536> bytes;
 };
 
+template <class Info>
 void AppendEntries(const ListingPart& part, std::vector<FolderEntry>& entries) {
   const char* next = part.bytes.data();
   while (true) {
-    const auto& info = *reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(next);
+    const auto& info = *reinterpret_cast<const Info*>(next);
     FolderEntry entry = EntryOf(info);
     if (entry.name != L"." && entry.name != L"..") entries.push_back(std::move(entry));
     if (info.NextEntryOffset == 0) return;
     next += info.NextEntryOffset;
+  }
+}
+
+// Lists a folder until the system answers an error, which is the result.
+DWORD List(const FileHandle& folder, ListingPart& part, std::vector<FolderEntry>& entries) {
+  auto step = FileIdBothDirectoryRestartInfo;
+  while (::GetFileInformationByHandleEx(folder.get(), step, &part, sizeof part) != FALSE) {
+    AppendEntries<FILE_ID_BOTH_DIR_INFO>(part, entries);
+    step = FileIdBothDirectoryInfo;
+  }
+  return ::GetLastError();
+}
+
+// Opens an entry of a folder. The result is the system's error code; 0 for none.
+DWORD OpenIn(const FileHandle& folder, std::wstring name, DWORD access, FileHandle& file) {
+  constexpr ULONG kOptions =
+      FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT | FILE_SYNCHRONOUS_IO_NONALERT;
+  const auto size = static_cast<USHORT>(name.size() * sizeof(wchar_t));
+  UNICODE_STRING relative_name{size, size, name.data()};
+  OBJECT_ATTRIBUTES attributes;
+  InitializeObjectAttributes(&attributes, &relative_name, 0, folder.get(), nullptr);
+  IO_STATUS_BLOCK result;
+  HANDLE opened = nullptr;
+  const NTSTATUS status =
+      ::NtCreateFile(&opened, access | FILE_READ_ATTRIBUTES | SYNCHRONIZE, &attributes, &result,
+                     nullptr, 0, kShareAll, FILE_OPEN, kOptions, nullptr, 0);
+  if (status != 0) return ::RtlNtStatusToDosError(status);
+  file = FileHandle(opened);
+  return 0;
+}
+
+// The identifier of a folder's entry, for which it has to be opened; 0 where there is none.
+LONGLONG IdIn(const FileHandle& folder, const std::wstring& name) {
+  FileHandle file(INVALID_HANDLE_VALUE);
+  BY_HANDLE_FILE_INFORMATION info{};
+  if (OpenIn(folder, name, 0, file) == 0) ::GetFileInformationByHandle(file.get(), &info);
+  return static_cast<LONGLONG>(info.nFileIndexHigh) << 32 | info.nFileIndexLow;
+}
+
+// The same in the way that every file system knows, which tells no identifiers. Folders need one.
+DWORD ListPlainly(const FileHandle& folder, ListingPart& part, std::vector<FolderEntry>& entries) {
+  for (BOOLEAN restart = TRUE;; restart = FALSE) {
+    IO_STATUS_BLOCK result;
+    const NTSTATUS status =
+        ::NtQueryDirectoryFile(folder.get(), nullptr, nullptr, nullptr, &result, &part, sizeof part,
+                               FileBothDirectoryInformation, FALSE, nullptr, restart);
+    if (status != 0) {
+      for (FolderEntry& entry : entries) {
+        if (entry.IsFolder()) entry.id = IdIn(folder, entry.name);
+      }
+      return ::RtlNtStatusToDosError(status);
+    }
+    AppendEntries<FILE_BOTH_DIR_INFORMATION>(part, entries);
   }
 }
 
@@ -87,31 +178,38 @@ bool IsIn(const FileHandle& folder, const FileHandle& file, const std::wstring& 
   return parent && path && SameName(WithoutEnds(*path), WithoutEnds(*parent + "\\" + ToUtf8(name)));
 }
 
-bool IsStill(const FileHandle& file, const FolderEntry& entry) {
+// File systems without reparse points need not know of tags.
+FILE_ATTRIBUTE_TAG_INFO KindOf(const FileHandle& file) {
   FILE_ATTRIBUTE_TAG_INFO info{};
-  if (::GetFileInformationByHandleEx(file.get(), FileAttributeTagInfo, &info, sizeof info) ==
+  if (::GetFileInformationByHandleEx(file.get(), FileAttributeTagInfo, &info, sizeof info) !=
       FALSE) {
+    return info;
+  }
+  FILE_BASIC_INFO basic{};
+  if (!MeansNotAnswered(::GetLastError()) ||
+      ::GetFileInformationByHandleEx(file.get(), FileBasicInfo, &basic, sizeof basic) == FALSE) {
     ThrowLastError();
   }
+  return {basic.FileAttributes, 0};
+}
+
+bool IsStill(const FileHandle& file, const FolderEntry& entry) {
+  const FILE_ATTRIBUTE_TAG_INFO info = KindOf(file);
   const FolderEntry now{entry.name, info.FileAttributes,
                         IsLink(info.FileAttributes, info.ReparseTag), entry.id};
   return now.is_link == entry.is_link && now.IsFolder() == entry.IsFolder();
 }
 
-FileHandle OpenRelative(const FileHandle& folder, std::wstring name, DWORD access) {
-  constexpr ULONG kOptions =
-      FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT | FILE_SYNCHRONOUS_IO_NONALERT;
-  const auto size = static_cast<USHORT>(name.size() * sizeof(wchar_t));
-  UNICODE_STRING relative_name{size, size, name.data()};
-  OBJECT_ATTRIBUTES attributes;
-  InitializeObjectAttributes(&attributes, &relative_name, 0, folder.get(), nullptr);
-  IO_STATUS_BLOCK result;
-  HANDLE file = nullptr;
-  const NTSTATUS status =
-      ::NtCreateFile(&file, access | FILE_READ_ATTRIBUTES | SYNCHRONIZE, &attributes, &result,
-                     nullptr, 0, kShareAll, FILE_OPEN, kOptions, nullptr, 0);
-  if (status != 0) ThrowSystemError(::RtlNtStatusToDosError(status));
-  return FileHandle(file);
+// Old network shares tell what a file is only to those who may also read it. Where reading is
+// refused it is opened without.
+FileHandle OpenRelative(const FileHandle& folder, const std::wstring& name, DWORD access) {
+  FileHandle file(INVALID_HANDLE_VALUE);
+  DWORD error = OpenIn(folder, name, access | FILE_READ_DATA, file);
+  if (error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION) {
+    error = OpenIn(folder, name, access, file);
+  }
+  if (error != 0) ThrowSystemError(static_cast<int>(error));
+  return file;
 }
 
 // A new name in the folder of `path`.
@@ -130,18 +228,12 @@ std::vector<std::byte> AccessRights(const std::wstring& path) {
   return found != FALSE ? rights : std::vector<std::byte>();
 }
 
-// Moves a file to a place in one step: a file that is there is so until the new one is. Programs
-// that look at each file hold some for a moment, so that is waited for.
+// Moves a file to a place in one step: a file that is there is so until the new one is.
 void Move(const std::wstring& from, const std::wstring& to) {
   constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-  constexpr int kTries = 30;
-  constexpr DWORD kPause = 10;
-  for (int tries = 1; ::MoveFileExW(from.c_str(), to.c_str(), kFlags) == FALSE; ++tries) {
-    const DWORD error = ::GetLastError();
-    const bool passes = error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
-    if (!passes || tries == kTries) ThrowSystemError(error);
-    ::Sleep(kPause);
-  }
+  Insist([&] {
+    if (::MoveFileExW(from.c_str(), to.c_str(), kFlags) == FALSE) ThrowLastError();
+  });
 }
 
 // A new file, which is deleted at the end unless it was moved to its place. It stays open all the
@@ -214,14 +306,10 @@ void LinkOrCopy(const std::wstring& path, const std::wstring& second) {
 std::vector<FolderEntry> EntriesOf(const FileHandle& folder) {
   std::vector<FolderEntry> entries;
   const auto part = std::make_unique<ListingPart>();
-  auto step = FileIdBothDirectoryRestartInfo;
-  while (::GetFileInformationByHandleEx(folder.get(), step, part.get(), sizeof *part) != FALSE) {
-    AppendEntries(*part, entries);
-    step = FileIdBothDirectoryInfo;
-  }
-  const DWORD error = ::GetLastError();
+  DWORD error = List(folder, *part, entries);
+  if (entries.empty() && MeansNotAnswered(error)) error = ListPlainly(folder, *part, entries);
   const bool complete = error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND;
-  if (!complete && !WasDeleted(folder)) ThrowSystemError(error);
+  if (!complete && !WasDeleted(folder)) ThrowSystemError(static_cast<int>(error));
   return entries;
 }
 
@@ -234,8 +322,10 @@ FileHandle OpenEntry(const FileHandle& folder, const FolderEntry& entry, DWORD a
 }
 
 void DeleteEntry(const FileHandle& folder, const FolderEntry& entry) {
-  const FileHandle file = OpenEntry(folder, entry, DELETE);
-  if (!DeleteOpened(file)) ThrowLastError();
+  Insist([&] {
+    const FileHandle file = OpenEntry(folder, entry, DELETE);
+    if (!DeleteOpened(file)) ThrowLastError();
+  });
 }
 
 bool DeleteOpened(const FileHandle& file) {

@@ -37,7 +37,7 @@ struct FolderEntry {
   std::wstring name;
   DWORD attributes = 0;
   bool is_link = false;
-  LONGLONG id = 0;  // Which file or folder of its volume it is.
+  LONGLONG id = 0;  // Which file or folder of its volume it is; 0 where the system does not tell.
 
   [[nodiscard]] bool IsFolder() const {
     return !is_link && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -62,7 +62,8 @@ inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHA
 [[nodiscard]] FileHandle OpenEntry(const FileHandle& folder, const FolderEntry& entry,
                                    DWORD access);
 
-// Deletes a file, an empty folder or a link; what a link leads to stays.
+// Deletes a file, an empty folder or a link; what a link leads to stays. What other programs hold
+// is tried again for a moment.
 void DeleteEntry(const FileHandle& folder, const FolderEntry& entry);
 
 // Deletes the open file or folder, for which `file` needs the access DELETE. Its name is gone when
@@ -72,7 +73,8 @@ void DeleteEntry(const FileHandle& folder, const FolderEntry& entry);
 
 // Writes `bytes` to a new file beside `path`, a path as the system takes it, reads them again, and
 // lets it take that place in one step, with the attributes and access rights of what is there.
-// That stays as `previous`, unless that is "". After a failure the file is as before.
+// That stays as `previous`, unless that is "". What other programs hold is tried again for a
+// moment. After a failure the file is as before.
 void SaveFile(const std::wstring& path, std::string_view bytes, const std::wstring& previous = {});
 
 // What is left to read of an open file, but no more than `most` bytes.

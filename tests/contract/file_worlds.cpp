@@ -28,7 +28,9 @@ std::vector<FileWorldMaker> FileWorldMakers() {
   const auto make = []() -> std::unique_ptr<FileWorld> {
     return std::make_unique<MemoryFileWorld>();
   };
-  return {{"Memory", make}, SystemFileWorldMaker()};
+  std::vector<FileWorldMaker> makers = SystemFileWorldMakers();
+  makers.push_back({"Memory", make});
+  return makers;
 }
 
 }  // namespace kvdm

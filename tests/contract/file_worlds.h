@@ -39,8 +39,8 @@ struct FileWorldMaker {
   std::unique_ptr<FileWorld> (*make)();
 };
 
-// Makes the world of the system's own files.
-FileWorldMaker SystemFileWorldMaker();
+// Make worlds of the system's own files.
+std::vector<FileWorldMaker> SystemFileWorldMakers();
 
 std::vector<FileWorldMaker> FileWorldMakers();
 

@@ -45,9 +45,9 @@ class PosixFileWorld : public FileWorld {
 
 }  // namespace
 
-FileWorldMaker SystemFileWorldMaker() {
-  return {"Posix",
-          []() -> std::unique_ptr<FileWorld> { return std::make_unique<PosixFileWorld>(); }};
+std::vector<FileWorldMaker> SystemFileWorldMakers() {
+  return {
+      {"Posix", []() -> std::unique_ptr<FileWorld> { return std::make_unique<PosixFileWorld>(); }}};
 }
 
 }  // namespace kvdm

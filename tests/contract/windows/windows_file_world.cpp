@@ -3,6 +3,7 @@
 
 #include "platform/windows/windows_file_system.h"
 #include "tests/contract/file_worlds.h"
+#include "tests/platform/windows/refusing_volume.h"
 #include "tests/platform/windows/scratch_drive.h"
 
 namespace kvdm {
@@ -43,11 +44,28 @@ class WindowsFileWorld : public FileWorld {
   std::shared_ptr<FileSystem> files_ = MakeWindowsFileSystem();
 };
 
+// The same on a volume that refuses what others answer.
+template <RefusingVolume::Classes (*kRefused)()>
+class RefusingFileWorld final : public WindowsFileWorld {
+  RefusingVolume volume_{kRefused()};
+};
+
+class OldShareFileWorld final : public WindowsFileWorld {
+  OldShare share_;
+};
+
+template <class World>
+FileWorldMaker MakerOf(std::string_view name) {
+  return {name, []() -> std::unique_ptr<FileWorld> { return std::make_unique<World>(); }};
+}
+
 }  // namespace
 
-FileWorldMaker SystemFileWorldMaker() {
-  return {"Windows",
-          []() -> std::unique_ptr<FileWorld> { return std::make_unique<WindowsFileWorld>(); }};
+std::vector<FileWorldMaker> SystemFileWorldMakers() {
+  return {MakerOf<WindowsFileWorld>("Windows"),
+          MakerOf<RefusingFileWorld<&RefusingVolume::Identifiers>>("WithoutIdentifiers"),
+          MakerOf<RefusingFileWorld<&RefusingVolume::Tags>>("WithoutTags"),
+          MakerOf<OldShareFileWorld>("OldShare")};
 }
 
 }  // namespace kvdm
