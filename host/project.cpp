@@ -81,7 +81,7 @@ Json PropertiesJson(const PropertySetMap::Properties& properties) {
 
 PropertySetMap::Properties ParseProperties(const Json& object) {
   PropertySetMap::Properties properties;
-  for (const auto& [name, value] : object.items()) {
+  for (const auto& [name, value] : object.get_ref<const Json::object_t&>()) {
     properties[name] = value.is_string() ? Value(value.get<std::string>()) : ParseValue(value);
   }
   return properties;
@@ -95,7 +95,7 @@ Json DrivesJson(const std::map<char, std::string>& drives) {
 
 std::map<char, std::string> ParseDrives(const Json& object) {
   std::map<char, std::string> drives;
-  for (const auto& [letter, folder] : object.items()) {
+  for (const auto& [letter, folder] : object.get_ref<const Json::object_t&>()) {
     if (letter.size() != 1 || letter[0] < 'A' || letter[0] > 'Z') {
       Unreadable(fmt::format("\"{}\" is no drive letter; drives are A to Z.", letter));
     }

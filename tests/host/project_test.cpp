@@ -1,11 +1,14 @@
 #include "host/project.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <cmath>
 #include <limits>
 
+#include "safety/json.h"
 #include "safety/result.h"
 
 namespace kvdm {
@@ -172,6 +175,21 @@ TEST(ProjectTest, SaysWhatIsWrongWithATextThatIsNoProject) {
   EXPECT_THAT(ProblemOf(R"({"format": "other"})"), HasSubstr("not a kvdm project"));
   EXPECT_THAT(ProblemOf(WithReplaced(text, "\"version\": 1", "\"version\": 2")),
               HasSubstr("newer"));
+}
+
+TEST(ProjectTest, RefusesPartsOfTheWrongKind) {
+  for (const char* part : {"settings", "state", "drives"}) {
+    for (const Json& wrong : {Json(1), Json("text"), Json::array({1})}) {
+      Json document = ParseJson(ProjectText(SomeProject()));
+      document[part] = wrong;
+      document["checksum"] = "";
+      const std::string text = document.dump(2);
+      const auto* bytes = reinterpret_cast<const Bytef*>(text.data());
+      document["checksum"] = fmt::format("crc32:{:08x}", crc32_z(0, bytes, text.size()));
+
+      EXPECT_THAT(ProblemOf(document.dump()), HasSubstr("wrong kind")) << part << wrong;
+    }
+  }
 }
 
 }  // namespace
