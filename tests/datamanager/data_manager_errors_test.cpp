@@ -24,8 +24,8 @@ TEST(DataManagerErrorsTest, AMessageIsShownUnchangedAsAnExclamation) {
 TEST(DataManagerErrorsTest, ABoxThatCanNotBeShownIsNobodysError) {
   const MemoryPlatform platform;
   auto services = platform.Bundle();
-  services.message_box =
-      std::make_shared<FailingMessageBox>(platform.box, std::make_shared<FailureCounter>(0, 1));
+  services.message_box = std::make_shared<FailingMessageBox>(
+      platform.box, std::make_shared<FailureCounter>(FailureCounter{.fail_at = 1}));
   KVDataManager manager(services);
   EXPECT_NO_THROW(manager.KVDMHandleError("x"));
   EXPECT_THAT(platform.box->Messages(), IsEmpty());

@@ -71,8 +71,8 @@ TEST(FlushTest, ABrokenMessageBoxDoesNotReachTheCaller) {
   auto services = platform.Bundle();
   services.registry = std::make_shared<BrokenRegistry>(
       platform.registry, [] { throw RuntimeError(kPermissionDenied); });
-  services.message_box =
-      std::make_shared<FailingMessageBox>(platform.box, std::make_shared<FailureCounter>(0, 1));
+  services.message_box = std::make_shared<FailingMessageBox>(
+      platform.box, std::make_shared<FailureCounter>(FailureCounter{.fail_at = 1}));
   KVDataManager manager(services);
   EXPECT_NO_THROW(manager.Flush());
 }

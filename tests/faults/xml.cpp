@@ -74,8 +74,9 @@ class Expat {
       const std::string_view name = attributes[0];
       if (name != "xmlns:xml") list.emplace_back(name, attributes[1]);
     }
-    std::ranges::stable_partition(
-        list, [](const auto& attribute) { return xml::IsNamespaceDeclaration(attribute.first); });
+    std::stable_partition(list.begin(), list.end(), [](const auto& attribute) {
+      return xml::IsNamespaceDeclaration(attribute.first);
+    });
     Of(self).notes_.StartElement(tag, std::move(list));
   }
   static void OnEnd(void* self, const char* /*tag*/) { Of(self).notes_.EndElement(); }

@@ -1,7 +1,6 @@
 #include "tests/model/folders.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "tests/model/tree.h"
 
@@ -50,8 +49,9 @@ std::optional<Folders::Place> Folders::PlaceOf(std::string_view path) {
     place.key = {Comparable(place.spelled)};
     path.remove_prefix(2);
   }
-  for (const auto part : std::views::split(path, '\\')) {
-    const std::string name(part.begin(), part.end());
+  while (!path.empty()) {
+    const std::string name(path.substr(0, path.find('\\')));
+    path.remove_prefix(std::min(path.size(), name.size() + 1));
     if (name.empty()) continue;
     place.key.push_back(Comparable(name));
     place.name = name;
@@ -74,8 +74,7 @@ std::string Folders::PathIn(const Key& folder, const std::string& name) const {
 std::vector<Folders::Key> Folders::Inside(const Key& folder) const {
   std::vector<Key> inside;
   for (const auto& [key, entry] : entries_) {
-    if (key.size() == folder.size() + 1 &&
-        std::ranges::equal(folder, key | std::views::take(folder.size()))) {
+    if (key.size() == folder.size() + 1 && std::equal(folder.begin(), folder.end(), key.begin())) {
       inside.push_back(key);
     }
   }

@@ -5,8 +5,9 @@
 namespace kvdm::model {
 
 std::string KindName(Kind kind) {
-  constexpr std::array kNames = {"StudyArea", "Analysis", "CustLayer", "StoreLayer", "DataItem"};
-  return kNames.at(static_cast<std::size_t>(kind));
+  constexpr std::array kKindNames = {"StudyArea", "Analysis", "CustLayer", "StoreLayer",
+                                     "DataItem"};
+  return kKindNames.at(static_cast<std::size_t>(kind));
 }
 
 std::ostream& operator<<(std::ostream& out, Kind kind) { return out << KindName(kind); }

@@ -86,7 +86,7 @@ TEST(FreeNamesTest, CreatesNothing) {
 }
 
 TEST(FreeNamesTest, PassesASearchFailureOn) {
-  const auto counter = std::make_shared<FailureCounter>(0, 1);
+  const auto counter = std::make_shared<FailureCounter>(FailureCounter{.fail_at = 1});
   FailingFileSystem files(std::make_shared<MemoryFileSystem>(), counter);
   EXPECT_RUNTIME_ERROR(static_cast<void>(files.FreeFileName(kFolder, "tmp")), kPermissionDenied);
 }

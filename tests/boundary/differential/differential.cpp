@@ -31,8 +31,7 @@ constexpr const char* kNames[] = {"North",
                                   " trailing ",
                                   "Default",
                                   "two\nlines",
-                                  "a\x01"
-                                  "b",
+                                  "a\001b",
                                   "it's & <co>",
                                   "\u540D"};
 
