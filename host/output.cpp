@@ -123,7 +123,7 @@ void Output::Message(std::string_view text) {
 }
 
 void Output::Note(std::string_view line) {
-  noted_ = line;
+  if (noted_.empty()) noted_ = line;
   if (options_.debug) Tell(fmt::format("kvdm: log: {}", line));
 }
 

@@ -47,7 +47,7 @@ class Output {
   }
   // Notes a line of the component's log on standard error, with --debug.
   void Note(std::string_view line);
-  // Runs `body`. The line that was noted last meanwhile, as the end of a sentence that says what
+  // Runs `body`. The line that was noted first meanwhile, as the end of a sentence that says what
   // failed: ": Path not found: D:\Data (76)"; "" when none was.
   template <class Body>
   [[nodiscard]] std::string CauseIn(Body&& body) {
