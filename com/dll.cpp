@@ -1,4 +1,6 @@
 // Class factory and entry points of the DLL.
+#include <bit>
+
 #include "com/abi.h"
 #include "com/classes.h"
 #include "com/counted.h"
@@ -37,7 +39,7 @@ ComPtr<IClassFactory> MakeClassFactory(const Class& of) {
 
 // Answers the codes that registering programs know.
 HRESULT SelfRegister(bool install, Scope scope) {
-  constexpr HRESULT kNoRights = static_cast<HRESULT>(0x800A0000 + kPermissionDenied);
+  constexpr HRESULT kNoRights = std::bit_cast<HRESULT>(0x800A0000 + kPermissionDenied);
   const HRESULT result =
       abi::Guarded("KVDM", IID_NULL, [&] { install ? Register(scope) : Unregister(scope); });
   if (SUCCEEDED(result)) return S_OK;

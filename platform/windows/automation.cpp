@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -283,7 +284,7 @@ HRESULT ResultOf(const RuntimeError& error) {
   const std::int32_t number = error.number();
   if (number < 0) return number;
   if (number == 0 || number > static_cast<std::int32_t>(kNumberMask)) return E_FAIL;
-  return static_cast<HRESULT>(kNumbered + static_cast<std::uint32_t>(number));
+  return std::bit_cast<HRESULT>(kNumbered + static_cast<std::uint32_t>(number));
 }
 
 void Check(HRESULT result) {

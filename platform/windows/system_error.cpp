@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <string>
 
 #include "platform/file_names.h"
@@ -9,54 +10,53 @@
 namespace kvdm {
 namespace {
 
+struct Numbered {
+  int error;
+  std::int32_t number;
+};
+
+constexpr Numbered kNumbers[] = {
+    {ERROR_FILE_NOT_FOUND, kPathNotFound},
+    {ERROR_PATH_NOT_FOUND, kPathNotFound},
+    {ERROR_INVALID_DRIVE, kPathNotFound},
+    {ERROR_BAD_NETPATH, kPathNotFound},
+    {ERROR_BAD_NET_NAME, kPathNotFound},
+    {ERROR_CANT_RESOLVE_FILENAME, kPathNotFound},
+    {ERROR_INVALID_NAME, kBadFileName},
+    {ERROR_BAD_PATHNAME, kBadFileName},
+    {ERROR_FILENAME_EXCED_RANGE, kBadFileName},
+    {ERROR_FILE_EXISTS, kFileExists},
+    {ERROR_ALREADY_EXISTS, kFileExists},
+    {ERROR_ACCESS_DENIED, kPermissionDenied},
+    {ERROR_WRITE_PROTECT, kPermissionDenied},
+    {ERROR_SHARING_VIOLATION, kPermissionDenied},
+    {ERROR_LOCK_VIOLATION, kPermissionDenied},
+    {ERROR_NETWORK_ACCESS_DENIED, kPermissionDenied},
+    {ERROR_DELETE_PENDING, kPermissionDenied},
+    {ERROR_USER_MAPPED_FILE, kPermissionDenied},
+    {ERROR_PRIVILEGE_NOT_HELD, kPermissionDenied},
+    {ERROR_TOO_MANY_OPEN_FILES, kPathFileAccess},
+    {ERROR_CURRENT_DIRECTORY, kPathFileAccess},
+    {ERROR_HANDLE_DISK_FULL, kPathFileAccess},
+    {ERROR_DISK_FULL, kPathFileAccess},
+    {ERROR_DIR_NOT_EMPTY, kPathFileAccess},
+    {ERROR_BUSY, kPathFileAccess},
+    {ERROR_FILE_TOO_LARGE, kPathFileAccess},
+    {ERROR_DIRECTORY, kPathFileAccess},
+    {ERROR_REPARSE_TAG_MISMATCH, kPathFileAccess},
+    {ERROR_NOT_ENOUGH_QUOTA, kPathFileAccess},
+    {ERROR_NO_SYSTEM_RESOURCES, kPathFileAccess},
+    {ERROR_BAD_UNIT, kDeviceUnavailable},
+    {ERROR_NOT_READY, kDeviceUnavailable},
+    {ERROR_DEV_NOT_EXIST, kDeviceUnavailable},
+    {ERROR_DEVICE_NOT_CONNECTED, kDeviceUnavailable},
+    {ERROR_NOT_ENOUGH_MEMORY, kOutOfMemory},
+    {ERROR_OUTOFMEMORY, kOutOfMemory},
+};
+
 std::int32_t NumberOf(int error) {
-  switch (error) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-    case ERROR_INVALID_DRIVE:
-    case ERROR_BAD_NETPATH:
-    case ERROR_BAD_NET_NAME:
-    case ERROR_CANT_RESOLVE_FILENAME:
-      return kPathNotFound;
-    case ERROR_INVALID_NAME:
-    case ERROR_BAD_PATHNAME:
-    case ERROR_FILENAME_EXCED_RANGE:
-      return kBadFileName;
-    case ERROR_FILE_EXISTS:
-    case ERROR_ALREADY_EXISTS:
-      return kFileExists;
-    case ERROR_ACCESS_DENIED:
-    case ERROR_WRITE_PROTECT:
-    case ERROR_SHARING_VIOLATION:
-    case ERROR_LOCK_VIOLATION:
-    case ERROR_NETWORK_ACCESS_DENIED:
-    case ERROR_DELETE_PENDING:
-    case ERROR_USER_MAPPED_FILE:
-    case ERROR_PRIVILEGE_NOT_HELD:
-      return kPermissionDenied;
-    case ERROR_TOO_MANY_OPEN_FILES:
-    case ERROR_CURRENT_DIRECTORY:
-    case ERROR_HANDLE_DISK_FULL:
-    case ERROR_DISK_FULL:
-    case ERROR_DIR_NOT_EMPTY:
-    case ERROR_BUSY:
-    case ERROR_FILE_TOO_LARGE:
-    case ERROR_DIRECTORY:
-    case ERROR_REPARSE_TAG_MISMATCH:
-    case ERROR_NOT_ENOUGH_QUOTA:
-    case ERROR_NO_SYSTEM_RESOURCES:
-      return kPathFileAccess;
-    case ERROR_BAD_UNIT:
-    case ERROR_NOT_READY:
-    case ERROR_DEV_NOT_EXIST:
-    case ERROR_DEVICE_NOT_CONNECTED:
-      return kDeviceUnavailable;
-    case ERROR_NOT_ENOUGH_MEMORY:
-    case ERROR_OUTOFMEMORY:
-      return kOutOfMemory;
-    default:
-      return kAutomationFailure;
-  }
+  const auto found = std::ranges::find(kNumbers, error, &Numbered::error);
+  return found == std::ranges::end(kNumbers) ? kAutomationFailure : found->number;
 }
 
 }  // namespace

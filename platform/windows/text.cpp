@@ -211,9 +211,9 @@ std::optional<std::string> Utf8From(std::string_view encoding, std::string_view 
 }
 
 char16_t UpperCase(char16_t unit) {
-  // A pointer of which only the lower half is set stands for one character.
-  return static_cast<char16_t>(
-      reinterpret_cast<ULONG_PTR>(::CharUpperW(reinterpret_cast<LPWSTR>(ULONG_PTR{unit}))));
+  auto letter = static_cast<wchar_t>(unit);
+  ::CharUpperBuffW(&letter, 1);
+  return static_cast<char16_t>(letter);
 }
 
 }  // namespace kvdm

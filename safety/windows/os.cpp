@@ -31,7 +31,7 @@ std::wstring LongName(const fs::path& path) {
 }
 
 // `name` as people write it.
-fs::path WithoutLongPrefix(std::wstring name) {
+fs::path WithoutLongPrefix(const std::wstring& name) {
   if (name.starts_with(LR"(\\?\UNC\)")) return LR"(\\)" + name.substr(8);
   return name.starts_with(LR"(\\?\)") ? name.substr(4) : name;
 }
@@ -144,7 +144,7 @@ fs::path Canonical(const fs::path& path) {
   name.resize(
       GetFinalPathNameByHandleW(file.get(), name.data(), static_cast<DWORD>(name.size()), 0));
   // Some drives have no such name for their files.
-  return name.empty() ? Absolute(path) : WithoutLongPrefix(std::move(name));
+  return name.empty() ? Absolute(path) : WithoutLongPrefix(name);
 }
 
 std::vector<fs::path> FilesIn(const fs::path& folder) {
