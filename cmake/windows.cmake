@@ -4,6 +4,10 @@ target_compile_definitions(kvdm_objects PUBLIC UNICODE NOMINMAX NOMB WIN32_LEAN_
                                                _WIN32_WINNT=0x0601)
 target_link_libraries(kvdm_objects PUBLIC advapi32 user32 ole32 oleaut32 uuid ntdll)
 
+# Undoes NOMB for itself.
+set_source_files_properties(${PROJECT_SOURCE_DIR}/platform/windows/windows_platform.cpp
+                            PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+
 # Programs and libraries need no other file of the compiler's at run time.
 add_link_options(-static)
 

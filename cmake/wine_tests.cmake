@@ -7,7 +7,7 @@ foreach(library gtest gtest_main gmock)
   if(NOT TARGET GTest::${library})
     add_library(GTest::${library} ALIAS ${library})
   endif()
-  target_compile_options(${library} PRIVATE -w)
+  target_compile_options(${library} PRIVATE -w -O0)
 endforeach()
 
 function(kvdm_discover_tests name)

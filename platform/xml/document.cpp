@@ -12,7 +12,7 @@ namespace kvdm::xml {
 namespace {
 
 constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n";
-constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kAfterChild = "\r\n";
 
 // The first characters of a text, without a byte order mark; of UTF-16 every other byte, which is
 // what counts as long as they are ASCII.
@@ -37,7 +37,7 @@ bool StartsWithDeclaration(std::string_view bytes) {
 // The top level: the declaration, and each node followed by a line end.
 class Document::Level final : public Branch {
  public:
-  Level() : Branch(NodeType::kDocument, 0, 0, kLineEnd.size()) {}
+  Level() : Branch(NodeType::kDocument, 0, 0, kAfterChild.size()) {}
 
   // False when the text form would get too large.
   bool Declare() {
@@ -66,7 +66,7 @@ class Document::Level final : public Branch {
  private:
   void Write(Serializer& serializer) const override {
     if (is_declared_) serializer.Markup(kDeclaration);
-    WriteChildren(serializer, kLineEnd);
+    WriteChildren(serializer, kAfterChild);
   }
 
   bool is_declared_ = false;
