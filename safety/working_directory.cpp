@@ -58,8 +58,10 @@ std::string WorkingDirectoryOf(std::string_view area_folder) {
   std::string path(area_folder);
   std::ranges::replace(path, '/', '\\');
   const auto same = [](char a, char b) { return (a | 0x20) == (b | 0x20); };
-  const auto found = std::ranges::find_end(path, kStudyAreas, same);
-  return found.empty() ? "" : std::string(area_folder.substr(0, found.begin() - path.begin() + 1));
+  const auto found =
+      std::find_end(path.begin(), path.end(), kStudyAreas.begin(), kStudyAreas.end(), same);
+  if (found == path.end()) return "";
+  return std::string(area_folder.substr(0, found - path.begin() + 1));
 }
 
 }  // namespace kvdm

@@ -18,7 +18,7 @@ constexpr std::size_t kMostFolders = 8;
 constexpr std::size_t kMostNames = std::size_t{1} << 18U;
 constexpr std::time_t kSettledSeconds = 2;
 
-FileIdentity IdentityIn(const struct stat& status) { return {status.st_dev, status.st_ino}; }
+FileIdentity IdentityFrom(const struct stat& status) { return {status.st_dev, status.st_ino}; }
 
 struct stat StatusOfOpen(int folder) {
   struct stat status {};
@@ -78,14 +78,14 @@ void FolderNames::Made(int folder) {
 FolderNames::Known* FolderNames::Current(const struct stat& status) {
   if (events_.get() >= 0 && process_ != ::getpid()) StopWatching();
   TakeEvents();
-  const auto found = std::ranges::find(known_, IdentityIn(status), &Known::folder);
+  const auto found = std::ranges::find(known_, IdentityFrom(status), &Known::folder);
   if (found == known_.end() || !found->is_valid) return nullptr;
   const bool holds = found->watch != kNoWatch || IsSame(found->changed, status.st_ctim);
   return holds ? &*found : nullptr;
 }
 
 FolderNames::Known& FolderNames::PlaceFor(const struct stat& status) {
-  const auto found = std::ranges::find(known_, IdentityIn(status), &Known::folder);
+  const auto found = std::ranges::find(known_, IdentityFrom(status), &Known::folder);
   if (found != known_.end()) return *found;
   if (known_.size() >= kMostFolders) {
     if (known_.front().watch != kNoWatch) {
@@ -93,7 +93,7 @@ FolderNames::Known& FolderNames::PlaceFor(const struct stat& status) {
     }
     known_.erase(known_.begin());
   }
-  known_.push_back({.folder = IdentityIn(status)});
+  known_.push_back({.folder = IdentityFrom(status)});
   return known_.back();
 }
 
