@@ -18,21 +18,11 @@ namespace {
 
 using model::Describe;
 
-constexpr const char* kNames[] = {"North",
-                                  "north",
-                                  "",
-                                  "_",
-                                  "_x_",
-                                  "x",
-                                  "a\"b",
-                                  "a.b",
-                                  "S\u00E3o Jos\u00E9 \u20AC",
-                                  "x\\y",
-                                  " trailing ",
-                                  "Default",
-                                  "two\nlines",
-                                  "a\001b",
-                                  "it's & <co>",
+constexpr const char* kNames[] = {"North",      "north",      "",
+                                  "_",          "_x_",        "x",
+                                  "a\"b",       "a.b",        "S\u00E3o Jos\u00E9 \u20AC",
+                                  "x\\y",       " trailing ", "Default",
+                                  "two\nlines", "a\001b",     "it's & <co>",
                                   "\u540D"};
 
 constexpr const char* kValues[] = {"North",
