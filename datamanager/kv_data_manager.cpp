@@ -68,6 +68,7 @@ void KVDataManager::Start() {
 }
 
 void KVDataManager::ReadCatalogue() {
+  saved_stamp_.clear();
   const auto text = ToText(ReadRegistryString(*platform_.registry, RegistryRoot::kLocalMachine,
                                               kRegistryKey, kStudyAreaCollectionValue));
   catalogue_ = text.empty() ? NewCatalogue() : ParseDocument(*platform_.xml_parser, text);
@@ -138,13 +139,27 @@ bool KVDataManager::Flush() {
         KVDMHandleError(messages::kSaving + NumberText(error.number()) + error.what());
       },
       [&] {
-        auto& registry = *platform_.registry;
-        const auto text =
-            catalogue_->Xml([&](char32_t character) { return registry.Holds(character); });
-        WriteRegistryString(registry, RegistryRoot::kLocalMachine, kRegistryKey,
-                            kStudyAreaCollectionValue, text);
+        if (!IsSaved()) SaveCatalogue();
       });
   return false;
+}
+
+bool KVDataManager::IsSaved() const {
+  return !saved_stamp_.empty() && saved_changes_ == catalogue_->Changes() &&
+         saved_stamp_ == platform_.registry->Stamp();
+}
+
+void KVDataManager::SaveCatalogue() {
+  auto& registry = *platform_.registry;
+  saved_stamp_.clear();
+  const auto changes = catalogue_->Changes();
+  const auto text = catalogue_->Xml([&](char32_t character) { return registry.Holds(character); });
+  if (!WriteRegistryString(registry, RegistryRoot::kLocalMachine, kRegistryKey,
+                           kStudyAreaCollectionValue, text)) {
+    return;
+  }
+  saved_changes_ = changes;
+  saved_stamp_ = registry.Stamp();
 }
 
 std::string KVDataManager::GenerateFolderName(std::string_view parent, std::string_view prefix) {

@@ -1,6 +1,7 @@
 // The root object: the three documents, the working directory and the link to the host.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -64,6 +65,10 @@ class KVDataManager final : public IKVDataManager,
  private:
   void Start();
   void ReadCatalogue();
+  // Whether the catalogue is as this object saved it last, and nobody has touched the registry
+  // since.
+  [[nodiscard]] bool IsSaved() const;
+  void SaveCatalogue();
   void SettleWorkingDirectory();
   [[nodiscard]] std::string TempFolder() const;
   NameListRef ListPresets(const char* attribute);
@@ -80,6 +85,8 @@ class KVDataManager final : public IKVDataManager,
   std::string preset_directory_;
   bool presets_available_ = false;
   DocumentRef catalogue_ = std::make_shared<xml::Document>();
+  std::uint64_t saved_changes_ = 0;
+  std::string saved_stamp_;  // of the registry when the catalogue was saved; "" for never
   DocumentRef presets_ = std::make_shared<xml::Document>();
   std::shared_ptr<DatasetManager> dataset_manager_;
   std::shared_ptr<ResourceFinder> resources_;

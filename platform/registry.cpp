@@ -43,6 +43,10 @@ std::string_view RegistryCondition::Name() const { return TextOf(state).name; }
 std::string_view RegistryCondition::Sentence() const { return TextOf(state).sentence; }
 std::string_view RegistryCondition::Advice() const { return TextOf(state).advice; }
 
+std::vector<std::size_t> TextUpdate::Cuts(std::string_view) const { return {}; }
+
+std::string Registry::Stamp() const { return {}; }
+
 void ThrowUnreadable(const RegistryCondition& condition) {
   throw RuntimeError(kDeviceUnavailable, "Registry",
                      "The registry " + std::string(condition.Sentence()) + ": " + condition.cause);

@@ -12,9 +12,9 @@ Value ReadRegistryString(Registry& registry, RegistryRoot root, std::string_view
   return value->data.substr(0, value->data.find('\0'));
 }
 
-void WriteRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
+bool WriteRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
                          std::string_view value_name, std::string_view value) {
-  static_cast<void>(registry.WriteText(root, subkey, value_name, value));
+  return registry.WriteText(root, subkey, value_name, value);
 }
 
 }  // namespace kvdm

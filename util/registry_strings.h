@@ -20,8 +20,8 @@ inline constexpr char kStoreAliasValue[] = "Store Alias";
 Value ReadRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
                          std::string_view value_name);
 
-// Writes a string value and creates the key. A refusal is not detected.
-void WriteRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
+// Writes a string value and creates the key. False when the registry refuses.
+bool WriteRegistryString(Registry& registry, RegistryRoot root, std::string_view subkey,
                          std::string_view value_name, std::string_view value);
 
 }  // namespace kvdm

@@ -179,7 +179,7 @@ std::string NameOf(const Element& area) {
 class Catalogue {
  public:
   // Empty when the text has no root or can't be loaded.
-  Catalogue(XmlParser& parser, const std::string& text) {
+  Catalogue(XmlParser& parser, std::string_view text) {
     if (!document_.LoadXml(parser, UpToNul(text))) return;
     const auto elements = document_.DocumentElement()->Children(kArea);
     std::map<std::string, int> uses;
@@ -376,18 +376,28 @@ std::vector<TextUpdate::Piece> CatalogueUpdate::PiecesOf(const std::string& text
   return pieces;
 }
 
+std::vector<std::size_t> CatalogueUpdate::Cuts(std::string_view text) const {
+  const std::string start = std::string("<") + kArea;
+  std::vector<std::size_t> cuts;
+  for (auto at = text.find(start); at != text.npos; at = text.find(start, at + start.size())) {
+    const auto after = text.substr(at + start.size(), 1);
+    if (after.find_first_of(" \t\r\n/>") == 0) cuts.push_back(at);
+  }
+  return cuts;
+}
+
 TextUpdate::Outcome CatalogueUpdate::On(const std::optional<RegistryValue>& stored) const {
   notes_.clear();
   if (!stored) return {wanted_};
   if (stored->type != RegistryType::kText) return {wanted_, true};
-  const std::string text = UpToNul(stored->data);
+  const std::string_view text = std::string_view(stored->data).substr(0, stored->data.find('\0'));
   if (text.empty()) return {wanted_};
   // Whoever read a text that is no document can want nothing but an empty one.
   const bool is_base = text == base_ && !wanted_.empty();
   return is_base ? Outcome{wanted_} : Merged(text);
 }
 
-TextUpdate::Outcome CatalogueUpdate::Merged(const std::string& text) const {
+TextUpdate::Outcome CatalogueUpdate::Merged(std::string_view text) const {
   const Catalogue stored(parser_, text);
   if (!stored.Root()) {
     if (xml::IsWellFormed(parser_, text)) {
@@ -395,7 +405,7 @@ TextUpdate::Outcome CatalogueUpdate::Merged(const std::string& text) const {
     }
     return {wanted_, true};
   }
-  if (wanted_.empty()) return {text};
+  if (wanted_.empty()) return {std::string(text)};
   const Catalogue wanted(parser_, wanted_);
   Required(wanted.Root());
   const Catalogue base(parser_, base_);
@@ -428,6 +438,9 @@ class LastingUpdate final : public TextUpdate {
 
   [[nodiscard]] std::vector<Piece> Base() const override { return update_.Base(); }
   [[nodiscard]] std::vector<Piece> Wanted() const override { return update_.Wanted(); }
+  [[nodiscard]] std::vector<std::size_t> Cuts(std::string_view text) const override {
+    return update_.Cuts(text);
+  }
   [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override {
     Outcome outcome = update_.On(stored);
     for (const std::string& note : update_.Notes()) log_->Note(note);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <kvdm/platform/registry.h>
@@ -42,8 +43,14 @@ class CatalogueUpdate final : public TextUpdate {
   [[nodiscard]] std::vector<Piece> Base() const override { return PiecesOf(base_); }
   [[nodiscard]] std::vector<Piece> Wanted() const override { return PiecesOf(wanted_); }
 
+  // The starts of the study areas. Something else that looks like one, as in a comment, counts too.
+  [[nodiscard]] std::vector<std::size_t> Cuts(std::string_view text) const override;
+
   // Run-time error 7 for a stored text that is well-formed but larger than a document may be.
   [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override;
+
+  // Hands over the wanted text.
+  std::string TakeWanted() { return std::move(wanted_); }
 
   // What people should know of the last outcome, a sentence each.
   [[nodiscard]] const std::vector<std::string>& Notes() const { return notes_; }
@@ -51,7 +58,7 @@ class CatalogueUpdate final : public TextUpdate {
  private:
   [[nodiscard]] std::vector<Piece> PiecesOf(const std::string& text) const;
   // What becomes of a stored text that is neither missing nor the base.
-  [[nodiscard]] Outcome Merged(const std::string& text) const;
+  [[nodiscard]] Outcome Merged(std::string_view text) const;
   // An element's text with nothing in it that the store does not have.
   [[nodiscard]] std::string Storable(const std::string& element) const;
 

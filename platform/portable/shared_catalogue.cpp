@@ -27,17 +27,17 @@ std::optional<RegistryValue> SharedCatalogue::Read(RegistryRoot root, std::strin
 bool SharedCatalogue::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                                 std::string_view text) {
   if (!IsCatalogue(root, key, name)) return registry_->WriteText(root, key, name, text);
-  return WriteCatalogue(std::string(text));
+  return WriteCatalogue(text);
 }
 
-bool SharedCatalogue::WriteCatalogue(std::string text) {
-  const CatalogueUpdate update(*parser_, base_, text,
-                               [this](char32_t character) { return registry_->Holds(character); });
+bool SharedCatalogue::WriteCatalogue(std::string_view text) {
+  CatalogueUpdate update(*parser_, base_, std::string(text),
+                         [this](char32_t character) { return registry_->Holds(character); });
   // Whoever never saw the catalogue and changed nothing does not need the registry.
   if (!is_known_ && ChangesNothing(update)) return true;
   if (!registry_->Update(address_.root, address_.key, address_.name, update)) return false;
   for (const std::string& note : update.Notes()) log_->Note(note);
-  base_ = std::move(text);
+  base_ = update.TakeWanted();
   return true;
 }
 

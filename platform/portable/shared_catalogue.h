@@ -37,6 +37,7 @@ class SharedCatalogue final : public Registry {
               const TextUpdate& update) override;
   std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
                               std::string_view name) override;
+  [[nodiscard]] std::string Stamp() const override { return registry_->Stamp(); }
   [[nodiscard]] RegistryCondition Condition() const override { return registry_->Condition(); }
   [[nodiscard]] bool Holds(char32_t character) const override {
     return registry_->Holds(character);
@@ -45,7 +46,7 @@ class SharedCatalogue final : public Registry {
  private:
   [[nodiscard]] bool IsCatalogue(RegistryRoot root, std::string_view key,
                                  std::string_view name) const;
-  bool WriteCatalogue(std::string text);
+  bool WriteCatalogue(std::string_view text);
 
   std::shared_ptr<Registry> registry_;
   std::shared_ptr<XmlParser> parser_;

@@ -59,13 +59,16 @@ class SidecarMetadata : public LayerMetadata {
   }
 
   [[nodiscard]] bool Exists(const std::string& path) const {
-    // A search does not see hidden files, and a file that can't be read can still be found.
-    return files_->ReadFile(path).has_value() || !files_->FindFiles(path).empty();
+    return files_->ReadFile(path).has_value() || IsFound(path);
+  }
+  // A search does not see hidden files; one that can't be read can still be found.
+  [[nodiscard]] bool IsFound(const std::string& path) const {
+    return !files_->FindFiles(path).empty();
   }
   // Keeps the present file under another name, unless WriteDocument may replace it.
   void KeepForeignFile() const {
     const auto bytes = files_->ReadFile(path_);
-    if (!bytes && !Exists(path_)) return;
+    if (!bytes && !IsFound(path_)) return;
     if (!bytes) throw RuntimeError(kPermissionDenied, {}, "Permission denied: " + path_);
     // Only its beginning was read, which is no copy.
     if (bytes->size() > xml::kMaxInputBytes) {

@@ -48,11 +48,17 @@ std::int64_t SqliteStatement::Number(int column) const {
   return sqlite3_column_int64(statement_.get(), column);
 }
 
-std::string SqliteStatement::Bytes(int column) const {
+void SqliteStatement::Run() {
+  Step();
+  Check(sqlite3_reset(statement_.get()));
+}
+
+std::string_view SqliteStatement::View(int column) const {
   // The pointer is asked for first: it decides in which form the size is counted.
   const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_.get(), column));
   const int size = sqlite3_column_bytes(statement_.get(), column);
-  return bytes == nullptr ? std::string() : std::string(bytes, static_cast<std::size_t>(size));
+  return bytes == nullptr ? std::string_view()
+                          : std::string_view(bytes, static_cast<std::size_t>(size));
 }
 
 void SqliteStatement::Check(int result) const {

@@ -44,9 +44,14 @@ class SqliteStatement {
   // Goes on to the next row; false when there is none left.
   bool Step();
 
+  // Runs a statement without results; then its parameters can be set for the next time.
+  void Run();
+
   // The value in `column`, counted from 0, of the row that Step found.
   [[nodiscard]] std::int64_t Number(int column) const;
-  [[nodiscard]] std::string Bytes(int column) const;
+  [[nodiscard]] std::string Bytes(int column) const { return std::string(View(column)); }
+  // The same, until the next step.
+  [[nodiscard]] std::string_view View(int column) const;
 
  private:
   struct Finalizer {

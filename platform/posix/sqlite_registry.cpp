@@ -17,47 +17,14 @@
 #include "platform/posix/files.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/sqlite_database.h"
+#include "platform/posix/sqlite_store.h"
 #include "platform/system_error.h"
+#include "platform/utf8.h"
 
 namespace kvdm {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Kept in the database's user_version.
-constexpr std::int64_t kStoreVersion = 1;
-
-constexpr std::string_view kCreateValues =
-    "CREATE TABLE registry_value(root TEXT NOT NULL, key TEXT NOT NULL COLLATE NOCASE,"
-    " name TEXT NOT NULL COLLATE NOCASE, type INTEGER NOT NULL, data BLOB NOT NULL,"
-    " PRIMARY KEY(root, key, name))";
-constexpr std::string_view kCreateHistory =
-    "CREATE TABLE registry_history(root TEXT NOT NULL, key TEXT NOT NULL COLLATE NOCASE,"
-    " name TEXT NOT NULL COLLATE NOCASE, type INTEGER NOT NULL, data BLOB NOT NULL,"
-    " preserved_at TEXT NOT NULL, PRIMARY KEY(root, key, name, type, data))";
-constexpr std::string_view kSetVersion = "PRAGMA user_version = 1";
-
-constexpr std::string_view kRead =
-    "SELECT type, data FROM registry_value WHERE root = ?1 AND key = ?2 AND name = ?3";
-constexpr std::string_view kWrite =
-    "INSERT INTO registry_value(root, key, name, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
-    " ON CONFLICT(root, key, name) DO UPDATE SET type = excluded.type, data = excluded.data";
-constexpr std::string_view kKeep =
-    "INSERT OR REPLACE INTO registry_history(root, key, name, type, data, preserved_at)"
-    " VALUES(?1, ?2, ?3, 1, ?4, strftime('%Y-%m-%dT%H:%M:%SZ', 'now'))";
-constexpr std::string_view kKeepStored =
-    "INSERT OR REPLACE INTO registry_history(root, key, name, type, data, preserved_at)"
-    " SELECT root, key, name, type, data, strftime('%Y-%m-%dT%H:%M:%SZ', 'now')"
-    " FROM registry_value WHERE root = ?1 AND key = ?2 AND name = ?3";
-// Counted from the newest on.
-constexpr std::string_view kForgetOldest =
-    "DELETE FROM registry_history WHERE rowid IN (SELECT id FROM (SELECT rowid AS id,"
-    " row_number() OVER newest AS number, sum(length(data)) OVER newest AS bytes"
-    " FROM registry_history WHERE root = ?1 AND key = ?2 AND name = ?3"
-    " WINDOW newest AS (ORDER BY rowid DESC)) WHERE number > 1 AND (number > ?4 OR bytes > ?5))";
-constexpr std::string_view kReadKept =
-    "SELECT type, data, preserved_at FROM registry_history"
-    " WHERE root = ?1 AND key = ?2 AND name = ?3 ORDER BY rowid";
 
 // A file that is not what it should be.
 class UnusableFile : public RuntimeError {
@@ -71,27 +38,13 @@ class UnusableFile : public RuntimeError {
   RegistryState state_;
 };
 
-std::string_view NameOf(RegistryRoot root) {
-  return root == RegistryRoot::kLocalMachine ? "HKEY_LOCAL_MACHINE" : "HKEY_CURRENT_USER";
-}
-
-// `sql` with the address of a value as its first three parameters.
-SqliteStatement Prepare(const SqliteDatabase& database, std::string_view sql, RegistryRoot root,
-                        std::string_view key, std::string_view name) {
-  SqliteStatement statement = database.Prepare(sql);
-  statement.BindText(1, NameOf(root));
-  statement.BindText(2, key);
-  statement.BindText(3, name);
-  return statement;
-}
-
 // Fails unless the database is a registry of a version that this program knows.
 void RequireStore(const SqliteDatabase& database) {
-  const std::int64_t version = database.Number("PRAGMA user_version");
+  const std::int64_t version = SqliteStore(database).Version();
   if (version == 0) {
     throw UnusableFile(RegistryState::kForeign, "the database belongs to another program");
   }
-  if (version > kStoreVersion) {
+  if (version > SqliteStore::kVersion) {
     throw UnusableFile(RegistryState::kNewer, "the database was written by a newer version");
   }
 }
@@ -233,8 +186,6 @@ void MoveJournal(const std::string& from, const std::string& to) {
   }
 }
 
-RegistryType TypeIn(const SqliteStatement& row) { return static_cast<RegistryType>(row.Number(0)); }
-
 }  // namespace
 
 bool NamesRegistryFile(std::string_view path) {
@@ -258,7 +209,7 @@ std::optional<RegistryValue> SqliteRegistry::Read(RegistryRoot root, std::string
   const bool done = Done([&] {
     const auto database = OpenForReading();
     if (!database) return;
-    value = ValueIn(*database, root, key, name);
+    value = Decoded(SqliteStore(*database).Read({root, key, name}));
     const std::string obstacle = ObstacleToWriting(*database, options_.path);
     if (!obstacle.empty()) condition_ = {RegistryState::kReadOnly, obstacle};
   });
@@ -270,7 +221,9 @@ bool SqliteRegistry::WriteText(RegistryRoot root, std::string_view key, std::str
                                std::string_view text) {
   return Done([&] {
     const auto database = BeginWriting();
-    Put(*database, root, key, name, text);
+    SqliteStore store(*database);
+    const ValueAddress address{root, key, name};
+    store.Write(address, store.Read(address), Encode(text, options_.code_page), nullptr);
     database->Run("COMMIT");
   });
 }
@@ -279,11 +232,20 @@ bool SqliteRegistry::Update(RegistryRoot root, std::string_view key, std::string
                             const TextUpdate& update) {
   return Done([&] {
     const auto database = BeginWriting();
-    const auto stored = ValueIn(*database, root, key, name);
-    const auto outcome = update.On(stored);
-    if (stored == RegistryValue{RegistryType::kText, outcome.text}) return;
-    Keep(*database, root, key, name, outcome);
-    Put(*database, root, key, name, outcome.text);
+    SqliteStore store(*database);
+    const ValueAddress address{root, key, name};
+    const auto stored = store.Read(address);
+    const auto value = Decoded(stored);
+    auto outcome = update.On(value);
+    if (value && value->type == RegistryType::kText && value->data == outcome.text) return;
+    if (outcome.keeps_stored && stored) store.Keep(address, stored->type, stored->bytes);
+    for (const std::string& text : outcome.kept) {
+      store.Keep(address, RegistryType::kText, Encode(text, options_.code_page));
+    }
+    if (outcome.keeps_stored || !outcome.kept.empty()) store.ForgetOldest(address);
+    const bool is_encoded = options_.code_page == CodePage::kUtf8 && IsValidUtf8(outcome.text);
+    if (!is_encoded) outcome.text = Encode(outcome.text, options_.code_page);
+    store.Write(address, stored, outcome.text, &update);
     database->Run("COMMIT");
   });
 }
@@ -294,11 +256,27 @@ std::vector<KeptValue> SqliteRegistry::Kept(RegistryRoot root, std::string_view 
   const bool done = Done([&] {
     const auto database = OpenForReading();
     if (!database) return;
-    SqliteStatement row = Prepare(*database, kReadKept, root, key, name);
-    while (row.Step()) values.push_back({row.Bytes(2), Decoded(TypeIn(row), row.Bytes(1))});
+    values = SqliteStore(*database).Kept({root, key, name});
+    for (KeptValue& kept : values) kept.value = Decoded(std::move(kept.value));
   });
   if (!done) ThrowUnreadable(condition_);
   return values;
+}
+
+std::string SqliteRegistry::Stamp() const {
+  struct stat file {};
+  struct stat open_change {};
+  const bool is_at_rest = ::stat(options_.path.c_str(), &file) == 0 &&
+                          ::stat(JournalOf(options_.path).c_str(), &open_change) != 0 &&
+                          ::stat((options_.path + "-wal").c_str(), &open_change) != 0;
+  if (!is_at_rest) return {};
+  std::string stamp;
+  for (const auto part :
+       {std::int64_t(file.st_dev), std::int64_t(file.st_ino), file.st_size, file.st_mtim.tv_sec,
+        file.st_mtim.tv_nsec, file.st_ctim.tv_sec, file.st_ctim.tv_nsec}) {
+    stamp += std::to_string(part) + ' ';
+  }
+  return stamp;
 }
 
 bool SqliteRegistry::Holds(char32_t character) const {
@@ -371,47 +349,22 @@ void SqliteRegistry::Create() const {
                                   options_.busy_timeout);
     database.Run("PRAGMA synchronous = EXTRA");
     database.Run("BEGIN IMMEDIATE");
-    database.Run(kCreateValues);
-    database.Run(kCreateHistory);
-    database.Run(kSetVersion);
+    SqliteStore::Create(database);
     database.Run("COMMIT");
   }
   if (RenameUnlessTaken(file.Path(), options_.path)) SyncFolderOf(options_.path);
 }
 
-void SqliteRegistry::Put(const SqliteDatabase& database, RegistryRoot root, std::string_view key,
-                         std::string_view name, std::string_view text) const {
-  SqliteStatement statement = Prepare(database, kWrite, root, key, name);
-  statement.BindNumber(4, static_cast<int>(RegistryType::kText));
-  statement.BindBytes(5, Encode(text, options_.code_page));
-  statement.Step();
+RegistryValue SqliteRegistry::Decoded(RegistryValue value) const {
+  if (value.type == RegistryType::kText) value.data = Decode(value.data, options_.code_page);
+  return value;
 }
 
-void SqliteRegistry::Keep(const SqliteDatabase& database, RegistryRoot root, std::string_view key,
-                          std::string_view name, const TextUpdate::Outcome& outcome) const {
-  if (outcome.keeps_stored) Prepare(database, kKeepStored, root, key, name).Step();
-  for (const std::string& text : outcome.kept) {
-    SqliteStatement statement = Prepare(database, kKeep, root, key, name);
-    statement.BindBytes(4, Encode(text, options_.code_page));
-    statement.Step();
-  }
-  SqliteStatement forget = Prepare(database, kForgetOldest, root, key, name);
-  forget.BindNumber(4, std::int64_t{kMostKeptValues});
-  forget.BindNumber(5, std::int64_t{kMostKeptBytes});
-  forget.Step();
-}
-
-std::optional<RegistryValue> SqliteRegistry::ValueIn(const SqliteDatabase& database,
-                                                     RegistryRoot root, std::string_view key,
-                                                     std::string_view name) const {
-  SqliteStatement row = Prepare(database, kRead, root, key, name);
-  if (!row.Step()) return std::nullopt;
-  return Decoded(TypeIn(row), row.Bytes(1));
-}
-
-RegistryValue SqliteRegistry::Decoded(RegistryType type, std::string bytes) const {
-  if (type == RegistryType::kText) return {type, Decode(bytes, options_.code_page)};
-  return {type, std::move(bytes)};
+std::optional<RegistryValue> SqliteRegistry::Decoded(
+    const std::optional<StoredValue>& stored) const {
+  if (!stored) return std::nullopt;
+  if (stored->type != RegistryType::kText) return RegistryValue{stored->type, stored->bytes};
+  return RegistryValue{stored->type, Decode(stored->bytes, options_.code_page)};
 }
 
 }  // namespace kvdm

@@ -16,6 +16,7 @@
 namespace kvdm {
 
 class SqliteDatabase;
+struct StoredValue;
 
 // How long an operation waits for other processes.
 inline constexpr std::chrono::seconds kRegistryPatience{10};
@@ -52,6 +53,8 @@ class SqliteRegistry : public Registry {
               const TextUpdate& update) override;
   std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
                               std::string_view name) override;
+  // The file's status: a look into it would take away the locks that SQLite has.
+  [[nodiscard]] std::string Stamp() const override;
   [[nodiscard]] RegistryCondition Condition() const override { return condition_; }
   [[nodiscard]] bool Holds(char32_t character) const override;
 
@@ -70,15 +73,9 @@ class SqliteRegistry : public Registry {
   // The database with an open transaction.
   [[nodiscard]] std::unique_ptr<SqliteDatabase> BeginWriting() const;
   void Create() const;
-  void Put(const SqliteDatabase& database, RegistryRoot root, std::string_view key,
-           std::string_view name, std::string_view text) const;
-  // Keeps what is to be kept, and forgets the oldest where that is too much.
-  void Keep(const SqliteDatabase& database, RegistryRoot root, std::string_view key,
-            std::string_view name, const TextUpdate::Outcome& outcome) const;
-  [[nodiscard]] std::optional<RegistryValue> ValueIn(const SqliteDatabase& database,
-                                                     RegistryRoot root, std::string_view key,
-                                                     std::string_view name) const;
-  [[nodiscard]] RegistryValue Decoded(RegistryType type, std::string bytes) const;
+  [[nodiscard]] RegistryValue Decoded(RegistryValue value) const;
+  [[nodiscard]] std::optional<RegistryValue> Decoded(
+      const std::optional<StoredValue>& stored) const;
 
   SqliteRegistryOptions options_;
   std::shared_ptr<Log> log_;

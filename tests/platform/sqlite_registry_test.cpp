@@ -191,7 +191,7 @@ TEST_F(SqliteRegistryTest, AFileWhereAFolderIsNeededIsRefused) {
 
 TEST_F(SqliteRegistryTest, ANewerStoreIsLeftAlone) {
   ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
-  OpenDatabase().Run("PRAGMA user_version = 2");
+  OpenDatabase().Run("PRAGMA user_version = 3");
   ExpectRefused(RegistryState::kNewer);
 }
 
@@ -237,7 +237,7 @@ TEST_F(SqliteRegistryTest, AFileThatIsNotDamagedIsNotSetAside) {
   EXPECT_EQ(Make().SetAside(), std::nullopt);
   ASSERT_TRUE(Make().WriteText(kMachine, kVelkKey, "Alias", "Shops"));
   EXPECT_EQ(Make().SetAside(), std::nullopt);
-  OpenDatabase().Run("PRAGMA user_version = 2");
+  OpenDatabase().Run("PRAGMA user_version = 3");
   EXPECT_EQ(Make().SetAside(), std::nullopt);
   EXPECT_TRUE(fs::exists(path_));
 }
@@ -341,7 +341,7 @@ TEST_F(SqliteRegistryTest, AWriterThatDiesLeavesTheOldValue) {
     const SqliteDatabase database = OpenDatabase();
     database.Run("PRAGMA cache_size = 1");
     database.Run("BEGIN IMMEDIATE");
-    database.Run("UPDATE registry_value SET data = zeroblob(1000000)");
+    database.Run("UPDATE registry_piece SET data = zeroblob(1000000)");
     _exit(0);
     return true;
   });

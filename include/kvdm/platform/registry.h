@@ -103,6 +103,10 @@ class KVDM_EXPORT TextUpdate {
   /// The text that it leads to, in pieces.
   [[nodiscard]] virtual std::vector<Piece> Wanted() const = 0;
 
+  /// Where pieces of `text`, which may be in the store's own encoding, begin: places in their
+  /// order, at which a store may cut it into parts that it changes by themselves.
+  [[nodiscard]] virtual std::vector<std::size_t> Cuts(std::string_view text) const;
+
   /// For stores that keep the text as one. An error when the stored value must stand as it is.
   [[nodiscard]] virtual Outcome On(const std::optional<RegistryValue>& stored) const = 0;
 };
@@ -135,6 +139,11 @@ class KVDM_EXPORT Registry {
   /// error 68 when it can't be read.
   virtual std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
                                       std::string_view name) = 0;
+
+  /// A text that becomes another one when anybody changes what is stored; "" where that can't be
+  /// told without reading it, as here. Two changes within one tick of the system's clock may look
+  /// like one: whoever has something to write asks Update, not this.
+  [[nodiscard]] virtual std::string Stamp() const;
 
   /// What the last access found.
   [[nodiscard]] virtual RegistryCondition Condition() const = 0;
