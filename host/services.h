@@ -40,6 +40,7 @@ class WatchedRegistry : public Registry {
               const TextUpdate& update) override;
   std::vector<KeptValue> Kept(RegistryRoot root, std::string_view key,
                               std::string_view name) override;
+  [[nodiscard]] std::string Stamp() const override { return registry_->Stamp(); }
   [[nodiscard]] RegistryCondition Condition() const override;
   [[nodiscard]] bool Holds(char32_t character) const override;
 
