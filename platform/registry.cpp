@@ -45,6 +45,8 @@ std::string_view RegistryCondition::Advice() const { return TextOf(state).advice
 
 std::vector<std::size_t> TextUpdate::Cuts(std::string_view) const { return {}; }
 
+std::optional<TextUpdate::Unopposed> TextUpdate::IfUnopposed() const { return std::nullopt; }
+
 std::string Registry::Stamp() const { return {}; }
 
 void ThrowUnreadable(const RegistryCondition& condition) {

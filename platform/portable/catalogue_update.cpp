@@ -386,6 +386,11 @@ std::vector<std::size_t> CatalogueUpdate::Cuts(std::string_view text) const {
   return cuts;
 }
 
+std::optional<TextUpdate::Unopposed> CatalogueUpdate::IfUnopposed() const {
+  if (base_.empty() || wanted_.empty()) return std::nullopt;
+  return Unopposed{base_, wanted_};
+}
+
 TextUpdate::Outcome CatalogueUpdate::On(const std::optional<RegistryValue>& stored) const {
   notes_.clear();
   if (!stored) return {wanted_};
@@ -440,6 +445,9 @@ class LastingUpdate final : public TextUpdate {
   [[nodiscard]] std::vector<Piece> Wanted() const override { return update_.Wanted(); }
   [[nodiscard]] std::vector<std::size_t> Cuts(std::string_view text) const override {
     return update_.Cuts(text);
+  }
+  [[nodiscard]] std::optional<Unopposed> IfUnopposed() const override {
+    return update_.IfUnopposed();
   }
   [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override {
     Outcome outcome = update_.On(stored);

@@ -46,6 +46,8 @@ class CatalogueUpdate final : public TextUpdate {
   // The starts of the study areas. Something else that looks like one, as in a comment, counts too.
   [[nodiscard]] std::vector<std::size_t> Cuts(std::string_view text) const override;
 
+  [[nodiscard]] std::optional<Unopposed> IfUnopposed() const override;
+
   // Run-time error 7 for a stored text that is well-formed but larger than a document may be.
   [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override;
 

@@ -223,7 +223,8 @@ bool SqliteRegistry::WriteText(RegistryRoot root, std::string_view key, std::str
     const auto database = BeginWriting();
     SqliteStore store(*database);
     const ValueAddress address{root, key, name};
-    store.Write(address, store.Read(address), Encode(text, options_.code_page), nullptr);
+    const auto old = store.Read(address).value_or(StoredValue{});
+    store.Write(address, {old.bytes, old.pieces}, Encode(text, options_.code_page), nullptr);
     database->Run("COMMIT");
   });
 }
@@ -234,20 +235,37 @@ bool SqliteRegistry::Update(RegistryRoot root, std::string_view key, std::string
     const auto database = BeginWriting();
     SqliteStore store(*database);
     const ValueAddress address{root, key, name};
-    const auto stored = store.Read(address);
-    const auto value = Decoded(stored);
-    auto outcome = update.On(value);
-    if (value && value->type == RegistryType::kText && value->data == outcome.text) return;
-    if (outcome.keeps_stored && stored) store.Keep(address, stored->type, stored->bytes);
-    for (const std::string& text : outcome.kept) {
-      store.Keep(address, RegistryType::kText, Encode(text, options_.code_page));
+    if (WriteUnopposed(store, address, update) || WriteMerged(store, address, update)) {
+      database->Run("COMMIT");
     }
-    if (outcome.keeps_stored || !outcome.kept.empty()) store.ForgetOldest(address);
-    const bool is_encoded = options_.code_page == CodePage::kUtf8 && IsValidUtf8(outcome.text);
-    if (!is_encoded) outcome.text = Encode(outcome.text, options_.code_page);
-    store.Write(address, stored, outcome.text, &update);
-    database->Run("COMMIT");
   });
+}
+
+bool SqliteRegistry::WriteUnopposed(SqliteStore& store, const ValueAddress& address,
+                                    const TextUpdate& update) const {
+  const auto texts = update.IfUnopposed();
+  const bool is_stored_so = texts && options_.code_page == CodePage::kUtf8 &&
+                            texts->base != texts->wanted && IsValidUtf8(texts->base) &&
+                            IsValidUtf8(texts->wanted);
+  const auto pieces = is_stored_so ? store.PiecesOf(address, texts->base) : std::nullopt;
+  if (pieces) store.Write(address, {texts->base, *pieces}, texts->wanted, &update);
+  return pieces.has_value();
+}
+
+bool SqliteRegistry::WriteMerged(SqliteStore& store, const ValueAddress& address,
+                                 const TextUpdate& update) const {
+  const auto stored = store.Read(address);
+  const auto value = Decoded(stored);
+  const auto outcome = update.On(value);
+  if (value && value->type == RegistryType::kText && value->data == outcome.text) return false;
+  if (outcome.keeps_stored && stored) store.Keep(address, stored->type, stored->bytes);
+  for (const std::string& text : outcome.kept) {
+    store.Keep(address, RegistryType::kText, Encode(text, options_.code_page));
+  }
+  if (outcome.keeps_stored || !outcome.kept.empty()) store.ForgetOldest(address);
+  const StoredValue old = stored.value_or(StoredValue{});
+  store.Write(address, {old.bytes, old.pieces}, Encode(outcome.text, options_.code_page), &update);
+  return true;
 }
 
 std::vector<KeptValue> SqliteRegistry::Kept(RegistryRoot root, std::string_view key,

@@ -16,7 +16,9 @@
 namespace kvdm {
 
 class SqliteDatabase;
+class SqliteStore;
 struct StoredValue;
+struct ValueAddress;
 
 // How long an operation waits for other processes.
 inline constexpr std::chrono::seconds kRegistryPatience{10};
@@ -73,6 +75,11 @@ class SqliteRegistry : public Registry {
   // The database with an open transaction.
   [[nodiscard]] std::unique_ptr<SqliteDatabase> BeginWriting() const;
   void Create() const;
+  // Whether nobody else wrote since the update's base; then its text is written.
+  bool WriteUnopposed(SqliteStore& store, const ValueAddress& address,
+                      const TextUpdate& update) const;
+  // Writes what the update makes of what is stored. False when that changes nothing.
+  bool WriteMerged(SqliteStore& store, const ValueAddress& address, const TextUpdate& update) const;
   [[nodiscard]] RegistryValue Decoded(RegistryValue value) const;
   [[nodiscard]] std::optional<RegistryValue> Decoded(
       const std::optional<StoredValue>& stored) const;

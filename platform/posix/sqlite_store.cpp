@@ -6,8 +6,6 @@
 namespace kvdm {
 namespace {
 
-using Piece = StoredValue::Piece;
-
 constexpr std::string_view kCreateHistory =
     "CREATE TABLE registry_history(root TEXT NOT NULL, key TEXT NOT NULL COLLATE NOCASE,"
     " name TEXT NOT NULL COLLATE NOCASE, type INTEGER NOT NULL, data BLOB NOT NULL,"
@@ -95,7 +93,7 @@ struct Difference {
 };
 
 // Leaves out the pieces that the new text begins and ends with.
-Difference DifferenceOf(const StoredValue& old, std::string_view text) {
+Difference DifferenceOf(const StoredText& old, std::string_view text) {
   Difference difference{0, old.pieces.size(), 0, text};
   const std::string_view bytes = old.bytes;
   for (; difference.first < difference.end; ++difference.first) {
@@ -113,7 +111,7 @@ Difference DifferenceOf(const StoredValue& old, std::string_view text) {
   return difference;
 }
 
-std::vector<std::string_view> PiecesOf(std::string_view text, const TextUpdate* update) {
+std::vector<std::string_view> CutUp(std::string_view text, const TextUpdate* update) {
   std::vector<std::string_view> pieces;
   std::size_t begin = 0;
   const auto add = [&](std::size_t end) {
@@ -132,7 +130,7 @@ struct Room {
   std::int64_t step = kGap;
 };
 
-Room RoomFor(std::size_t count, const Difference& difference, const std::vector<Piece>& pieces) {
+Room RoomFor(std::size_t count, const Difference& difference, const StoredPieces& pieces) {
   const auto steps = static_cast<std::int64_t>(count) + 1;
   const bool has_before = difference.first > 0;
   const std::int64_t before = has_before ? pieces[difference.first - 1].place : -kGap;
@@ -171,6 +169,23 @@ std::optional<StoredValue> SqliteStore::Read(const ValueAddress& address) const 
   return value;
 }
 
+std::optional<StoredPieces> SqliteStore::PiecesOf(const ValueAddress& address,
+                                                  std::string_view bytes) const {
+  if (version_ == 1) return std::nullopt;
+  SqliteStatement row = Prepare(kReadEntry, address);
+  if (!row.Step() || TypeIn(row) != RegistryType::kText) return std::nullopt;
+  SqliteStatement piece = database_.Prepare(kReadPieces);
+  piece.BindNumber(1, row.Number(1));
+  StoredPieces pieces;
+  while (piece.Step()) {
+    const std::string_view part = piece.View(1);
+    if (!bytes.starts_with(part)) return std::nullopt;
+    bytes.remove_prefix(part.size());
+    pieces.push_back({piece.Number(0), part.size()});
+  }
+  return bytes.empty() ? std::optional(std::move(pieces)) : std::nullopt;
+}
+
 std::vector<KeptValue> SqliteStore::Kept(const ValueAddress& address) const {
   std::vector<KeptValue> values;
   SqliteStatement row = Prepare(kReadKept, address);
@@ -178,28 +193,26 @@ std::vector<KeptValue> SqliteStore::Kept(const ValueAddress& address) const {
   return values;
 }
 
-void SqliteStore::Write(const ValueAddress& address, const std::optional<StoredValue>& old,
-                        std::string_view bytes, const TextUpdate* update) {
+void SqliteStore::Write(const ValueAddress& address, const StoredText& old, std::string_view bytes,
+                        const TextUpdate* update) {
   Convert();
   const std::int64_t entry = EntryFor(address);
-  const StoredValue none;
-  const StoredValue& before = old ? *old : none;
-  Difference difference = DifferenceOf(before, bytes);
-  auto pieces = PiecesOf(difference.text, update);
+  Difference difference = DifferenceOf(old, bytes);
+  auto pieces = CutUp(difference.text, update);
   if (pieces.size() == difference.end - difference.first) {
-    return Overwrite(entry, before, difference.first, difference.offset, pieces);
+    return Overwrite(entry, old, difference.first, difference.offset, pieces);
   }
-  Room room = RoomFor(pieces.size(), difference, before.pieces);
+  Room room = RoomFor(pieces.size(), difference, old.pieces);
   if (room.step == 0) {
-    difference = {0, before.pieces.size(), 0, bytes};
-    pieces = PiecesOf(bytes, update);
+    difference = {0, old.pieces.size(), 0, bytes};
+    pieces = CutUp(bytes, update);
     room = {};
   }
   if (difference.first < difference.end) {
     SqliteStatement remove = database_.Prepare(kDeletePieces);
     remove.BindNumber(1, entry);
-    remove.BindNumber(2, before.pieces[difference.first].place);
-    remove.BindNumber(3, before.pieces[difference.end - 1].place);
+    remove.BindNumber(2, old.pieces[difference.first].place);
+    remove.BindNumber(3, old.pieces[difference.end - 1].place);
     remove.Run();
   }
   SqliteStatement write = database_.Prepare(kWritePiece);
@@ -209,12 +222,12 @@ void SqliteStore::Write(const ValueAddress& address, const std::optional<StoredV
   }
 }
 
-void SqliteStore::Overwrite(std::int64_t entry, const StoredValue& old, std::size_t first,
+void SqliteStore::Overwrite(std::int64_t entry, const StoredText& old, std::size_t first,
                             std::size_t offset, const std::vector<std::string_view>& pieces) {
   SqliteStatement write = database_.Prepare(kWritePiece);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
-    const Piece& piece = old.pieces[first + i];
-    if (std::string_view(old.bytes).substr(offset, piece.size) != pieces[i]) {
+    const StoredPiece& piece = old.pieces[first + i];
+    if (old.bytes.substr(offset, piece.size) != pieces[i]) {
       WritePiece(write, entry, piece.place, pieces[i]);
     }
     offset += piece.size;

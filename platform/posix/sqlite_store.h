@@ -20,16 +20,24 @@ struct ValueAddress {
   std::string_view name;
 };
 
+// A part of a value.
+struct StoredPiece {
+  std::int64_t place;  // in the order of the pieces; the numbers have gaps
+  std::size_t size;
+};
+using StoredPieces = std::vector<StoredPiece>;
+
 // A value as it is stored: its bytes are those of its pieces, one after the other.
 struct StoredValue {
-  struct Piece {
-    std::int64_t place;  // in the order of the pieces; the numbers have gaps
-    std::size_t size;
-  };
-
   RegistryType type = RegistryType::kText;
   std::string bytes;
-  std::vector<Piece> pieces;
+  StoredPieces pieces;
+};
+
+// The bytes of a stored text, wherever they are, and its pieces.
+struct StoredText {
+  std::string_view bytes;
+  const StoredPieces& pieces;
 };
 
 // A store of version 1 keeps each value in one row. It is read as it is, and becomes one of
@@ -47,13 +55,17 @@ class SqliteStore {
 
   [[nodiscard]] std::optional<StoredValue> Read(const ValueAddress& address) const;
 
+  // The pieces of a value that is a text of these very bytes; nothing for any other.
+  [[nodiscard]] std::optional<StoredPieces> PiecesOf(const ValueAddress& address,
+                                                     std::string_view bytes) const;
+
   // What was kept of a value, as stored.
   [[nodiscard]] std::vector<KeptValue> Kept(const ValueAddress& address) const;
 
-  // In a transaction: puts a text in the place of `old`, which is what Read found. Only pieces that
+  // In a transaction: puts a text in the place of `old`, which is what is stored. Only pieces that
   // differ are written; what is new begins a piece wherever `update` begins one, if there is one.
-  void Write(const ValueAddress& address, const std::optional<StoredValue>& old,
-             std::string_view bytes, const TextUpdate* update);
+  void Write(const ValueAddress& address, const StoredText& old, std::string_view bytes,
+             const TextUpdate* update);
 
   // In a transaction: keeps something that gave way, and forgets the oldest where there is too
   // much.
@@ -63,7 +75,7 @@ class SqliteStore {
  private:
   void Convert();
   // Writes those of `pieces` that differ from the old ones, as many, from `first` on.
-  void Overwrite(std::int64_t entry, const StoredValue& old, std::size_t first, std::size_t offset,
+  void Overwrite(std::int64_t entry, const StoredText& old, std::size_t first, std::size_t offset,
                  const std::vector<std::string_view>& pieces);
   [[nodiscard]] std::int64_t EntryFor(const ValueAddress& address);
   [[nodiscard]] SqliteStatement Prepare(std::string_view sql, const ValueAddress& address) const;

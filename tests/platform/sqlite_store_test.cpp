@@ -153,6 +153,32 @@ TEST_F(SqliteStoreTest, AnyTextIsReadAgainToTheByte) {
   }
 }
 
+TEST_F(SqliteStoreTest, OnlyWhereNobodyElseWroteIsTheNewTextTakenAsItIs) {
+  const MemoryPlatform platform;
+  const auto area = [](const char* name) {
+    return "<STUDYAREA NAME=\"_" + std::string(name) + "_\" GUID=\"{" + name + "}\"/>";
+  };
+  const auto update = [&](const std::string& base, const std::string& wanted) {
+    return registry_.Update(
+        kMachine, kSoftwareKey, kListName,
+        CatalogueUpdate(*platform.xml_parser, base, wanted, [](char32_t) { return true; }));
+  };
+  const std::string base = ListOf({area("a"), area("b")});
+  const std::string wanted = ListOf({area("a"), area("b"), area("here")});
+  Store(base);
+  EXPECT_TRUE(update(base, wanted));
+  EXPECT_EQ(Stored(), wanted);
+  for (const std::string& theirs :
+       {ListOf({area("a"), area("b"), area("there")}), ListOf({area("a"), area("b")}) + "\n",
+        ListOf({area("a"), area("there"), area("b")})}) {
+    Store(theirs);
+    EXPECT_TRUE(update(base, wanted));
+    EXPECT_THAT(Stored(), testing::HasSubstr(area("here")));
+    EXPECT_EQ(Stored().find(area("there")) == std::string::npos,
+              theirs.find(area("there")) == std::string::npos);
+  }
+}
+
 // Between two places there is room for twenty or so; then the places are given out anew.
 TEST_F(SqliteStoreTest, ThereIsAlwaysRoomInTheMiddle) {
   std::vector<std::string> areas = {AreaOf("first"), AreaOf("last")};

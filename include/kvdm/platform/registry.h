@@ -95,6 +95,12 @@ class KVDM_EXPORT TextUpdate {
     std::vector<std::string> kept = {};  ///< parts of it that are to be kept
   };
 
+  /// Two texts: the one that is stored unless somebody else wrote, and what takes its place then.
+  struct Unopposed {
+    std::string_view base;    ///< what is stored then
+    std::string_view wanted;  ///< what takes its place
+  };
+
   virtual ~TextUpdate() = default;
 
   /// The text that it started from, in pieces, for stores that keep it so.
@@ -106,6 +112,10 @@ class KVDM_EXPORT TextUpdate {
   /// Where pieces of `text`, which may be in the store's own encoding, begin: places in their
   /// order, at which a store may cut it into parts that it changes by themselves.
   [[nodiscard]] virtual std::vector<std::size_t> Cuts(std::string_view text) const;
+
+  /// For stores that can compare without loading: when `base` is stored, to the byte, On answers
+  /// `wanted` and nothing to be kept. Nothing where On has to be asked. Both stay while this does.
+  [[nodiscard]] virtual std::optional<Unopposed> IfUnopposed() const;
 
   /// For stores that keep the text as one. An error when the stored value must stand as it is.
   [[nodiscard]] virtual Outcome On(const std::optional<RegistryValue>& stored) const = 0;
