@@ -2,6 +2,7 @@
 
 #include <kvdm/datamanager/study_areas.h>
 
+#include "platform/file_names.h"
 #include "util/kvdm_utils.h"
 #include "util/messages.h"
 #include "util/names.h"
@@ -42,6 +43,11 @@ std::string CollectionView::GenerateNewDirName(const std::function<std::string()
                                                std::string_view base) const {
   return guard::Reported(reporter(), messages::kNewDirName, [&] {
     if (!data_manager_) return std::string();
+    // Nearly all names are free, or taken once; a listing is for the others.
+    for (const int number : {0, 1}) {
+      const std::string candidate = Numbered(base, number);
+      if (!services().files->FolderExists(parent_folder() + candidate)) return candidate;
+    }
     return services().files->FreeFolderName(parent_folder(), base);
   });
 }

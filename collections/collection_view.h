@@ -74,7 +74,7 @@ class CollectionView {
   [[nodiscard]] Value CreationTime() const { return services().clock->Now(); }
 
   // The first folder name that is free in the folder that `parent_folder` gives, with a closing
-  // "\": `base`, then `base` followed by 1, 2, 3 ... The folder is asked for at each candidate.
+  // "\": `base`, then `base` followed by 1, 2, 3 ... The folder is asked for before each look.
   // "" without a data manager. Reports failures.
   [[nodiscard]] std::string GenerateNewDirName(const std::function<std::string()>& parent_folder,
                                                std::string_view base) const;

@@ -72,7 +72,8 @@ void FolderNames::List(int folder, const EntryVisitor& visit) {
 
 void FolderNames::Made(int folder) {
   const std::lock_guard lock(mutex_);
-  PlaceFor(StatusOfOpen(folder)).grows = true;
+  struct stat status {};
+  if (::fstat(folder, &status) == 0) PlaceFor(status).grows = true;
 }
 
 FolderNames::Known* FolderNames::Current(const struct stat& status) {

@@ -187,5 +187,83 @@ TEST_F(Windows1252Test, TheMetadataDocumentDoesNotPassTheCodePage) {
   EXPECT_THAT(world.Metadata(), HasSubstr("NAME=\"_Жар_\""));
 }
 
+// A registry that tells when it was changed, and counts who asks it for an update.
+class StampedRegistry : public FailingRegistry {
+ public:
+  explicit StampedRegistry(std::shared_ptr<Registry> inner)
+      : FailingRegistry(std::move(inner), std::make_shared<FailureCounter>()) {}
+  [[nodiscard]] std::string Stamp() const override { return stamp; }
+  bool Update(RegistryRoot root, std::string_view key, std::string_view name,
+              const TextUpdate& update) override {
+    ++updates;
+    return !refuses && FailingRegistry::Update(root, key, name, update);
+  }
+
+  std::string stamp = "1";
+  bool refuses = false;
+  int updates = 0;
+};
+
+class UnchangedFlushTest : public testing::Test {
+ protected:
+  UnchangedFlushTest() {
+    services_.registry = registry_;
+    manager_ = std::make_shared<KVDataManager>(services_);
+  }
+  // How many updates a Flush asks for.
+  int Updates() {
+    registry_->updates = 0;
+    manager_->Flush();
+    return registry_->updates;
+  }
+
+  MemoryPlatform platform_;
+  Platform services_ = platform_.Bundle();
+  std::shared_ptr<StampedRegistry> registry_ =
+      std::make_shared<StampedRegistry>(platform_.registry);
+  std::shared_ptr<KVDataManager> manager_;
+};
+
+TEST_F(UnchangedFlushTest, AsksForNothingWhenNobodyChangedAnything) {
+  EXPECT_EQ(Updates(), 1);
+  EXPECT_EQ(Updates(), 0);
+}
+
+TEST_F(UnchangedFlushTest, SavesWhatWasChangedHere) {
+  manager_->Flush();
+  ASSERT_TRUE(manager_->StudyAreaCollection()->CreateStudyArea("North"));
+  EXPECT_THAT(
+      platform_.registry->Read(RegistryRoot::kLocalMachine, kRegistryKey, "StudyAreaCollection")
+          ->data,
+      HasSubstr("_North_"));
+  manager_->StudyAreaCollection()->GetStudyArea("North")->SetComments("new");
+  EXPECT_THAT(
+      platform_.registry->Read(RegistryRoot::kLocalMachine, kRegistryKey, "StudyAreaCollection")
+          ->data,
+      HasSubstr(">new<"));
+}
+
+TEST_F(UnchangedFlushTest, LooksAgainWhenTheRegistryWasTouched) {
+  manager_->Flush();
+  registry_->stamp = "2";
+  EXPECT_EQ(Updates(), 1);
+  EXPECT_EQ(Updates(), 0);
+}
+
+TEST_F(UnchangedFlushTest, LooksEachTimeWhereNothingTellsOfChanges) {
+  registry_->stamp = "";
+  EXPECT_EQ(Updates(), 1);
+  EXPECT_EQ(Updates(), 1);
+}
+
+TEST_F(UnchangedFlushTest, TriesAgainAfterARefusal) {
+  registry_->refuses = true;
+  EXPECT_EQ(Updates(), 1);
+  EXPECT_EQ(Updates(), 1);
+  registry_->refuses = false;
+  EXPECT_EQ(Updates(), 1);
+  EXPECT_EQ(Updates(), 0);
+}
+
 }  // namespace
 }  // namespace kvdm

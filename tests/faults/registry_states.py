@@ -97,7 +97,7 @@ def with_database(*statements):
 
 def newer(path):
     with sqlite3.connect(path) as database:
-        database.execute("PRAGMA user_version = 2")
+        database.execute("PRAGMA user_version = 3")
     database.close()
 
 
@@ -115,7 +115,8 @@ UNREADABLE = {
     "cut to nothing": (lambda path: os.truncate(path, 0), "damaged"),
     "empty database": (with_database("CREATE TABLE t(a)", "DROP TABLE t"), "foreign"),
     "foreign": (with_database("CREATE TABLE t(a)", "PRAGMA application_id = 7"), "foreign"),
-    "foreign of our version": (with_database("CREATE TABLE t(a)", "PRAGMA user_version = 1"), "foreign"),
+    "foreign of version 1": (with_database("CREATE TABLE t(a)", "PRAGMA user_version = 1"), "foreign"),
+    "foreign of our version": (with_database("CREATE TABLE t(a)", "PRAGMA user_version = 2"), "foreign"),
     "newer": (newer, "newer"),
     "folder": (replaced(os.mkdir), "not a database"),
     "pipe": (replaced(os.mkfifo), "not a database"),
