@@ -32,11 +32,13 @@ std::wstring GuidText(const GUID& guid) {
   return text.data();
 }
 
+constexpr wchar_t kClassesKey[] = L"Software\\Classes";
+
 class ClassesKey {
  public:
-  explicit ClassesKey(Scope scope) {
-    const HKEY root = scope == Scope::kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
-    CheckCode(::RegCreateKeyW(root, L"Software\\Classes", &key_));
+  explicit ClassesKey(Scope scope)
+      : root_(scope == Scope::kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE) {
+    CheckCode(::RegCreateKeyW(root_, kClassesKey, &key_));
   }
   ~ClassesKey() { ::RegCloseKey(key_); }
   ClassesKey(const ClassesKey&) = delete;
@@ -53,11 +55,12 @@ class ClassesKey {
     if (code != ERROR_FILE_NOT_FOUND) CheckCode(code);
   }
 
-  // Whether programs of the other word size find a key.
+  // Whether programs of the other word size find a key. Only a path from the root leads to theirs.
   [[nodiscard]] bool OtherWordSizeHas(const std::wstring& key) const {
     constexpr REGSAM kOther = kIs64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    const std::wstring path = kClassesKey + (L"\\" + key);
     HKEY found = nullptr;
-    if (::RegOpenKeyExW(key_, key.c_str(), 0, KEY_READ | kOther, &found) != ERROR_SUCCESS) {
+    if (::RegOpenKeyExW(root_, path.c_str(), 0, KEY_READ | kOther, &found) != ERROR_SUCCESS) {
       return false;
     }
     ::RegCloseKey(found);
@@ -65,6 +68,7 @@ class ClassesKey {
   }
 
  private:
+  HKEY root_;
   HKEY key_ = nullptr;
 };
 
@@ -147,7 +151,6 @@ void RegisterLibrary(const ClassesKey& classes, const std::wstring& path) {
   classes.Set(key, nullptr, name.get());
   classes.Set(PlatformKey(), nullptr, path);
   classes.Set(key + L"\\FLAGS", nullptr, L"0");
-  classes.Set(key + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
   for (const Interface& each : Interfaces(*library.Get())) {
     classes.Set(each.key, nullptr, each.name);
     classes.Set(each.key + L"\\ProxyStubClsid32", nullptr, each.marshaller);
@@ -156,11 +159,11 @@ void RegisterLibrary(const ClassesKey& classes, const std::wstring& path) {
   }
 }
 
+// Each word size has interfaces of its own; the library belongs to both.
 void UnregisterLibrary(const ClassesKey& classes, const std::wstring& path) {
-  classes.Remove(PlatformKey());
-  if (classes.OtherWordSizeHas(ClassKey(Classes().front()))) return;
   for (const Interface& each : Interfaces(*LoadLibraryIn(path).Get())) classes.Remove(each.key);
-  classes.Remove(LibraryKey());
+  classes.Remove(PlatformKey());
+  if (!classes.OtherWordSizeHas(ClassKey(Classes().front()))) classes.Remove(LibraryKey());
 }
 
 }  // namespace

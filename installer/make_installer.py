@@ -47,7 +47,7 @@ def versioned(files):
 
 def registry_values(indent):
     """The entries of the component as elements of the source."""
-    for key, name, text in entries("[#KVDM.dll]", "[INSTALLFOLDER]", 64):
+    for key, name, text in entries("[#KVDM.dll]", 64):
         named = f" Name={quoteattr(name)}" if name else ""
         key = quoteattr("Software\\Classes\\" + key)
         yield f'{indent}<RegistryValue Root="HKLM" Key={key}{named} Value={quoteattr(text)} Type="string"/>'

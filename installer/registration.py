@@ -18,6 +18,10 @@ def guid(identity):
     return "{" + identity + "}"
 
 
+# The keys that each word size has for itself. All others are the same for both.
+OWN_KEYS = ("CLSID\\", "Interface\\")
+
+
 def interfaces():
     """(name, identity, marshaller) of all interfaces."""
     for name, (identity, _) in idl.interfaces().items():
@@ -27,8 +31,8 @@ def interfaces():
         yield view, guid(identity), DISPATCH_MARSHALLER
 
 
-def entries(file, folder, bits):
-    """(key below the classes, value name or "", text) of all entries, for the DLL `file` in `folder`."""
+def entries(file, bits):
+    """(key below the classes, value name or "", text) of all entries, for the DLL `file`."""
     library = guid(idl.typelib())
     for name, (identity, _) in idl.classes().items():
         program, clsid = "KVDM." + name, guid(identity)
@@ -48,7 +52,6 @@ def entries(file, folder, bits):
     yield version, "", LIBRARY_NAME
     yield f"{version}\\0\\win{bits}", "", file
     yield version + "\\FLAGS", "", "0"
-    yield version + "\\HELPDIR", "", folder
     for name, identity, marshaller in interfaces():
         key = "Interface\\" + identity
         yield key, "", name

@@ -13,7 +13,7 @@ EXPANDED_TEXT = "hex(2):"
 
 def dump(wine, root):
     """The lines that describe a key, which comes first, and the keys below it."""
-    with tempfile.NamedTemporaryFile(suffix=".reg") as file:
+    with tempfile.NamedTemporaryFile(suffix=".reg", dir=wine.prefix) as file:
         wine.run("reg.exe", "export", root, windows_path(file.name), "/y", quiet=True)
         return file.read().decode("utf-16").replace("\\\r\n  ", "").splitlines()
 

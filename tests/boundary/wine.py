@@ -1,10 +1,15 @@
 """Programs for Windows, run in the prefix of a build."""
 
 import contextlib
+import os
 import pathlib
 import subprocess
 
-RUN = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "run-wine"
+# The word size of the programs that are tested. Those of 32 bits have a Wine that knows both, and system programs of their
+# own beside the 64-bit ones.
+BITS = int(os.environ.get("KVDM_WINE_BITS", "64"))
+RUN = pathlib.Path(__file__).resolve().parents[2] / "scripts" / {64: "run-wine", 32: "run-wine32"}[BITS]
+SYSTEM_FOLDERS = {64: "C:\\windows\\system32\\", 32: "C:\\windows\\syswow64\\"}
 
 
 def windows_path(path):
@@ -28,8 +33,8 @@ class Wine:
         """What a program that succeeds has written."""
         return subprocess.run([RUN, self.prefix, *command], stdout=subprocess.PIPE, check=True).stdout.decode()
 
-    def regsvr32(self, dll, *options):
-        self.run("regsvr32.exe", "/s", *options, windows_path(dll))
+    def regsvr32(self, dll, *options, bits=BITS):
+        self.run(SYSTEM_FOLDERS[bits] + "regsvr32.exe", "/s", *options, windows_path(dll))
 
     @contextlib.contextmanager
     def registered(self, *dlls):

@@ -36,7 +36,7 @@ def users_classes(wine):
 def check_registration(wine, host):
     before = users_classes(wine)
     wine.run(host, "com", "register", "--user")
-    own = entries(FOLDER + "\\KVDM.dll", FOLDER, 64)
+    own = entries(FOLDER + "\\KVDM.dll", 64)
     expected = before | {("classes\\" + key.lower(), name): text for key, name, text in own}
     yield check_same("the host registers the DLL beside it for the user", expected, users_classes(wine))
     info = json.loads(wine.output(host, "--json", "com", "info"))

@@ -106,7 +106,7 @@ def built(package, version):
 
 def expected(before):
     """The values after installing: those before it, and the entries of the component."""
-    own = entries(FOLDER + "KVDM.dll", FOLDER, 64)
+    own = entries(FOLDER + "KVDM.dll", 64)
     return before.written() | {("classes\\" + key.lower(), name): text for key, name, text in own}
 
 

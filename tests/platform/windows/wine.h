@@ -25,24 +25,33 @@ inline std::string UnixPath(std::string_view path) {
   return text;
 }
 
-// A program under Wine is a process of 64-bit Linux, whose calls make and remove what Wine can't.
+// A program under Wine is a process of Linux, whose calls make and remove what Wine can't.
+#ifdef _WIN64
+inline constexpr long kSymlink = 88;
+inline constexpr long kUnlink = 87;
+#else
+inline constexpr long kSymlink = 83;
+inline constexpr long kUnlink = 10;
+#endif
+
 inline bool LinuxCall(long number, const std::string& first, const std::string& second) {
+#ifdef _WIN64
   long long result = number;
   asm volatile("syscall"
                : "+a"(result)
                : "D"(first.c_str()), "S"(second.c_str())
                : "rcx", "r11", "memory");
+#else
+  long result = number;
+  asm volatile("int $0x80" : "+a"(result) : "b"(first.c_str()), "c"(second.c_str()) : "memory");
+#endif
   return result == 0;
 }
 
 inline bool MakeUnixLink(const std::string& link, const std::string& target) {
-  constexpr long kSymlink = 88;
   return LinuxCall(kSymlink, target, link);
 }
 
-inline bool RemoveUnixFile(const std::string& path) {
-  constexpr long kUnlink = 87;
-  return LinuxCall(kUnlink, path, {});
-}
+inline bool RemoveUnixFile(const std::string& path) { return LinuxCall(kUnlink, path, {}); }
 
 }  // namespace kvdm
