@@ -123,19 +123,26 @@ fs::path OwnComServer() {
   }
 }
 
+// Read as data, without the system's VERSION.dll: a file of that name beside this program, such as
+// in a folder of downloads, would be loaded instead.
 std::optional<std::string> FileVersion(const fs::path& file) {
-  std::vector<char> resource(GetFileVersionInfoSizeW(file.c_str(), nullptr));
-  void* found = nullptr;
-  UINT size = 0;
-  const auto wanted = static_cast<DWORD>(resource.size());
-  if (resource.empty() || GetFileVersionInfoW(file.c_str(), 0, wanted, resource.data()) == FALSE ||
-      VerQueryValueW(resource.data(), L"\\", &found, &size) == FALSE ||
-      size < sizeof(VS_FIXEDFILEINFO)) {
-    return std::nullopt;
-  }
-  const auto& info = *static_cast<const VS_FIXEDFILEINFO*>(found);
-  return fmt::format("{}.{}.{}.{}", HIWORD(info.dwFileVersionMS), LOWORD(info.dwFileVersionMS),
-                     HIWORD(info.dwFileVersionLS), LOWORD(info.dwFileVersionLS));
+  constexpr DWORD kAsData = LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE;
+  const Library library(LoadLibraryExW(file.c_str(), nullptr, kAsData));
+  const HRSRC found =
+      library ? FindResourceW(library.get(), MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION)
+              : nullptr;
+  if (found == nullptr) return std::nullopt;
+  const std::string resource(
+      static_cast<const char*>(LockResource(LoadResource(library.get(), found))),
+      SizeofResource(library.get(), found));
+  // The numbers begin with a signature, behind texts of different lengths.
+  constexpr DWORD kSignature = VS_FFI_SIGNATURE;
+  const std::size_t start =
+      resource.find({reinterpret_cast<const char*>(&kSignature), sizeof kSignature});
+  const auto info = HeaderAt<VS_FIXEDFILEINFO>(resource, start);
+  if (!info) return std::nullopt;
+  return fmt::format("{}.{}.{}.{}", HIWORD(info->dwFileVersionMS), LOWORD(info->dwFileVersionMS),
+                     HIWORD(info->dwFileVersionLS), LOWORD(info->dwFileVersionLS));
 }
 
 std::optional<int> WordSize(const fs::path& file) {
