@@ -13,48 +13,48 @@ namespace kvdm::bench {
 
 class Ours {
  public:
-  using Handle = std::shared_ptr<xml::Element>;
+  using Handle = xml::Element;
 
   explicit Ours(const std::string& text) {
     if (!document_.LoadXml(*Parser(), text)) throw std::runtime_error("not parsed");
-    items_ = document_.DocumentElement()->Child("ANALYSISCOLLECTION");
+    items_ = document_.DocumentElement().Child("ANALYSISCOLLECTION");
   }
   explicit Ours(const std::vector<Item>& items) {
     document_.AddDeclaration();
     const auto root = xml::Element::Create("KVDATACOLLECTION");
     document_.SetDocumentElement(root);
-    items_ = xml::Element::Create("ANALYSISCOLLECTION");
-    root->Append(items_);
+    items_ = root.CreateNear("ANALYSISCOLLECTION");
+    root.Append(items_);
     for (const Item& item : items) Append(item);
   }
 
   void Append(const Item& item) {
-    const auto element = xml::Element::Create("ANALYSIS");
-    element->SetAttribute("NAME", item.name);
-    element->SetAttribute("GUID", item.guid);
-    element->SetAttribute("DIRNAME", item.folder);
-    element->SetAttribute("LAYERFILE", item.layer_file);
-    element->SetAttribute("CREATIONTIME", item.created);
-    const auto comments = xml::Element::Create("COMMENTS");
-    comments->SetText(item.comments);
-    element->Append(comments);
+    const auto element = items_.CreateNear("ANALYSIS");
+    element.SetAttribute("NAME", item.name);
+    element.SetAttribute("GUID", item.guid);
+    element.SetAttribute("DIRNAME", item.folder);
+    element.SetAttribute("LAYERFILE", item.layer_file);
+    element.SetAttribute("CREATIONTIME", item.created);
+    const auto comments = element.CreateNear("COMMENTS");
+    comments.SetText(item.comments);
+    element.Append(comments);
     for (const Parameter& parameter : item.parameters) {
-      const auto child = xml::Element::Create("PARAM");
-      child->SetAttribute("NAME", parameter.name);
-      child->SetAttribute("VALUE", parameter.value);
-      element->Append(child);
+      const auto child = element.CreateNear("PARAM");
+      child.SetAttribute("NAME", parameter.name);
+      child.SetAttribute("VALUE", parameter.value);
+      element.Append(child);
     }
-    items_->Append(element);
+    items_.Append(element);
   }
   [[nodiscard]] Handle FindGuid(const std::string& guid) const {
-    return items_->Child("ANALYSIS", "GUID", guid);
+    return items_.Child("ANALYSIS", "GUID", guid);
   }
   [[nodiscard]] Handle FindName(const std::string& name) const {
-    return items_->Child("ANALYSIS", "NAME", name);
+    return items_.Child("ANALYSIS", "NAME", name);
   }
-  void Remove(const std::string& guid) { items_->Remove(FindGuid(guid)); }
+  void Remove(const std::string& guid) { items_.Remove(FindGuid(guid)); }
   static void Set(const Handle& item, const std::string& value) {
-    item->SetAttribute("LAYERFILE", value);
+    item.SetAttribute("LAYERFILE", value);
   }
   [[nodiscard]] std::string Save() const { return document_.Xml(); }
 

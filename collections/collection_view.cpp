@@ -13,29 +13,27 @@ NameListRef CollectionView::List(std::string_view attribute) const {
   return guard::Reported(reporter(), rules_.list_failed, [&]() -> NameListRef {
     if (!node_) return nullptr;
     auto list = std::make_shared<NameList>();
-    for (const auto& item : node_->Children(rules_.tag)) {
-      list->Add(UnwrapName(ToText(item->GetAttribute(attribute))));
+    for (const auto& item : node_.Children(rules_.tag)) {
+      list->Add(UnwrapName(ToText(item.GetAttribute(attribute))));
     }
     return list;
   });
 }
 
-std::shared_ptr<xml::Element> CollectionView::Find(const char* attribute,
-                                                   std::string_view key) const {
-  return node_ ? node_->Child(rules_.tag, attribute, key) : nullptr;
+xml::Element CollectionView::Find(const char* attribute, std::string_view key) const {
+  return node_ ? node_.Child(rules_.tag, attribute, key) : nullptr;
 }
 
-std::shared_ptr<xml::Element> CollectionView::Remove(const char* attribute,
-                                                     std::string_view key) const {
+xml::Element CollectionView::Remove(const char* attribute, std::string_view key) const {
   auto element = Find(attribute, key);
-  if (element) node_->Remove(element);
+  if (element) node_.Remove(element);
   return element;
 }
 
-std::shared_ptr<xml::Element> CollectionView::NewItem(std::string_view stored_name) const {
-  auto item = xml::Element::Create(rules_.tag);
-  item->SetAttribute(attributes::kName, stored_name);
-  item->SetAttribute(attributes::kGuid, NewGuidString(*gis_core_));
+xml::Element CollectionView::NewItem(std::string_view stored_name) const {
+  auto item = node_.CreateNear(rules_.tag);
+  item.SetAttribute(attributes::kName, stored_name);
+  item.SetAttribute(attributes::kGuid, NewGuidString(*gis_core_));
   return item;
 }
 

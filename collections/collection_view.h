@@ -30,11 +30,11 @@ class CollectionView {
   CollectionView(const CollectionRules& rules, std::shared_ptr<GisCore> gis_core)
       : rules_(rules), gis_core_(std::move(gis_core)) {}
 
-  void SetNode(std::shared_ptr<xml::Element> node) { node_ = std::move(node); }
+  void SetNode(xml::Element node) { node_ = std::move(node); }
   void SetDataManager(DataManagerRef data_manager) { data_manager_ = std::move(data_manager); }
 
   [[nodiscard]] const CollectionRules& rules() const { return rules_; }
-  [[nodiscard]] const std::shared_ptr<xml::Element>& node() const { return node_; }
+  [[nodiscard]] const xml::Element& node() const { return node_; }
   [[nodiscard]] const DataManagerRef& data_manager() const { return data_manager_; }
   // Neither an element nor a data manager: as created directly by a client.
   [[nodiscard]] bool Unbound() const { return !node_ && !data_manager_; }
@@ -49,8 +49,7 @@ class CollectionView {
   [[nodiscard]] NameListRef List(std::string_view attribute) const;
 
   // The first item that has `key` as the value of `attribute`; Nothing when there is none.
-  [[nodiscard]] std::shared_ptr<xml::Element> Find(const char* attribute,
-                                                   std::string_view key) const;
+  [[nodiscard]] xml::Element Find(const char* attribute, std::string_view key) const;
 
   // A new view of the item that Find finds; Nothing when there is none. Reports failures.
   template <class Item, class Bind>
@@ -64,11 +63,10 @@ class CollectionView {
 
   // Takes the item that Find finds out of the collection and returns it; Nothing when there is
   // none.
-  [[nodiscard]] std::shared_ptr<xml::Element> Remove(const char* attribute,
-                                                     std::string_view key) const;
+  [[nodiscard]] xml::Element Remove(const char* attribute, std::string_view key) const;
 
   // A new element for an item, with its name as stored and a new identifier. Not appended yet.
-  [[nodiscard]] std::shared_ptr<xml::Element> NewItem(std::string_view stored_name) const;
+  [[nodiscard]] xml::Element NewItem(std::string_view stored_name) const;
 
   // The current local time in its stored form.
   [[nodiscard]] Value CreationTime() const { return services().clock->Now(); }
@@ -86,7 +84,7 @@ class CollectionView {
  private:
   const CollectionRules& rules_;
   std::shared_ptr<GisCore> gis_core_;
-  std::shared_ptr<xml::Element> node_;
+  xml::Element node_;
   DataManagerRef data_manager_;
 };
 
@@ -101,7 +99,7 @@ class Collection : public Interface {
   void SetDataManager(DataManagerRef data_manager) {
     view_.SetDataManager(std::move(data_manager));
   }
-  void SetNode(std::shared_ptr<xml::Element> node) { view_.SetNode(std::move(node)); }
+  void SetNode(xml::Element node) { view_.SetNode(std::move(node)); }
 
  protected:
   CollectionView view_;

@@ -46,10 +46,10 @@ std::string KVAnalysisCollection::AppendAnalysis(std::string_view name) {
       CurrentFolder(Required(view_.data_manager())) + sDefaultDirNames::kAnalyses + "\\";
   const auto folder = base + view_.GenerateNewDirName([&] { return base; }, name) + "\\";
   const auto analysis = view_.NewItem(WrapName(name));
-  analysis->SetAttribute(attributes::kDirName, folder);
-  analysis->SetAttribute(attributes::kLayerFile, folder + kLayerFileName);
-  analysis->SetAttribute(attributes::kCreationTime, view_.CreationTime());
-  view_.node()->Append(analysis);
+  analysis.SetAttribute(attributes::kDirName, folder);
+  analysis.SetAttribute(attributes::kLayerFile, folder + kLayerFileName);
+  analysis.SetAttribute(attributes::kCreationTime, view_.CreationTime());
+  view_.node().Append(analysis);
   return folder;
 }
 
@@ -65,7 +65,7 @@ bool KVAnalysisCollection::Delete(const char* attribute, std::string_view key) {
   return guard::Reported(view_.reporter(), kAnalysisRules.delete_failed, [&] {
     const auto analysis = view_.Remove(attribute, key);
     if (!analysis) return false;
-    view_.DeleteFolder(ToText(analysis->GetAttribute(attributes::kDirName)));
+    view_.DeleteFolder(ToText(analysis.GetAttribute(attributes::kDirName)));
     return true;
   });
 }
@@ -80,7 +80,7 @@ std::shared_ptr<IKVAnalysis> KVAnalysisCollection::GetAnalysisByGUID(std::string
 
 std::shared_ptr<IKVAnalysis> KVAnalysisCollection::Get(const char* attribute,
                                                        std::string_view key) {
-  return view_.Get<IKVAnalysis>(attribute, key, [&](const std::shared_ptr<xml::Element>& element) {
+  return view_.Get<IKVAnalysis>(attribute, key, [&](const xml::Element& element) {
     auto analysis = std::make_shared<KVAnalysis>(view_.gis_core());
     analysis->AttachNode(element);
     analysis->AttachDataManager(view_.data_manager());

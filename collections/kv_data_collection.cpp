@@ -41,8 +41,8 @@ NameListRef KVDataCollection::List(const char* attribute) {
     const auto group = Group(kDataItemRules.list_failed);
     if (!group) return nullptr;
     auto list = std::make_shared<NameList>();
-    for (const auto& item : group->Children(kDataItemRules.tag))
-      list->Add(item->GetAttribute(attribute));
+    for (const auto& item : group.Children(kDataItemRules.tag))
+      list->Add(item.GetAttribute(attribute));
     return list;
   });
 }
@@ -52,9 +52,9 @@ bool KVDataCollection::CreateDataItem(std::string_view name) {
     if (!view_.node() || view_.Find(attributes::kName, name)) return false;
     const auto item = view_.NewItem(name);
     const auto file = view_.services().files->FreeFileName(DataItemsDir(), name);
-    item->SetAttribute(attributes::kFile, file);
-    item->SetAttribute(attributes::kPathType, path_types::kRelative);
-    view_.node()->Append(item);
+    item.SetAttribute(attributes::kFile, file);
+    item.SetAttribute(attributes::kPathType, path_types::kRelative);
+    view_.node().Append(item);
     view_.data_manager()->Flush();
     return true;
   });
@@ -71,18 +71,17 @@ bool KVDataCollection::DeleteDataItemByGUID(std::string_view guid) {
 bool KVDataCollection::Delete(const char* attribute, std::string_view key) {
   return guard::Reported(view_.reporter(), kDataItemRules.delete_failed, [&] {
     const auto group = Group(kDataItemRules.delete_failed);
-    const auto item = group ? group->Child(kDataItemRules.tag, attribute, key) : nullptr;
+    const auto item = group ? group.Child(kDataItemRules.tag, attribute, key) : nullptr;
     if (!item) return false;
-    group->Remove(item);
+    group.Remove(item);
     if (view_.data_manager()) view_.data_manager()->Flush();
     return true;
   });
 }
 
 std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItem(std::string_view name) {
-  return view_.Get<IKVDataItem>(
-      attributes::kName, name,
-      [&](const std::shared_ptr<xml::Element>& element) { return View(element); });
+  return view_.Get<IKVDataItem>(attributes::kName, name,
+                                [&](const xml::Element& element) { return View(element); });
 }
 
 std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItemByGUID(std::string_view guid) {
@@ -90,19 +89,19 @@ std::shared_ptr<IKVDataItem> KVDataCollection::GetDataItemByGUID(std::string_vie
       view_.reporter(), kDataItemRules.get_failed, [&]() -> std::shared_ptr<IKVDataItem> {
         const auto group = Group(kDataItemRules.get_failed);
         const auto item =
-            group ? group->Child(kDataItemRules.tag, attributes::kGuid, guid) : nullptr;
+            group ? group.Child(kDataItemRules.tag, attributes::kGuid, guid) : nullptr;
         return item ? View(item) : nullptr;
       });
 }
 
-std::shared_ptr<xml::Element> KVDataCollection::Group(const char* message) const {
+xml::Element KVDataCollection::Group(const char* message) const {
   if (!view_.node()) return nullptr;
-  auto group = view_.node()->Child(tags::kDataGroup);
+  auto group = view_.node().Child(tags::kDataGroup);
   if (!group) view_.reporter().Report(message);
   return group;
 }
 
-std::shared_ptr<IKVDataItem> KVDataCollection::View(const std::shared_ptr<xml::Element>& element) {
+std::shared_ptr<IKVDataItem> KVDataCollection::View(const xml::Element& element) {
   auto item = std::make_shared<KVDataItem>();
   item->AttachDataManager(view_.data_manager());
   item->AttachOwner(std::dynamic_pointer_cast<IKVDataCollection>(shared_from_this()));

@@ -25,10 +25,10 @@ class KVDataCollection final : public Collection<IKVDataCollection> {
 
  private:
   // The group in which items are listed and deleted; a missing one is reported as `message`.
-  std::shared_ptr<xml::Element> Group(const char* message) const;
+  xml::Element Group(const char* message) const;
   NameListRef List(const char* attribute);
   bool Delete(const char* attribute, std::string_view key);
-  std::shared_ptr<IKVDataItem> View(const std::shared_ptr<xml::Element>& element);
+  std::shared_ptr<IKVDataItem> View(const xml::Element& element);
 };
 
 }  // namespace kvdm

@@ -44,9 +44,9 @@ bool LayerCollection::Create(std::string_view name) const {
     const auto base_name = view_.services().files->FreeFileName(Folder(), name);
     const auto layer = view_.NewItem(WrapName(name));
     // The folder is asked for again, and made again if it went meanwhile.
-    layer->SetAttribute(attributes::kLayerFile, Folder() + "\\" + base_name + ".lyr");
-    layer->SetAttribute(attributes::kCreationTime, view_.CreationTime());
-    view_.node()->Append(layer);
+    layer.SetAttribute(attributes::kLayerFile, Folder() + "\\" + base_name + ".lyr");
+    layer.SetAttribute(attributes::kCreationTime, view_.CreationTime());
+    view_.node().Append(layer);
     return true;
   });
 }
@@ -127,7 +127,7 @@ bool KVStoreLayerCollection::DeleteStoreLayerByGUID(std::string_view guid) {
     if (!layer) return false;
     // An absent DIRNAME counts as "": the folder of all store layers goes
     // (StoreLayerCollectionTest.DeletingByGuidTakesTheWholeFolder).
-    const auto dir_name = layer->GetAttribute(attributes::kDirName);
+    const auto dir_name = layer.GetAttribute(attributes::kDirName);
     view.DeleteFolder(Required(view.data_manager()).WorkingDirectory() +
                       sDefaultDirNames::kStoreLayers + "\\" +
                       (dir_name.IsNull() ? std::string() : ToText(dir_name)));

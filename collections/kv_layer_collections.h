@@ -34,7 +34,7 @@ class LayerCollection {
   // A new view of the layer that a look-up selects. Reports failures.
   template <class Layer>
   [[nodiscard]] std::shared_ptr<Layer> Get(const char* attribute, std::string_view key) const {
-    return view_.Get<Layer>(attribute, key, [&](const std::shared_ptr<xml::Element>& element) {
+    return view_.Get<Layer>(attribute, key, [&](const xml::Element& element) {
       auto layer = std::make_shared<Layer>(view_.gis_core());
       layer->AttachNode(element);
       layer->AttachDataManager(view_.data_manager());
@@ -70,7 +70,7 @@ class KVCustLayerCollection final : public IKVCustLayerCollection {
   void SetDataManager(DataManagerRef data_manager) {
     layers_.view().SetDataManager(std::move(data_manager));
   }
-  void SetNode(std::shared_ptr<xml::Element> node) { layers_.view().SetNode(std::move(node)); }
+  void SetNode(xml::Element node) { layers_.view().SetNode(std::move(node)); }
 
  private:
   LayerCollection layers_;
@@ -95,7 +95,7 @@ class KVStoreLayerCollection final : public IKVStoreLayerCollection {
   void SetDataManager(DataManagerRef data_manager) {
     layers_.view().SetDataManager(std::move(data_manager));
   }
-  void SetNode(std::shared_ptr<xml::Element> node) { layers_.view().SetNode(std::move(node)); }
+  void SetNode(xml::Element node) { layers_.view().SetNode(std::move(node)); }
 
  private:
   LayerCollection layers_;

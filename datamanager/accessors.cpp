@@ -24,18 +24,18 @@ std::string Trimmed(const std::string& text) {
 
 }  // namespace
 
-std::shared_ptr<xml::Element> KVDataManager::CollectionElement(const char* tag) {
+xml::Element KVDataManager::CollectionElement(const char* tag) {
   const auto root = Required(workspace_.metadata).DocumentElement();
   auto element = Required(root).Child(tag);
   if (!element) {
-    element = xml::Element::Create(tag);
-    root->Append(element);
+    element = root.CreateNear(tag);
+    root.Append(element);
   }
   return element;
 }
 
 template <class Collection>
-std::shared_ptr<Collection> KVDataManager::BindCollection(std::shared_ptr<xml::Element> element) {
+std::shared_ptr<Collection> KVDataManager::BindCollection(xml::Element element) {
   auto collection = std::make_shared<Collection>(platform_.gis_core);
   collection->SetDataManager(Reference());
   collection->SetNode(std::move(element));
@@ -89,8 +89,7 @@ NameListRef KVDataManager::ListPresets(const char* attribute) {
     auto list = std::make_shared<NameList>();
     const auto root = presets_->DocumentElement();
     if (!root) return list;
-    for (const auto& item : root->Children(tags::kDataItem))
-      list->Add(item->GetAttribute(attribute));
+    for (const auto& item : root.Children(tags::kDataItem)) list->Add(item.GetAttribute(attribute));
     return list;
   });
 }
@@ -106,8 +105,8 @@ std::string KVDataManager::GetPDataFileByGUID(std::string_view guid) {
 std::string KVDataManager::PresetFile(const char* attribute, std::string_view key) {
   return guard::Reported(reporter_, messages::kPresetFile, [&] {
     const auto root = presets_available_ ? presets_->DocumentElement() : nullptr;
-    const auto item = root ? root->Child(tags::kDataItem, attribute, key) : nullptr;
-    return item ? preset_directory_ + "\\" + Trimmed(item->Text()) : std::string();
+    const auto item = root ? root.Child(tags::kDataItem, attribute, key) : nullptr;
+    return item ? preset_directory_ + "\\" + Trimmed(item.Text()) : std::string();
   });
 }
 

@@ -27,13 +27,13 @@ constexpr char kInternal[] = "TRUE";
 constexpr char kCustomer[] = "Customer";
 constexpr char kStore[] = "Store";
 
-void Bind(KVStudyArea& study_area, std::shared_ptr<xml::Element> element, DataManagerRef manager) {
+void Bind(KVStudyArea& study_area, xml::Element element, DataManagerRef manager) {
   study_area.SetNode(std::move(element));
   study_area.SetDataManager(std::move(manager));
 }
 
 template <class Layer>
-void Bind(Layer& layer, std::shared_ptr<xml::Element> element, DataManagerRef manager) {
+void Bind(Layer& layer, xml::Element element, DataManagerRef manager) {
   layer.AttachNode(std::move(element));
   layer.AttachDataManager(std::move(manager));
 }
@@ -135,7 +135,7 @@ template <class Add>
 NameListRef AreaRegistry::List(const AreaRules& rules, Add&& add) {
   const auto list = Reported(rules.list, [&] {
     auto texts = std::make_shared<NameList>();
-    for (const auto& item : Collection(rules).node()->Children(rules.items.tag)) add(*item, *texts);
+    for (const auto& item : Collection(rules).node().Children(rules.items.tag)) add(item, *texts);
     return texts;
   });
   return list ? list : std::make_shared<NameList>();
@@ -165,9 +165,9 @@ bool AreaRegistry::Exists(const AreaRules& rules, const char* attribute, std::st
       workspace_.metadata_valid = false;
       return false;
     }
-    const auto collections = root->Children(rules.collection);
+    const auto collections = root.Children(rules.collection);
     return std::ranges::any_of(collections, [&](const auto& collection) {
-      return collection->Child(rules.items.tag, attribute, key) != nullptr;
+      return collection.Child(rules.items.tag, attribute, key) != nullptr;
     });
   });
 }
@@ -203,12 +203,12 @@ bool AreaRegistry::CreateStudyArea(std::string_view name) {
     const auto folder_name = CreateStudyAreaFolders();
     const auto collection = Collection(kAreas);
     const auto study_area = collection.NewItem(WrapName(name));
-    study_area->SetAttribute(attributes::kDirName, folder_name);
-    study_area->SetAttribute(attributes::kShapeFile, kStudyAreaFile);
-    collection.node()->Append(study_area);
+    study_area.SetAttribute(attributes::kDirName, folder_name);
+    study_area.SetAttribute(attributes::kShapeFile, kStudyAreaFile);
+    collection.node().Append(study_area);
     for (const auto* child : {tags::kAnalysisCollection, tags::kLayerCollection, tags::kDataGroup,
                               tags::kStudyAreaProperties}) {
-      study_area->Append(xml::Element::Create(child));
+      study_area.Append(study_area.CreateNear(child));
     }
     manager_.Flush();
     return true;
@@ -243,7 +243,7 @@ bool AreaRegistry::DeleteStudyArea(const char* attribute, std::string_view key) 
   return Reported(kAreas.remove, [&] {
     const auto study_area = Collection(kAreas).Remove(attribute, key);
     if (!study_area) return false;
-    const auto folder_name = ToText(study_area->GetAttribute(attributes::kDirName));
+    const auto folder_name = ToText(study_area.GetAttribute(attributes::kDirName));
     if (!folder_name.empty() && !workspace_.directory.empty()) {
       DeleteFolderTree(*platform_.files, workspace_.directory + "\\" + folder_name,
                        manager_.ErrorLog());
@@ -279,12 +279,12 @@ bool AreaRegistry::RegisterLayer(const AreaRules& rules, std::string_view name) 
     const auto collection = Collection(rules);
     const auto layer = collection.NewItem(WrapName(name));
     const auto base_name = platform_.files->FreeFileName(LayersDir(rules), rules.base_name);
-    layer->SetAttribute(attributes::kShapeFile, base_name + kLayerFileExtension);
-    layer->SetAttribute(attributes::kPathType, path_types::kRelative);
-    layer->SetAttribute(attributes::kIsInternal, kInternal);
-    layer->SetAttribute(attributes::kCreationTime, platform_.clock->Now());
-    collection.node()->Append(layer);
-    if (rules.child != nullptr) layer->Append(xml::Element::Create(rules.child));
+    layer.SetAttribute(attributes::kShapeFile, base_name + kLayerFileExtension);
+    layer.SetAttribute(attributes::kPathType, path_types::kRelative);
+    layer.SetAttribute(attributes::kIsInternal, kInternal);
+    layer.SetAttribute(attributes::kCreationTime, platform_.clock->Now());
+    collection.node().Append(layer);
+    if (rules.child != nullptr) layer.Append(layer.CreateNear(rules.child));
     manager_.Flush();
     return true;
   });

@@ -16,10 +16,10 @@ DocumentRef NewMetadataDocument() {
   document->AddDeclaration();
   const auto root = xml::Element::Create(tags::kMetadataRoot);
   document->SetDocumentElement(root);
-  root->Append(xml::CreateComment(kBanner));
+  root.Append(xml::CreateComment(kBanner));
   for (const auto* collection : {tags::kCustLayerCollection, tags::kStoreLayerCollection,
                                  tags::kAnalysisCollection, tags::kDataCollection}) {
-    root->Append(xml::Element::Create(collection));
+    root.Append(root.CreateNear(collection));
   }
   return document;
 }

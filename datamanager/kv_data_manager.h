@@ -74,9 +74,9 @@ class KVDataManager final : public IKVDataManager,
   NameListRef ListPresets(const char* attribute);
   std::string PresetFile(const char* attribute, std::string_view key);
   // The collection element `tag` of the metadata, created when it is missing.
-  std::shared_ptr<xml::Element> CollectionElement(const char* tag);
+  xml::Element CollectionElement(const char* tag);
   template <class Collection>
-  std::shared_ptr<Collection> BindCollection(std::shared_ptr<xml::Element> element);
+  std::shared_ptr<Collection> BindCollection(xml::Element element);
 
   Platform platform_;
   Reporter reporter_{ReportStyle::kShown, this};

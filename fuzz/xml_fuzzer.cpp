@@ -6,7 +6,7 @@
 
 #include "fuzz/fuzzer.h"
 #include "platform/xml/document.h"
-#include "platform/xml/namespace_check.h"
+#include "platform/xml/namespaces.h"
 #include "platform/xml/pieces.h"
 #include "platform/xml_parser.h"
 #include "tests/xml_notes.h"

@@ -112,8 +112,8 @@ class ParentFolders {
     document.LoadXml(*session.Component().GetServices().platform.xml_parser, catalogue);
     const auto root = document.DocumentElement();
     if (!root) return;
-    for (const auto& area : root->Children(tags::kStudyArea)) {
-      const Value value = area->GetAttribute(attributes::kDirName);
+    for (const auto& area : root.Children(tags::kStudyArea)) {
+      const Value value = area.GetAttribute(attributes::kDirName);
       const std::string folder = value.IsNull() ? "" : ToText(value);
       Add(ParentOf(folder));
       Add(folder + sDefaultDirNames::kAnalyses + "\\");

@@ -9,10 +9,10 @@
 
 #include "datamanager/kv_data_manager.h"
 #include "host/os.h"
-#include "platform/xml/attribute_scan.h"
 #include "platform/xml/document.h"
 #include "platform/xml/limits.h"
 #include "platform/xml/pieces.h"
+#include "platform/xml/xml_input.h"
 #include "util/names.h"
 #include "util/registry_strings.h"
 

@@ -22,10 +22,10 @@ class ElementView {
  public:
   explicit ElementView(ReportStyle reports) : reports_(reports) {}
 
-  void AttachNode(std::shared_ptr<xml::Element> node) { node_ = std::move(node); }
+  void AttachNode(xml::Element node) { node_ = std::move(node); }
   void AttachDataManager(DataManagerRef data_manager) { data_manager_ = std::move(data_manager); }
 
-  [[nodiscard]] const std::shared_ptr<xml::Element>& node() const { return node_; }
+  [[nodiscard]] const xml::Element& node() const { return node_; }
   [[nodiscard]] const DataManagerRef& data_manager() const { return data_manager_; }
   [[nodiscard]] Reporter reporter() const { return {reports_, data_manager_.get()}; }
   [[nodiscard]] Log* log() const { return reporter().log(); }
@@ -57,7 +57,7 @@ class ElementView {
 
  private:
   ReportStyle reports_;
-  std::shared_ptr<xml::Element> node_;
+  xml::Element node_;
   DataManagerRef data_manager_;
 };
 
@@ -89,7 +89,7 @@ class ParameterizedItem : public virtual Interface {
   }
 
   // Bound by their collection right after creation.
-  void AttachNode(std::shared_ptr<xml::Element> node) { view_.AttachNode(std::move(node)); }
+  void AttachNode(xml::Element node) { view_.AttachNode(std::move(node)); }
   void AttachDataManager(DataManagerRef data_manager) {
     view_.AttachDataManager(std::move(data_manager));
   }

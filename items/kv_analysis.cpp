@@ -56,9 +56,9 @@ bool KVAnalysis::WriteToPropertySet(std::shared_ptr<NamedValueSet>& set) {
   return guard::Quiet(view().log(), [&] {
     if (!set) set = gis_core_->CreateNamedValueSet();
     if (view().node()) {
-      for (const auto& parameter : view().node()->Children(tags::kParameter)) {
-        Required(set).PutValue(ToText(parameter->GetAttribute(attributes::kName)),
-                               parameter->GetAttribute(attributes::kValue));
+      for (const auto& parameter : view().node().Children(tags::kParameter)) {
+        Required(set).PutValue(ToText(parameter.GetAttribute(attributes::kName)),
+                               parameter.GetAttribute(attributes::kValue));
       }
     }
     Required(set).PutValue(kNameEntry, Name());
@@ -96,10 +96,10 @@ void KVAnalysis::ExportMetadata(const std::shared_ptr<LayerMetadata>& metadata) 
     document.PutValue(metadata_paths::kGuid, AnalysisGUID());
     document.PutValue(metadata_paths::kComments, Comments());
     if (!view().node()) return;
-    for (const auto& parameter : view().node()->Children(tags::kParameter)) {
-      const auto name = ToText(parameter->GetAttribute(attributes::kName));
+    for (const auto& parameter : view().node().Children(tags::kParameter)) {
+      const auto name = ToText(parameter.GetAttribute(attributes::kName));
       document.PutValue(metadata_paths::kAnalysisParameters + name,
-                        parameter->GetAttribute(attributes::kValue));
+                        parameter.GetAttribute(attributes::kValue));
     }
   });
 }

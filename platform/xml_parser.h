@@ -2,19 +2,23 @@
 #pragma once
 
 #include <memory>
-#include <string>
+#include <span>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace kvdm {
 
+struct XmlAttribute {
+  std::string_view name;
+  std::string_view value;
+};
+
 // Receives the pieces of a document. Names are as written, prefixes included; line ends are LF;
 // references are resolved; a declaration of the prefix "xml", which is always declared, is not
-// reported. An operation that returns false, or throws, ends the parse as failed.
+// reported. An operation that returns false, or throws, ends the parse as failed. What it is given
+// is gone when it returns.
 class XmlHandler {
  public:
-  using Attributes = std::vector<std::pair<std::string, std::string>>;
+  using Attributes = std::span<const XmlAttribute>;
 
   virtual ~XmlHandler() = default;
   virtual bool StartElement(std::string_view tag, Attributes attributes) = 0;

@@ -92,8 +92,8 @@ Value KVStudyArea::GetProperty(std::string_view name) {
                               messages::kPropertyEnd);
       return nothing;
     }
-    const auto property = properties->Child(tags::kProperty, attributes::kName, name);
-    return property ? property->GetAttribute(attributes::kValue) : nothing;
+    const auto property = properties.Child(tags::kProperty, attributes::kName, name);
+    return property ? property.GetAttribute(attributes::kValue) : nothing;
   });
   return value.IsEmpty() ? nothing : value;
 }
@@ -103,24 +103,24 @@ bool KVStudyArea::SetProperty(std::string_view name, const Value& value) {
     if (!view_.node()) return false;
     const auto properties = Properties();
     if (!properties) return ReportMissingProperties(name);
-    auto property = properties->Child(tags::kProperty, attributes::kName, name);
+    auto property = properties.Child(tags::kProperty, attributes::kName, name);
     if (property) {
       // A changed value is saved by whatever saves next
       // (StudyAreaPropertiesTest.ChangingAPropertyDoesNotSave).
-      property->SetAttribute(attributes::kValue, value);
+      property.SetAttribute(attributes::kValue, value);
       return true;
     }
-    property = xml::Element::Create(tags::kProperty);
-    property->SetAttribute(attributes::kName, name);
-    property->SetAttribute(attributes::kValue, value);
-    properties->Append(property);
+    property = properties.CreateNear(tags::kProperty);
+    property.SetAttribute(attributes::kName, name);
+    property.SetAttribute(attributes::kValue, value);
+    properties.Append(property);
     view_.Flush();
     return true;
   });
 }
 
-std::shared_ptr<xml::Element> KVStudyArea::Properties() const {
-  return view_.node()->Child(tags::kStudyAreaProperties);
+xml::Element KVStudyArea::Properties() const {
+  return view_.node().Child(tags::kStudyAreaProperties);
 }
 
 bool KVStudyArea::ReportMissingProperties(std::string_view name) {

@@ -48,13 +48,13 @@ class KVStudyArea final : public IKVPropertySet,
   std::string FreeTablePath();
 
   // Bound by the collection right after creation.
-  void SetNode(std::shared_ptr<xml::Element> node) { view_.AttachNode(std::move(node)); }
+  void SetNode(xml::Element node) { view_.AttachNode(std::move(node)); }
   void SetDataManager(DataManagerRef data_manager) {
     view_.AttachDataManager(std::move(data_manager));
   }
 
  private:
-  [[nodiscard]] std::shared_ptr<xml::Element> Properties() const;
+  [[nodiscard]] xml::Element Properties() const;
   bool ReportMissingProperties(std::string_view name);
   void ShowPlain(std::string_view text);
 

@@ -57,11 +57,11 @@ bool KVStudyAreaCollection::CreateStudyArea(std::string_view name) {
 std::string KVStudyAreaCollection::AppendStudyArea(std::string_view name) {
   auto folder_name = view_.GenerateNewDirName([&] { return StudyAreasFolder(); }, name);
   const auto study_area = view_.NewItem(WrapName(name));
-  study_area->SetAttribute(attributes::kDirName, FolderOf(folder_name));
-  study_area->SetAttribute(attributes::kLayerFile, FolderOf(folder_name) + kLayerFileName);
-  study_area->SetAttribute(attributes::kCreationTime, view_.CreationTime());
-  view_.node()->Append(study_area);
-  study_area->Append(xml::Element::Create(tags::kStudyAreaProperties));
+  study_area.SetAttribute(attributes::kDirName, FolderOf(folder_name));
+  study_area.SetAttribute(attributes::kLayerFile, FolderOf(folder_name) + kLayerFileName);
+  study_area.SetAttribute(attributes::kCreationTime, view_.CreationTime());
+  view_.node().Append(study_area);
+  study_area.Append(study_area.CreateNear(tags::kStudyAreaProperties));
   return folder_name;
 }
 
@@ -100,7 +100,7 @@ bool KVStudyAreaCollection::Delete(const char* attribute, std::string_view key,
                                    bool below_study_areas) {
   const auto study_area = view_.Remove(attribute, key);
   if (!study_area) return false;
-  const auto folder = ToText(study_area->GetAttribute(attributes::kDirName));
+  const auto folder = ToText(study_area.GetAttribute(attributes::kDirName));
   view_.DeleteFolder(below_study_areas && !folder.empty() ? StudyAreasFolder() + folder : folder);
   Required(view_.data_manager()).Flush();
   return true;
@@ -116,7 +116,7 @@ std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::GetStudyAreaByGUID(std::str
 
 std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::Get(const char* attribute,
                                                          std::string_view key) {
-  return view_.Get<IKVStudyArea>(attribute, key, [&](const std::shared_ptr<xml::Element>& element) {
+  return view_.Get<IKVStudyArea>(attribute, key, [&](const xml::Element& element) {
     auto study_area = std::make_shared<KVStudyArea>(view_.gis_core());
     study_area->SetNode(element);
     study_area->SetDataManager(view_.data_manager());

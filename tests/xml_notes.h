@@ -15,7 +15,8 @@ class XmlNotes final : public XmlHandler {
  public:
   bool StartElement(std::string_view tag, Attributes attributes) override {
     std::string note = std::string("<").append(tag);
-    for (const auto& [name, value] : attributes) note += " " + name + "=" + value;
+    for (const auto& [name, value] : attributes)
+      note.append(" ").append(name).append("=").append(value);
     return Note(note);
   }
   bool EndElement() override { return Note(">"); }

@@ -12,7 +12,7 @@ namespace {
 // The attribute of the study area that `text` holds; nothing when it holds something else.
 Field AttributeIn(const xml::Document& document, const char* attribute) {
   const auto root = document.DocumentElement();
-  const Value value = root ? root->GetAttribute(attribute) : Value(Null());
+  const Value value = root ? root.GetAttribute(attribute) : Value(Null());
   return value.IsNull() ? Field() : Field(ToText(value));
 }
 

@@ -36,19 +36,19 @@ std::string AttributeText(const xml::Element& element, const char* name) {
 
 // The collection's element in the project as it was opened; Nothing when there is none. The
 // component itself has no list of the items in the collection.
-std::shared_ptr<xml::Element> CollectionElement(Session& session) {
+xml::Element CollectionElement(Session& session) {
   const auto& values = session.GetProject().values;
   if (values.empty()) return nullptr;
   xml::Document document;
   XmlParser& parser = *session.Component().GetServices().platform.xml_parser;
   if (!document.LoadXml(parser, ToText(values.front()))) return nullptr;
   const auto root = document.DocumentElement();
-  return root->Child(tags::kDataCollection);
+  return root.Child(tags::kDataCollection);
 }
 
 bool HasGroup(Session& session) {
   const auto collection = CollectionElement(session);
-  return collection && collection->Child(tags::kDataGroup);
+  return collection && collection.Child(tags::kDataGroup);
 }
 
 // A name that holds a double quote can't be looked for.
@@ -64,9 +64,9 @@ std::vector<DataEntry> CollectionEntries(Session& session) {
   const auto element = CollectionElement(session);
   const auto collection = DataCollection(session);
   if (!element) return entries;
-  for (const auto& child : element->Children(tags::kDataItem)) {
-    const std::string name = AttributeText(*child, attributes::kName);
-    const std::string guid = AttributeText(*child, attributes::kGuid);
+  for (const auto& child : element.Children(tags::kDataItem)) {
+    const std::string name = AttributeText(child, attributes::kName);
+    const std::string guid = AttributeText(child, attributes::kGuid);
     entries.push_back({name, guid, DataPlace::kCollection, Reached(*collection, name, guid)});
   }
   return entries;

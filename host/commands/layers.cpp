@@ -142,8 +142,8 @@ std::string FolderTakenWith(Session& session, const std::string& guid) {
                    ToText(session.GetProject().values.front()));
   const auto root = metadata.DocumentElement();
   const auto layers = Required(root).Child(tags::kStoreLayerCollection);
-  const auto layer = layers ? layers->Child(tags::kStoreLayer, attributes::kGuid, guid) : nullptr;
-  const Value name = layer ? layer->GetAttribute(attributes::kDirName) : Value();
+  const auto layer = layers ? layers.Child(tags::kStoreLayer, attributes::kGuid, guid) : nullptr;
+  const Value name = layer ? layer.GetAttribute(attributes::kDirName) : Value();
   return StoreLayerKind::Collection(session)->StoreLayersDir() + "\\" +
          (name.IsNull() ? "" : ToText(name));
 }

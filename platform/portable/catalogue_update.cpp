@@ -19,7 +19,6 @@ namespace kvdm {
 namespace {
 
 using xml::Element;
-using ElementRef = std::shared_ptr<Element>;
 
 constexpr char kArea[] = "STUDYAREA";
 constexpr char kGuid[] = "GUID";
@@ -39,10 +38,10 @@ std::string TextOf(const Element& element, const char* attribute) {
   return value.IsNull() ? std::string() : ToText(value);
 }
 
-std::vector<ElementRef> ElementsIn(const Element& parent) {
-  std::vector<ElementRef> elements;
-  for (auto node = parent.FirstChild(); node; node = node->Next()) {
-    if (auto element = std::dynamic_pointer_cast<Element>(node)) elements.push_back(element);
+std::vector<Element> ElementsIn(const Element& parent) {
+  std::vector<Element> elements;
+  for (auto node = parent.FirstChild(); node; node = node.Next()) {
+    if (const Element element(node); element) elements.push_back(element);
   }
   return elements;
 }
@@ -60,7 +59,7 @@ std::string Canonical(const Element& element, const char* ignored = "") {
     text.append("\2").append(name).append("\3").append(value);
   }
   std::multiset<std::string> children;
-  for (const auto& child : ElementsIn(element)) children.insert(Canonical(*child));
+  for (const auto& child : ElementsIn(element)) children.insert(Canonical(child));
   if (children.empty()) text += '\4' + element.Text();
   for (const std::string& child : children) text += child;
   return text + '\5';
@@ -68,22 +67,22 @@ std::string Canonical(const Element& element, const char* ignored = "") {
 
 // The elements in `parent`, in their order, each with what tells it from the others: tag, name, and
 // a number where these repeat.
-std::vector<std::pair<std::string, ElementRef>> Keyed(const Element& parent) {
-  std::vector<std::pair<std::string, ElementRef>> keyed;
+std::vector<std::pair<std::string, Element>> Keyed(const Element& parent) {
+  std::vector<std::pair<std::string, Element>> keyed;
   std::map<std::string, int> numbers;
   for (const auto& child : ElementsIn(parent)) {
-    const std::string key = child->Tag() + '\1' + TextOf(*child, kName) + '\1';
+    const std::string key = child.Tag() + '\1' + TextOf(child, kName) + '\1';
     keyed.emplace_back(key + std::to_string(numbers[key]++), child);
   }
   return keyed;
 }
 
-std::map<std::string, ElementRef> ByKey(const Element& parent) {
+std::map<std::string, Element> ByKey(const Element& parent) {
   const auto keyed = Keyed(parent);
   return {keyed.begin(), keyed.end()};
 }
 
-ElementRef Find(const std::map<std::string, ElementRef>& elements, const std::string& key) {
+Element Find(const std::map<std::string, Element>& elements, const std::string& key) {
   const auto found = elements.find(key);
   return found == elements.end() ? nullptr : found->second;
 }
@@ -92,7 +91,7 @@ ElementRef Find(const std::map<std::string, ElementRef>& elements, const std::st
 class Change {
  public:
   // Whether `target` had changed in the same places to something else, which is lost then.
-  static bool Apply(const Element& base, const Element& wanted, Element& target) {
+  static bool Apply(const Element& base, const Element& wanted, const Element& target) {
     Change change;
     change.Elements(base, wanted, target);
     return change.collides_;
@@ -107,7 +106,7 @@ class Change {
     return true;
   }
 
-  void Elements(const Element& base, const Element& wanted, Element& target) {
+  void Elements(const Element& base, const Element& wanted, const Element& target) {
     Attributes(base, wanted, target);
     const bool are_leaves =
         ElementsIn(base).empty() && ElementsIn(wanted).empty() && ElementsIn(target).empty();
@@ -117,7 +116,7 @@ class Change {
     Children(base, wanted, target);
   }
 
-  void Attributes(const Element& base, const Element& wanted, Element& target) {
+  void Attributes(const Element& base, const Element& wanted, const Element& target) {
     for (const auto& [name, value] : wanted.Attributes()) {
       if (Replaces(base.GetAttribute(name), Value(value), target.GetAttribute(name))) {
         target.SetAttribute(name, value);
@@ -131,7 +130,7 @@ class Change {
     }
   }
 
-  void Children(const Element& base, const Element& wanted, Element& target) {
+  void Children(const Element& base, const Element& wanted, const Element& target) {
     const auto old = ByKey(base);
     const auto now = ByKey(target);
     const auto kept = ByKey(wanted);
@@ -140,14 +139,14 @@ class Change {
     }
     for (const auto& [key, before] : old) {
       const auto there = Find(kept, key) ? nullptr : Find(now, key);
-      if (there && Canonical(*there) == Canonical(*before)) target.Remove(there);
+      if (there && Canonical(there) == Canonical(before)) target.Remove(there);
     }
   }
 
-  void Child(const ElementRef& base, const ElementRef& wanted, const ElementRef& now,
-             Element& target) {
-    if (base && Canonical(*base) == Canonical(*wanted)) return;
-    if (now) return Elements(base ? *base : *Element::Create(wanted->Tag()), *wanted, *now);
+  void Child(const Element& base, const Element& wanted, const Element& now,
+             const Element& target) {
+    if (base && Canonical(base) == Canonical(wanted)) return;
+    if (now) return Elements(base ? base : Element::Create(wanted.Tag()), wanted, now);
     target.Append(wanted);
   }
 
@@ -156,14 +155,14 @@ class Change {
 
 // A study area of a text, and what tells it from the others there.
 struct Area {
-  ElementRef element;
+  Element element;
   std::string guid;  // "" when it is missing or another one has it too
   std::string name;  // with a number that tells it from others of that name
 };
 
 // The folder as files are found in it; "" for none.
 std::u32string FolderOf(const Area& area) {
-  std::string folder = TextOf(*area.element, kFolder);
+  std::string folder = TextOf(area.element, kFolder);
   if (folder.ends_with('\\')) folder.pop_back();
   return FoldedName(folder);
 }
@@ -181,19 +180,19 @@ class Catalogue {
   // Empty when the text has no root or can't be loaded.
   Catalogue(XmlParser& parser, std::string_view text) {
     if (!document_.LoadXml(parser, UpToNul(text))) return;
-    const auto elements = document_.DocumentElement()->Children(kArea);
+    const auto elements = document_.DocumentElement().Children(kArea);
     std::map<std::string, int> uses;
-    for (const auto& element : elements) ++uses[TextOf(*element, kGuid)];
+    for (const auto& element : elements) ++uses[TextOf(element, kGuid)];
     std::map<std::string, int> numbers;
     for (const auto& element : elements) {
-      const std::string guid = TextOf(*element, kGuid);
-      const std::string name = TextOf(*element, kName);
+      const std::string guid = TextOf(element, kGuid);
+      const std::string name = TextOf(element, kName);
       areas_.push_back({element, uses[guid] == 1 ? guid : std::string(),
                         name + '\1' + std::to_string(numbers[name]++)});
     }
   }
 
-  [[nodiscard]] ElementRef Root() const { return document_.DocumentElement(); }
+  [[nodiscard]] Element Root() const { return document_.DocumentElement(); }
   [[nodiscard]] const std::vector<Area>& Areas() const { return areas_; }
   [[nodiscard]] const xml::Document& Document() const { return document_; }
 
@@ -216,7 +215,7 @@ class Pairs {
  public:
   Pairs(const AreaRefs& before, const AreaRefs& after) {
     Match(before, after, [](const Area& area) { return area.guid; });
-    Match(before, after, [](const Area& area) { return Canonical(*area.element, kGuid); });
+    Match(before, after, [](const Area& area) { return Canonical(area.element, kGuid); });
     Match(before, after, FolderOf);
     Match(
         before, after, [](const Area& area) { return area.name; },
@@ -288,14 +287,14 @@ class Merge {
 
   void Put(const Area& wanted) {
     const Area* base = here_.Before(wanted);
-    if (base && Canonical(*base->element) == Canonical(*wanted.element)) return;
+    if (base && Canonical(base->element) == Canonical(wanted.element)) return;
     const Area* stored = base ? there_.After(*base) : added_.After(wanted);
     if (!base || !stored || FolderOf(*base) != FolderOf(wanted)) Free(FolderOf(wanted), stored);
     if (!stored) return Append(wanted.element, base != nullptr);
-    Element& target = *stored->element;
+    const Element& target = stored->element;
     const std::string before = target.Xml();
     const auto none = base ? nullptr : Element::Create(kArea);
-    if (!Change::Apply(base ? *base->element : *none, *wanted.element, target)) return;
+    if (!Change::Apply(base ? base->element : none, wanted.element, target)) return;
     kept.push_back(before);
     Note(target, "was changed elsewhere too; what was stored is kept in the history.");
   }
@@ -304,34 +303,34 @@ class Merge {
   void Free(const std::u32string& folder, const Area* owner) {
     if (folder.empty()) return;
     for (const Area* stored : stored_) {
-      if (stored == owner || !stored->element->Parent() || FolderOf(*stored) != folder) continue;
+      if (stored == owner || !stored->element.Parent() || FolderOf(*stored) != folder) continue;
       const Area* base = there_.Before(*stored);
       if (base && FolderOf(*base) == folder) continue;
-      kept.push_back(stored->element->Xml());
-      Note(*stored->element,
+      kept.push_back(stored->element.Xml());
+      Note(stored->element,
            "has a folder that belongs to another one now; it is kept in the "
            "history.");
-      root_->Remove(stored->element);
+      root_.Remove(stored->element);
     }
   }
 
-  void Append(const ElementRef& wanted, bool was_there) {
-    if (was_there) Note(*wanted, "was deleted elsewhere while it was changed here; it stays.");
-    const std::string name = TextOf(*wanted, kName);
+  void Append(const Element& wanted, bool was_there) {
+    if (was_there) Note(wanted, "was deleted elsewhere while it was changed here; it stays.");
+    const std::string name = TextOf(wanted, kName);
     const bool has_twin = std::ranges::any_of(stored_, [&](const Area* area) {
-      return area->element->Parent() && TextOf(*area->element, kName) == name;
+      return area->element.Parent() && TextOf(area->element, kName) == name;
     });
-    if (has_twin) Note(*wanted, "has the name of one that was added elsewhere.");
-    root_->Append(wanted);
+    if (has_twin) Note(wanted, "has the name of one that was added elsewhere.");
+    root_.Append(wanted);
   }
 
   void Delete(const Area& base) {
     const Area* stored = there_.After(base);
     if (!stored) return;
-    if (Canonical(*stored->element) == Canonical(*base.element)) {
-      return root_->Remove(stored->element);
+    if (Canonical(stored->element) == Canonical(base.element)) {
+      return root_.Remove(stored->element);
     }
-    Note(*stored->element, "was changed elsewhere while it was deleted here; it stays.");
+    Note(stored->element, "was changed elsewhere while it was deleted here; it stays.");
   }
 
   void Note(const Element& area, std::string_view what) {
@@ -342,10 +341,10 @@ class Merge {
   AreaRefs base_;
   AreaRefs wanted_;
   AreaRefs stored_;
-  ElementRef root_;  // of the stored text
-  Pairs here_;       // from the base to what is wanted
-  Pairs there_;      // from the base to what is stored
-  Pairs added_;      // from what was added here to what was added elsewhere
+  Element root_;  // of the stored text
+  Pairs here_;    // from the base to what is wanted
+  Pairs there_;   // from the base to what is stored
+  Pairs added_;   // from what was added here to what was added elsewhere
 };
 
 }  // namespace
@@ -369,9 +368,9 @@ std::vector<TextUpdate::Piece> CatalogueUpdate::PiecesOf(const std::string& text
   std::vector<Piece> pieces;
   for (const Area& area : catalogue.Areas()) {
     const std::string& key = area.guid.empty() ? area.name : area.guid;
-    pieces.push_back({key, pieces.size(), area.element->Xml()});
+    pieces.push_back({key, pieces.size(), area.element.Xml()});
   }
-  for (const Area& area : catalogue.Areas()) catalogue.Root()->Remove(area.element);
+  for (const Area& area : catalogue.Areas()) catalogue.Root().Remove(area.element);
   pieces.push_back({"", pieces.size(), catalogue.Document().Xml()});
   return pieces;
 }

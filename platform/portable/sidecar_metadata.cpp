@@ -33,10 +33,10 @@ class SidecarMetadata : public LayerMetadata {
     const NamedValueSet::Listing listing = Required(document).ListAll();
     const auto root = xml::Element::Create(kRoot);
     for (std::size_t i = 0; i < listing.names.size(); ++i) {
-      const auto entry = xml::Element::Create(kEntry);
-      entry->SetAttribute(kPath, listing.names[i]);
-      PutValue(*entry, listing.values.at(i));
-      AppendLine(*root, entry);
+      const auto entry = root.CreateNear(kEntry);
+      entry.SetAttribute(kPath, listing.names[i]);
+      PutValue(entry, listing.values.at(i));
+      AppendLine(root, entry);
     }
     // What could not be read would be lost.
     if (unread_) throw RuntimeError(kPermissionDenied, {}, path_ + " can't be read");
@@ -49,8 +49,8 @@ class SidecarMetadata : public LayerMetadata {
   [[nodiscard]] std::shared_ptr<ValueSet> Parsed(std::string_view bytes) const {
     try {
       auto document = std::make_shared<ValueSet>();
-      for (const auto& entry : LoadRoot(*parser_, bytes, kRoot)->Children(kEntry)) {
-        document->AddValue(TextAttribute(*entry, kPath), ValueIn(*entry));
+      for (const auto& entry : LoadRoot(*parser_, bytes, kRoot).Children(kEntry)) {
+        document->AddValue(TextAttribute(entry, kPath), ValueIn(entry));
       }
       return document;
     } catch (const RuntimeError& error) {

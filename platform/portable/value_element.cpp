@@ -51,7 +51,7 @@ struct TypedTextVisitor {
   }
   TypedText operator()(const DateTime& time) const { return {"Date", DateText(time, 'T')}; }
   TypedText operator()(const std::string& text) const {
-    if (xml::Sanitized(text) != text) return {"Bytes", Hex(text)};
+    if (std::string_view(xml::Sanitized(text)) != text) return {"Bytes", Hex(text)};
     return {"Text", text};
   }
 };
@@ -111,14 +111,14 @@ std::string_view TakePiece(std::string_view& rest) {
 
 }  // namespace
 
-void PutValue(xml::Element& element, const Value& value) {
+void PutValue(const xml::Element& element, const Value& value) {
   const TypedText typed = std::visit(TypedTextVisitor{}, value.storage());
   element.SetAttribute(kType, typed.type);
   std::string_view rest = typed.text;
   element.SetAttribute(kValue, TakePiece(rest));
   while (!rest.empty()) {
-    const auto more = xml::Element::Create(kMore);
-    more->SetAttribute(kValue, TakePiece(rest));
+    const auto more = element.CreateNear(kMore);
+    more.SetAttribute(kValue, TakePiece(rest));
     element.Append(more);
   }
 }
@@ -126,7 +126,7 @@ void PutValue(xml::Element& element, const Value& value) {
 Value ValueIn(const xml::Element& element) {
   const std::string type = TextAttribute(element, kType);
   std::string text = TextAttribute(element, kValue);
-  for (const auto& more : element.Children(kMore)) text += TextAttribute(*more, kValue);
+  for (const auto& more : element.Children(kMore)) text += TextAttribute(more, kValue);
   return Parsed({type, std::move(text)});
 }
 
@@ -139,30 +139,29 @@ std::string TextAttribute(const xml::Element& element, std::string_view name) {
   return ToText(value);
 }
 
-void AppendLine(xml::Element& root, const std::shared_ptr<xml::Element>& child) {
+void AppendLine(const xml::Element& root, const xml::Element& child) {
   if (!root.FirstChild()) root.Append(xml::CreateText("\n"));
   root.Append(child);
   root.Append(xml::CreateText("\n"));
 }
 
-std::string DocumentText(const std::shared_ptr<xml::Element>& root) {
+std::string DocumentText(const xml::Element& root) {
   xml::Document document;
   document.AddDeclaration();
   document.SetDocumentElement(root);
   return document.Xml();
 }
 
-std::shared_ptr<xml::Element> LoadRoot(XmlParser& parser, std::string_view bytes,
-                                       std::string_view tag) {
+xml::Element LoadRoot(XmlParser& parser, std::string_view bytes, std::string_view tag) {
   xml::Document document;
   if (!document.Load(parser, bytes)) {
     throw RuntimeError(kAutomationFailure, {}, "not a well-formed XML document");
   }
   auto root = document.DocumentElement();
-  if (root->Tag() != tag) {
+  if (root.Tag() != tag) {
     throw RuntimeError(
         kAutomationFailure, {},
-        "a document of another kind: its root is " + root->Tag() + ", not " + std::string(tag));
+        "a document of another kind: its root is " + root.Tag() + ", not " + std::string(tag));
   }
   return root;
 }

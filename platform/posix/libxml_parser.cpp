@@ -2,11 +2,12 @@
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
+#include <deque>
 #include <exception>
 #include <memory>
 #include <new>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "platform/xml/limits.h"
 #include "platform/xml/xml_input.h"
@@ -26,26 +27,6 @@ std::string_view View(const xmlChar* text) {
 
 std::string_view View(const xmlChar* text, int length) {
   return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(length)};
-}
-
-std::string QualifiedName(std::string_view prefix, std::string_view local) {
-  std::string name(prefix);
-  if (!prefix.empty()) name += ':';
-  return name += local;
-}
-
-// Attribute values come with every ampersand as a reference, and with no other references.
-std::string AttributeText(std::string_view value) {
-  constexpr std::string_view kAmpersand = "&#38;";
-  std::string text;
-  text.reserve(value.size());
-  while (true) {
-    const auto found = value.find(kAmpersand);
-    text += value.substr(0, found);
-    if (found == std::string_view::npos) return text;
-    text += '&';
-    value.remove_prefix(found + kAmpersand.size());
-  }
 }
 
 // As `operator new` does.
@@ -116,19 +97,21 @@ class Run {
     run.Pass([&] {
       run.has_element_ = true;
       if (++run.depth_ > xml::kMaxDepth) return false;
-      XmlHandler::Attributes list;
+      run.attributes_.clear();
+      run.made_.clear();
       for (int i = 0; i < namespace_count; ++i, namespaces += 2) {
-        std::string name =
-            namespaces[0] == nullptr ? "xmlns" : QualifiedName("xmlns", View(namespaces[0]));
-        list.emplace_back(std::move(name), AttributeText(View(namespaces[1])));
+        const std::string_view name =
+            namespaces[0] == nullptr ? "xmlns" : run.QualifiedName("xmlns", View(namespaces[0]));
+        run.attributes_.push_back({name, run.AttributeText(View(namespaces[1]))});
       }
       // Each attribute is its local name, prefix, namespace, and the start and end of its value.
       for (int i = 0; i < attribute_count; ++i, attributes += 5) {
         const auto length = static_cast<int>(attributes[4] - attributes[3]);
-        list.emplace_back(QualifiedName(View(attributes[1]), View(attributes[0])),
-                          AttributeText(View(attributes[3], length)));
+        run.attributes_.push_back({run.QualifiedName(View(attributes[1]), View(attributes[0])),
+                                   run.AttributeText(View(attributes[3], length))});
       }
-      return run.handler_.StartElement(QualifiedName(View(prefix), View(local)), std::move(list));
+      return run.handler_.StartElement(run.QualifiedName(View(prefix), View(local)),
+                                       run.attributes_);
     });
   }
 
@@ -163,8 +146,29 @@ class Run {
     run.context_->disableSAX = 1;
   }
 
+  std::string_view QualifiedName(std::string_view prefix, std::string_view local) {
+    if (prefix.empty()) return local;
+    std::string& name = made_.emplace_back(prefix);
+    return (name += ':') += local;
+  }
+
+  // Attribute values come with every ampersand as a reference, and with no other references.
+  std::string_view AttributeText(std::string_view value) {
+    constexpr std::string_view kAmpersand = "&#38;";
+    auto found = value.find(kAmpersand);
+    if (found == std::string_view::npos) return value;
+    std::string& text = made_.emplace_back();
+    for (; found != std::string_view::npos; found = value.find(kAmpersand)) {
+      text.append(value.substr(0, found)) += '&';
+      value.remove_prefix(found + kAmpersand.size());
+    }
+    return text += value;
+  }
+
   xmlParserCtxtPtr context_;
   XmlHandler& handler_;
+  std::vector<XmlAttribute> attributes_;  // of the element that starts
+  std::deque<std::string> made_;          // names and values of these that had to be put together
   std::size_t depth_ = 0;
   bool refused_ = false;    // by the handler, or for a limit
   bool malformed_ = false;  // says the library

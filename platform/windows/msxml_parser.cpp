@@ -7,8 +7,7 @@
 #include <string>
 
 #include "platform/windows/automation.h"
-#include "platform/xml/declaration.h"
-#include "platform/xml/namespace_check.h"
+#include "platform/xml/namespaces.h"
 #include "platform/xml/pieces.h"
 #include "platform/xml/xml_input.h"
 #include "platform/xml_parser.h"

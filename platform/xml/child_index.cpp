@@ -1,6 +1,7 @@
 #include "platform/xml/child_index.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -9,97 +10,163 @@ namespace {
 
 constexpr std::size_t kMaxTables = 16;
 
+std::size_t few_children = 32;
+
+// Multiplies eight bytes at a time into the hash.
+std::uint32_t HashOf(std::string_view text) {
+  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15U;
+  std::uint64_t hash = text.size() * kFactor;
+  while (!text.empty()) {
+    std::uint64_t word = 0;
+    const std::size_t size = std::min(text.size(), sizeof word);
+    std::memcpy(&word, text.data(), size);
+    hash = (hash ^ word) * kFactor;
+    hash ^= hash >> 29U;
+    text.remove_prefix(size);
+  }
+  return static_cast<std::uint32_t>(hash >> 8U);
+}
+
 }  // namespace
 
-void ChildIndex::Table::Insert(const std::string& key, Element& child) {
-  matches_by_key[key].emplace(child.sequence_, &child);
-}
+void IndexMoreChildrenThan(std::size_t count) { few_children = count; }
+std::size_t FewChildren() { return few_children; }
 
-void ChildIndex::Table::Erase(const std::string& key, Element& child) {
-  const auto found = matches_by_key.find(key);
-  found->second.erase(child.sequence_);
-  if (found->second.empty()) matches_by_key.erase(found);
-}
-
-template <class Change>
-void ChildIndex::Table::WithKeyOf(Element& child, const Change& change) {
-  if (child.Tag() != tag) return;
-  if (attribute.empty()) return change(std::string());
-  const auto& attributes = child.Attributes();
-  const auto found = std::ranges::find(attributes, attribute, &Attribute::name);
-  if (found != attributes.end()) change(found->value);
-}
-
-Element* ChildIndex::First(const std::string& tag, const std::string& attribute,
-                           const std::string& key, Node* first_child) {
-  const Matches* matches = Find(tag, attribute, key, first_child);
-  return matches == nullptr ? nullptr : matches->begin()->second;
-}
-
-std::vector<Element*> ChildIndex::All(const std::string& tag, Node* first_child) {
-  std::vector<Element*> all;
-  if (const Matches* matches = Find(tag, {}, {}, first_child)) {
-    for (const auto& [sequence, child] : *matches) all.push_back(child);
+std::size_t ChildIndex::Table::PlaceOf(const Records& records, std::uint32_t hash,
+                                       std::string_view key) const {
+  std::size_t place = Home(hash);
+  for (;; place = Next(place)) {
+    const Entry& entry = entries_[place];
+    if (entry.attribute == 0) return place;
+    if (entry.hash != hash) continue;
+    if (records.texts[records.attributes[entry.attribute].value] == key) return place;
   }
-  return all;
 }
 
-const ChildIndex::Matches* ChildIndex::Find(const std::string& tag, const std::string& attribute,
-                                            const std::string& key, Node* first_child) {
-  const auto& matches_by_key = TableFor(tag, attribute, first_child).matches_by_key;
-  const auto found = matches_by_key.find(key);
-  return found == matches_by_key.end() ? nullptr : &found->second;
+Number ChildIndex::Table::Find(const Records& records, std::string_view key) const {
+  return entries_[PlaceOf(records, HashOf(key), key)].attribute;
 }
 
-ChildIndex::Table& ChildIndex::TableFor(const std::string& tag, const std::string& attribute,
-                                        Node* first_child) {
-  const auto found = std::ranges::find_if(tables_, [&](const Table& table) {
-    return table.tag == tag && table.attribute == attribute;
-  });
-  if (found != tables_.end()) return *found;
+void ChildIndex::Table::Insert(Records& records, Number attribute) {
+  if (4 * used_ >= 3 * entries_.size()) Grow();
+  AttributeRecord& record = records.attributes[attribute];
+  const std::string_view key = records.texts[record.value];
+  const std::uint32_t hash = HashOf(key);
+  Entry& entry = entries_[PlaceOf(records, hash, key)];
+  if (entry.attribute == 0) {
+    entry = {hash, attribute};
+    ++used_;
+    record.next_alike = record.previous_alike = attribute;
+    return;
+  }
+  AttributeRecord& first = records.attributes[entry.attribute];
+  record.next_alike = entry.attribute;
+  record.previous_alike = first.previous_alike;
+  records.attributes[first.previous_alike].next_alike = attribute;
+  first.previous_alike = attribute;
+}
 
-  Table table{tag, attribute, {}};
-  for (Node* child = first_child; child != nullptr; child = child->next_.get()) {
-    if (child->Type() != NodeType::kElement) continue;
-    auto& element = static_cast<Element&>(*child);
-    table.WithKeyOf(element, [&](const std::string& key) { table.Insert(key, element); });
+void ChildIndex::Table::Erase(Records& records, Number attribute) noexcept {
+  const AttributeRecord& record = records.attributes[attribute];
+  const std::string_view key = records.texts[record.value];
+  const std::size_t place = PlaceOf(records, HashOf(key), key);
+  if (record.next_alike == attribute) return Clear(place);
+  if (entries_[place].attribute == attribute) entries_[place].attribute = record.next_alike;
+  records.attributes[record.next_alike].previous_alike = record.previous_alike;
+  records.attributes[record.previous_alike].next_alike = record.next_alike;
+}
+
+void ChildIndex::Table::Grow() {
+  std::vector<Entry> entries(2 * entries_.size());
+  entries_.swap(entries);
+  for (const Entry& entry : entries) {
+    if (entry.attribute == 0) continue;
+    std::size_t place = Home(entry.hash);
+    while (entries_[place].attribute != 0) place = Next(place);
+    entries_[place] = entry;
+  }
+}
+
+// Entries after a free place are not found from places before it: those that belong there move up.
+void ChildIndex::Table::Clear(std::size_t place) noexcept {
+  --used_;
+  for (std::size_t next = Next(place); entries_[next].attribute != 0; next = Next(next)) {
+    const std::size_t home = Home(entries_[next].hash);
+    const bool stays = place < next ? place < home && home <= next : place < home || home <= next;
+    if (stays) continue;
+    entries_[place] = entries_[next];
+    place = next;
+  }
+  entries_[place] = {};
+}
+
+Number ChildIndex::Find(Records& records, Number parent, Number tag, Number attribute,
+                        std::string_view key) {
+  const Number found = TableFor(records, parent, tag, attribute).Find(records, key);
+  return found == 0 ? 0 : records.attributes[found].owner;
+}
+
+ChildIndex::Table& ChildIndex::TableFor(Records& records, Number parent, Number tag,
+                                        Number attribute) {
+  for (Table& table : tables_) {
+    if (table.IsOf(tag, attribute)) return table;
+  }
+  Table table(tag, attribute);
+  for (Number child = records.nodes[parent].first; child != 0; child = records.nodes[child].next) {
+    const NodeRecord& node = records.nodes[child];
+    if (node.type != NodeType::kElement || node.name != tag) continue;
+    if (const Number own = records.FindAttribute(child, attribute)) table.Insert(records, own);
   }
   if (tables_.size() == kMaxTables) tables_.clear();
   return tables_.emplace_back(std::move(table));
 }
 
-template <class Change>
-void ChildIndex::Update(const Change& change) {
+ChildIndex::Table* ChildIndex::TableOf(const Records& records, Number attribute) {
+  const AttributeRecord& record = records.attributes[attribute];
+  const Number tag = records.nodes[record.owner].name;
+  const auto found = std::ranges::find_if(
+      tables_, [&](const Table& table) { return table.IsOf(tag, record.name); });
+  return found == tables_.end() ? nullptr : &*found;
+}
+
+void ChildIndex::Insert(Records& records, Table& table, Number attribute) noexcept {
   try {
-    for (Table& table : tables_) change(table);
+    table.Insert(records, attribute);
   } catch (const std::bad_alloc&) {
     tables_.clear();
   }
 }
 
-void ChildIndex::UpdateChild(Node& child, Action action) {
-  if (child.Type() != NodeType::kElement) return;
-  auto& element = static_cast<Element&>(child);
-  Update([&](Table& table) {
-    table.WithKeyOf(element, [&](const std::string& key) { (table.*action)(key, element); });
-  });
+void ChildIndex::Add(Records& records, Number child) noexcept {
+  const NodeRecord& node = records.nodes[child];
+  if (node.type != NodeType::kElement) return;
+  for (Number own = node.attributes; own != 0; own = records.attributes[own].next) {
+    if (Table* table = TableOf(records, own)) Insert(records, *table, own);
+  }
 }
 
-void ChildIndex::UpdateAttribute(Element& child, const Attribute& attribute, Action action) {
-  Update([&](Table& table) {
-    if (table.tag == child.Tag() && table.attribute == attribute.name) {
-      (table.*action)(attribute.value, child);
-    }
-  });
+void ChildIndex::Remove(Records& records, Number child) noexcept {
+  const NodeRecord& node = records.nodes[child];
+  if (node.type != NodeType::kElement) return;
+  for (Number own = node.attributes; own != 0; own = records.attributes[own].next) {
+    RemoveAttribute(records, own);
+  }
 }
 
-void ChildIndex::Add(Node& child) { UpdateChild(child, &Table::Insert); }
-void ChildIndex::Remove(Node& child) { UpdateChild(child, &Table::Erase); }
-void ChildIndex::AddAttribute(Element& child, const Attribute& attribute) {
-  UpdateAttribute(child, attribute, &Table::Insert);
+// Where others before and after have the value too, the table is made anew when it is asked for.
+void ChildIndex::AddAttribute(Records& records, Number attribute) noexcept {
+  Table* table = TableOf(records, attribute);
+  if (table == nullptr) return;
+  const AttributeRecord& record = records.attributes[attribute];
+  const bool is_last = records.nodes[record.owner].next == 0;
+  if (is_last || table->Find(records, records.texts[record.value]) == 0) {
+    return Insert(records, *table, attribute);
+  }
+  tables_.erase(tables_.begin() + (table - tables_.data()));
 }
-void ChildIndex::RemoveAttribute(Element& child, const Attribute& attribute) {
-  UpdateAttribute(child, attribute, &Table::Erase);
+
+void ChildIndex::RemoveAttribute(Records& records, Number attribute) noexcept {
+  if (Table* table = TableOf(records, attribute)) table->Erase(records, attribute);
 }
 
 }  // namespace kvdm::xml

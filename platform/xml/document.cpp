@@ -5,14 +5,11 @@
 
 #include <kvdm/platform/error.h>
 
+#include "platform/xml/limits.h"
 #include "platform/xml/serializer.h"
-#include "platform/xml/tree_builder.h"
 
 namespace kvdm::xml {
 namespace {
-
-constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n";
-constexpr std::string_view kAfterChild = "\r\n";
 
 // The first characters of a text, without a byte order mark; of UTF-16 every other byte, which is
 // what counts as long as they are ASCII.
@@ -32,47 +29,61 @@ bool StartsWithDeclaration(std::string_view bytes) {
   return rest.find_first_of(" \t\r\n") == 0;
 }
 
-}  // namespace
-
-// The top level: the declaration, and each node followed by a line end.
-class Document::Level final : public Branch {
+// Builds a tree from what a parser reports. Refuses whatever exceeds a limit.
+class TreeBuilder final : public XmlHandler {
  public:
-  Level() : Branch(NodeType::kDocument, 0, 0, kAfterChild.size()) {}
+  // Below `top`, which lives longer than the builder.
+  TreeBuilder(Tree& tree, Number top) : tree_(tree), current_(top) {}
 
-  // False when the text form would get too large.
-  bool Declare() {
-    if (is_declared_) return true;
-    is_declared_ = Grow(static_cast<std::ptrdiff_t>(kDeclaration.size()), 0);
-    CountChange();
-    return is_declared_;
+  bool StartElement(std::string_view tag, Attributes attributes) override {
+    if (tag.size() > kMaxNameBytes || attributes.size() > kMaxAttributes) return false;
+    if (!AddPendingText() || !Add(tree_.NewNode(NodeType::kElement, tag))) return false;
+    current_ = tree_.node(current_).last;
+    Number last = 0;
+    for (const auto& [name, value] : attributes) {
+      if (name.size() > kMaxNameBytes || value.size() > kMaxValueBytes) return false;
+      last = tree_.AddAttribute(current_, last, name, value);
+    }
+    return IsWithinLimit();
   }
-
-  using Branch::Changes;
-
-  [[nodiscard]] std::shared_ptr<Element> Root() const {
-    auto node = FirstChild();
-    while (node && node->Type() != NodeType::kElement) node = node->Next();
-    return std::static_pointer_cast<Element>(node);
+  bool EndElement() override {
+    const bool added = AddPendingText();
+    current_ = tree_.node(current_).parent;
+    return added;
   }
-
-  [[nodiscard]] std::string Xml(const Serializer::Holds* holds) const {
-    std::string text;
-    text.reserve(FormBytes());
-    Serializer serializer(text, holds);
-    Write(serializer);
-    return text;
+  bool Characters(std::string_view text) override {
+    if (text.size() > kMaxValueBytes - pending_text_.size()) return false;
+    pending_text_ += text;
+    return true;
+  }
+  bool Comment(std::string_view text) override {
+    return AddPendingText() && Add(tree_.NewNode(NodeType::kComment, {}, text));
+  }
+  bool Instruction(std::string_view target, std::string_view data) override {
+    return AddPendingText() && Add(tree_.NewNode(NodeType::kInstruction, target, data));
   }
 
  private:
-  void Write(Serializer& serializer) const override {
-    if (is_declared_) serializer.Markup(kDeclaration);
-    WriteChildren(serializer, kAfterChild);
+  bool Add(Number node) {
+    tree_.Link(current_, node);
+    return IsWithinLimit();
   }
+  bool AddPendingText() {
+    if (pending_text_.empty()) return true;
+    const Number text = tree_.NewNode(NodeType::kText, {}, pending_text_);
+    pending_text_.clear();
+    return Add(text);
+  }
+  [[nodiscard]] bool IsWithinLimit() const { return tree_.bytes() <= kMaxDocumentBytes; }
 
-  bool is_declared_ = false;
+  Tree& tree_;
+  Number current_;
+  std::string pending_text_;
 };
 
-Document::Document() : level_(std::make_shared<Level>()) {}
+}  // namespace
+
+Document::Document() : level_(Node::InNewTree(NodeType::kDocument)) {}
 
 bool Document::LoadXml(XmlParser& parser, std::string_view text) {
   return Parse(parser, text, XmlEncoding::kUtf8);
@@ -83,50 +94,63 @@ bool Document::Load(XmlParser& parser, std::string_view bytes) {
 }
 
 bool Document::Parse(XmlParser& parser, std::string_view text, XmlEncoding encoding) {
-  const auto loaded = std::make_shared<Level>();
+  const Node loaded = Node::InNewTree(NodeType::kDocument);
+  Node empty = Node::InNewTree(NodeType::kDocument);
   earlier_changes_ = Changes() + 1;
-  level_ = std::make_shared<Level>();
-  TreeBuilder builder(*loaded);
-  if (StartsWithDeclaration(text) && !loaded->Declare()) return false;
+  level_ = std::move(empty);
+  TreeBuilder builder(loaded.Home(), loaded.number());
+  if (StartsWithDeclaration(text)) loaded.Home().Declare();
   if (!parser.Parse(text, encoding, builder)) return false;
   level_ = loaded;
   return true;
 }
 
-std::shared_ptr<Element> Document::DocumentElement() const { return level_->Root(); }
+Element Document::DocumentElement() const {
+  Node node = level_.FirstChild();
+  while (node && node.Type() != NodeType::kElement) node = node.Next();
+  return Element(node);
+}
 
-void Document::SetDocumentElement(const std::shared_ptr<Element>& root) {
-  const auto old_root = DocumentElement();
-  if (!old_root) return level_->Append(root);
+void Document::SetDocumentElement(const Element& root) {
+  const Element old_root = DocumentElement();
+  if (!old_root) return level_.AppendNode(root);
   if (root == old_root) return;
 
   // Nodes are only ever appended, so all that follows the old root is appended again after the new
   // one, or after the old one when the new one is refused.
-  auto follower = old_root->Next();
-  level_->Remove(old_root);
+  Node follower = old_root.Next();
+  level_.RemoveNode(old_root);
   std::exception_ptr refusal;
   try {
-    level_->Append(root);
+    level_.AppendNode(root);
   } catch (...) {
     refusal = std::current_exception();
-    level_->Append(old_root);
+    level_.AppendNode(old_root);
   }
-  const auto placed = DocumentElement();
-  while (follower && follower != placed) level_->Append(std::exchange(follower, follower->Next()));
+  const Element placed = DocumentElement();
+  while (follower && !(follower == placed)) {
+    const Node next = follower.Next();
+    level_.AppendNode(follower);
+    follower = next;
+  }
   if (refusal) std::rethrow_exception(refusal);
 }
 
 void Document::AddDeclaration() {
-  if (!level_->Declare()) throw RuntimeError(kOutOfMemory);
+  Tree& tree = level_.Home();
+  if (tree.is_declared()) return;
+  if (!tree.HasRoom(kDeclaration.size())) throw RuntimeError(kOutOfMemory);
+  tree.Declare();
 }
 
-std::uint64_t Document::Changes() const { return earlier_changes_ + level_->Changes(); }
+std::uint64_t Document::Changes() const { return earlier_changes_ + level_.Home().changes(); }
 
 std::string Document::Xml() const { return Xml(nullptr); }
 std::string Document::Xml(const std::function<bool(char32_t)>& holds) const { return Xml(&holds); }
 
 std::string Document::Xml(const std::function<bool(char32_t)>* holds) const {
-  return DocumentElement() ? level_->Xml(holds) : std::string();
+  if (!DocumentElement()) return {};
+  return TextForm(level_.Home(), level_.number(), holds);
 }
 
 bool IsWellFormed(XmlParser& parser, std::string_view text) {

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -30,9 +29,9 @@ class Document {
   bool Load(XmlParser& parser, std::string_view bytes);
 
   // The root element; Nothing in an empty document.
-  [[nodiscard]] std::shared_ptr<Element> DocumentElement() const;
+  [[nodiscard]] Element DocumentElement() const;
   // Replaces the root, or adds it after all that is there. Run-time error 5 and 7 as of an append.
-  void SetDocumentElement(const std::shared_ptr<Element>& root);
+  void SetDocumentElement(const Element& root);
 
   void AddDeclaration();
 
@@ -50,12 +49,10 @@ class Document {
   [[nodiscard]] std::string Xml(const std::function<bool(char32_t)>& holds) const;
 
  private:
-  class Level;
-
   bool Parse(XmlParser& parser, std::string_view text, XmlEncoding encoding);
   [[nodiscard]] std::string Xml(const std::function<bool(char32_t)>* holds) const;
 
-  std::shared_ptr<Level> level_;
+  Node level_;  // of which the nodes of the top level are children
   std::uint64_t earlier_changes_ = 0;
 };
 

@@ -4,8 +4,10 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "platform/utf8.h"
 #include "platform/xml/limits.h"
@@ -80,25 +82,9 @@ std::optional<std::string> AttributeValue(std::string_view written) {
   return WithoutReferences(value);
 }
 
-// Takes `name = "value"` off `rest` and adds it.
-bool TakeAttribute(std::string_view& rest, XmlHandler::Attributes& attributes) {
-  const std::string_view name = TakeBefore(" \t\n=", rest);
-  SkipWhiteSpace(rest);
-  if (!Skip("=", rest)) return false;
-  SkipWhiteSpace(rest);
-  if (!rest.starts_with('"') && !rest.starts_with('\'')) return false;
-  const std::string_view quote = rest.substr(0, 1);
-  rest.remove_prefix(1);
-  const auto written = TakeUntil(quote, rest);
-  auto value = written ? AttributeValue(*written) : std::nullopt;
-  if (!value) return false;
-  attributes.emplace_back(name, std::move(*value));
-  return true;
-}
-
 // The prefix "xml" is declared everywhere; not every parser reports where a text declares it again.
-bool SaysNothing(const XmlHandler::Attributes::value_type& attribute) {
-  return attribute.first == "xmlns:xml" && attribute.second == xml::kXmlNamespace;
+bool SaysNothing(const XmlAttribute& attribute) {
+  return attribute.name == "xmlns:xml" && attribute.value == xml::kXmlNamespace;
 }
 
 // Reads a text from its start to its end.
@@ -158,25 +144,40 @@ class PieceReader {
 
   bool ReadStartTag() {
     const std::string_view tag = TakeBefore(" \t\n/>", rest_);
-    XmlHandler::Attributes attributes;
+    attributes_.clear();
+    values_.clear();
     while (true) {
       SkipWhiteSpace(rest_);
       if (rest_.empty()) return false;
       const bool ends_element = Skip("/>", rest_);
       if (ends_element || Skip(">", rest_)) {
-        return StartElement(tag, std::move(attributes)) && (!ends_element || EndElement());
+        return StartElement(tag) && (!ends_element || EndElement());
       }
-      if (!TakeAttribute(rest_, attributes)) return false;
+      if (!ReadAttribute()) return false;
     }
   }
 
-  bool StartElement(std::string_view tag, XmlHandler::Attributes attributes) {
+  // `name = "value"`
+  bool ReadAttribute() {
+    const std::string_view name = TakeBefore(" \t\n=", rest_);
+    SkipWhiteSpace(rest_);
+    if (!Skip("=", rest_)) return false;
+    SkipWhiteSpace(rest_);
+    if (!rest_.starts_with('"') && !rest_.starts_with('\'')) return false;
+    const std::string_view quote = rest_.substr(0, 1);
+    rest_.remove_prefix(1);
+    const auto written = TakeUntil(quote, rest_);
+    auto value = written ? AttributeValue(*written) : std::nullopt;
+    if (!value) return false;
+    attributes_.push_back({name, values_.emplace_back(std::move(*value))});
+    return true;
+  }
+
+  bool StartElement(std::string_view tag) {
     if (++depth_ > xml::kMaxDepth) return false;
-    std::erase_if(attributes, SaysNothing);
-    std::stable_partition(attributes.begin(), attributes.end(), [](const auto& attribute) {
-      return xml::IsNamespaceDeclaration(attribute.first);
-    });
-    return handler_.StartElement(tag, std::move(attributes));
+    std::erase_if(attributes_, SaysNothing);
+    std::ranges::stable_partition(attributes_, xml::IsNamespaceDeclaration, &XmlAttribute::name);
+    return handler_.StartElement(tag, attributes_);
   }
 
   bool EndElement() {
@@ -187,6 +188,8 @@ class PieceReader {
   std::string_view rest_;
   XmlHandler& handler_;
   std::size_t depth_ = 0;
+  std::vector<XmlAttribute> attributes_;
+  std::deque<std::string> values_;  // of the attributes
 };
 
 }  // namespace

@@ -1,137 +1,228 @@
 #include "platform/xml/serializer.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include <kvdm/platform/error.h>
 
 #include "platform/utf8.h"
+#include "platform/xml/tree.h"
+#include "platform/xml/xml_text.h"
 
 namespace kvdm::xml {
 namespace {
 
-constexpr std::string_view kLineEnd = "\r\n";
+// Where a text stands decides what can't stand there as it is.
+enum class Place { kAttribute, kText, kRemark };
 
-// What stands for a character; "" when it stands for itself.
-std::string_view ReferenceTo(char character) {
+// How a character that is not plain is written; "" for as it is.
+std::string_view WrittenAs(char character, Place place) {
+  const bool in_attribute = place == Place::kAttribute;
+  const bool is_remark = place == Place::kRemark;
   switch (character) {
     case '<':
-      return "&lt;";
+      return is_remark ? "" : "&lt;";
     case '>':
-      return "&gt;";
+      return is_remark ? "" : "&gt;";
     case '&':
-      return "&amp;";
+      return is_remark ? "" : "&amp;";
+    case '"':
+      return in_attribute ? "&quot;" : "";
+    case '\t':
+      return in_attribute ? "&#9;" : "";
+    case '\n':
+      return in_attribute ? "&#10;" : kLineEnd;
+    case '\r':
+      return in_attribute ? "&#13;" : kLineEnd;
     default:
       return {};
   }
 }
 
-std::string_view AttributeReferenceTo(char character) {
-  switch (character) {
-    case '"':
-      return "&quot;";
-    case '\t':
-      return "&#9;";
-    case '\n':
-      return "&#10;";
-    case '\r':
-      return "&#13;";
-    default:
-      return ReferenceTo(character);
-  }
-}
-
-template <class Reference>
-void AppendEscaped(std::string_view text, const Reference& reference, std::string& output) {
-  const auto is_escaped = [&](char character) { return !reference(character).empty(); };
+// Puts the text form of `text` into `sink`. Outside attributes CR LF is one line end.
+template <class Sink>
+void PutEscaped(std::string_view text, Place place, Sink& sink) {
   while (true) {
-    const auto special = std::ranges::find_if(text, is_escaped);
-    output.append(text.begin(), special);
-    if (special == text.end()) return;
-    output += reference(*special);
-    text.remove_prefix(special - text.begin() + 1);
+    const std::size_t plain = PlainRun(text);
+    sink.Put(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (text.empty()) return;
+    const std::string_view written = WrittenAs(text.front(), place);
+    const bool is_pair = written == kLineEnd && text.starts_with(kLineEnd);
+    sink.Put(written.empty() ? text.substr(0, 1) : written);
+    text.remove_prefix(is_pair ? 2 : 1);
   }
 }
 
-// Every CR LF, lone CR and lone LF as CR LF; all else as `reference` says.
-template <class Reference>
-std::string WithLineEnds(std::string_view text, const Reference& reference) {
-  std::string output;
-  output.reserve(text.size());
-  while (true) {
-    const auto end = text.find_first_of(kLineEnd);
-    AppendEscaped(text.substr(0, end), reference, output);
-    if (end == std::string_view::npos) return output;
-    output += kLineEnd;
-    text.remove_prefix(end);
-    text.remove_prefix(text.starts_with(kLineEnd) ? 2 : 1);
+struct Count {
+  void Put(std::string_view text) { bytes += text.size(); }
+  std::size_t bytes = 0;
+};
+
+std::size_t EscapedBytes(std::string_view text, Place place) {
+  Count count;
+  PutEscaped(text, place, count);
+  return count.bytes;
+}
+
+// A text that grows at its end.
+class Buffer {
+ public:
+  explicit Buffer(std::size_t expected) : text_(expected, '\0') {}
+
+  void Put(std::string_view text) {
+    if (text.size() > text_.size() - used_) text_.resize(2 * text_.size() + text.size());
+    std::memcpy(text_.data() + used_, text.data(), text.size());
+    used_ += text.size();
   }
-}
+  void Put(char character) { Put(std::string_view(&character, 1)); }
+  std::string Take() {
+    text_.resize(used_);
+    return std::move(text_);
+  }
 
-std::string AttributeForm(std::string_view value) {
-  std::string output;
-  output.reserve(value.size());
-  AppendEscaped(value, AttributeReferenceTo, output);
-  return output;
-}
+ private:
+  std::string text_;
+  std::size_t used_ = 0;
+};
 
-std::string TextForm(std::string_view text) { return WithLineEnds(text, ReferenceTo); }
+class Serializer {
+ public:
+  Serializer(const Tree& tree, std::size_t expected, const std::function<bool(char32_t)>* holds)
+      : tree_(tree), holds_(holds), output_(expected) {}
 
-std::string RemarkForm(std::string_view text) {
-  return WithLineEnds(text, [](char) { return std::string_view(); });
-}
+  void Write(Number number) {
+    const NodeRecord& record = tree_.node(number);
+    switch (record.type) {
+      case NodeType::kDocument:
+        return WriteDocument(record);
+      case NodeType::kElement:
+        return WriteElement(number);
+      case NodeType::kText:
+        return PutText(tree_.text(record.text), Place::kText);
+      case NodeType::kComment:
+        output_.Put("<!--");
+        PutText(tree_.text(record.text), Place::kRemark);
+        return output_.Put("-->");
+      default:
+        return WriteInstruction(record);
+    }
+  }
 
-std::string NumericReference(char32_t character, std::string_view /*rest*/) {
-  return "&#" + std::to_string(static_cast<unsigned long>(character)) + ";";
-}
+  std::string Take() { return output_.Take(); }
+
+ private:
+  void WriteDocument(const NodeRecord& record) {
+    if (tree_.is_declared()) output_.Put(kDeclaration);
+    for (Number child = record.first; child != 0; child = tree_.node(child).next) {
+      Write(child);
+      output_.Put(kLineEnd);
+    }
+  }
+
+  void WriteElement(Number number) {
+    const NodeRecord& record = tree_.node(number);
+    const Name& tag = CheckedName(record.name);
+    output_.Put('<');
+    output_.Put(tag.text);
+    for (Number own = record.attributes; own != 0; own = tree_.attribute(own).next) {
+      const AttributeRecord& attribute = tree_.attribute(own);
+      output_.Put(CheckedName(attribute.name).attribute);
+      PutText(tree_.text(attribute.value), Place::kAttribute);
+      output_.Put('"');
+    }
+    if (!tree_.HasContent(number)) return output_.Put("/>");
+    output_.Put('>');
+    for (Number child = record.first; child != 0; child = tree_.node(child).next) Write(child);
+    output_.Put(tag.end_tag);
+  }
+
+  void WriteInstruction(const NodeRecord& record) {
+    output_.Put("<?");
+    output_.Put(CheckedName(record.name).text);
+    if (record.text.size != 0) output_.Put(' ');
+    PutText(tree_.text(record.text), Place::kRemark);
+    output_.Put("?>");
+  }
+
+  // Names can't have references.
+  [[nodiscard]] const Name& CheckedName(Number number) const {
+    const Name& name = tree_.name(number);
+    if (holds_ != nullptr && !HeldRun(name.text).ends_with(name.text)) {
+      throw RuntimeError(kInvalidCall);
+    }
+    return name;
+  }
+
+  void PutText(std::string_view text, Place place) {
+    if (holds_ == nullptr) return PutEscaped(text, place, output_);
+    while (true) {
+      const std::string_view held = HeldRun(text);
+      PutEscaped(held, place, output_);
+      text.remove_prefix(held.size());
+      if (text.empty()) return;
+      PutReplacement(TakeCodePoint(text).value, place, text);
+    }
+  }
+
+  // "?>" would end an instruction.
+  void PutReplacement(char32_t character, Place place, std::string_view rest) {
+    if (place == Place::kRemark) return output_.Put(rest.starts_with('>') ? '_' : '?');
+    output_.Put("&#" + std::to_string(static_cast<unsigned long>(character)) + ";");
+  }
+
+  // The start of `text` that can be held.
+  [[nodiscard]] std::string_view HeldRun(std::string_view text) const {
+    std::string_view rest = text;
+    while (true) {
+      rest.remove_prefix(AsciiRun(rest));
+      std::string_view next = rest;
+      if (rest.empty() || !(*holds_)(TakeCodePoint(next).value)) break;
+      rest = next;
+    }
+    return text.substr(0, text.size() - rest.size());
+  }
+
+  const Tree& tree_;
+  const std::function<bool(char32_t)>* holds_;
+  Buffer output_;
+};
 
 }  // namespace
 
-bool Serializer::CanHold(char32_t character) const {
-  return character < 0x80 || (*holds_)(character);
-}
-
-void Serializer::Name(std::string_view name) {
-  output_ += name;
-  if (holds_ == nullptr) return;
-  while (!name.empty()) {
-    if (!CanHold(TakeCodePoint(name).value)) throw RuntimeError(kInvalidCall);
-  }
-}
-
-void Serializer::AttributeValue(std::string_view value) {
-  Append(AttributeForm(value), NumericReference);
-}
-
-void Serializer::Text(std::string_view text) { Append(TextForm(text), NumericReference); }
-
-void Serializer::Remark(std::string_view text) {
-  // "?>" would end an instruction.
-  Append(RemarkForm(text), [](char32_t, std::string_view rest) {
-    return std::string(rest.starts_with('>') ? "_" : "?");
-  });
-}
-
-template <class Replacement>
-void Serializer::Append(std::string_view text, const Replacement& replacement) {
-  if (holds_ == nullptr) {
-    output_ += text;
-    return;
-  }
-  while (!text.empty()) {
-    const char32_t character = TakeCodePoint(text).value;
-    if (CanHold(character)) {
-      AppendUtf8(character, output_);
-    } else {
-      output_ += replacement(character, text);
-    }
-  }
+std::string TextForm(const Tree& tree, Number number, const std::function<bool(char32_t)>* holds) {
+  const bool is_all = tree.node(number).type == NodeType::kDocument;
+  Serializer serializer(tree, is_all ? tree.bytes() : 0, holds);
+  serializer.Write(number);
+  return serializer.Take();
 }
 
 std::size_t AttributeBytes(std::string_view name, std::string_view value) {
-  return std::string_view(R"( ="")").size() + name.size() + AttributeForm(value).size();
+  return std::string_view(R"( ="")").size() + name.size() + EscapedBytes(value, Place::kAttribute);
 }
 
-std::size_t TextBytes(std::string_view text) { return TextForm(text).size(); }
-std::size_t RemarkBytes(std::string_view text) { return RemarkForm(text).size(); }
+std::size_t EmptyElementBytes(std::string_view tag) {
+  return std::string_view("</>").size() + tag.size();
+}
+
+// "<tag>" and "</tag>" instead of "<tag/>".
+std::size_t ClosingBytes(std::string_view tag) {
+  return std::string_view("</>").size() + tag.size() - std::string_view("/").size();
+}
+
+std::size_t TextBytes(std::string_view text) { return EscapedBytes(text, Place::kText); }
+
+std::size_t CommentBytes(std::string_view text) {
+  return std::string_view("<!---->").size() + EscapedBytes(text, Place::kRemark);
+}
+
+std::size_t InstructionBytes(std::string_view target, std::string_view data) {
+  const std::size_t blank = data.empty() ? 0 : 1;
+  return std::string_view(
+             "<?"
+             "?>")
+             .size() +
+         target.size() + blank + EscapedBytes(data, Place::kRemark);
+}
 
 }  // namespace kvdm::xml

@@ -1,4 +1,4 @@
-// The text form of the pieces that documents are made of.
+// Serializer: the text form of a tree or of a part of it, and its size.
 #pragma once
 
 #include <cstddef>
@@ -6,39 +6,28 @@
 #include <string>
 #include <string_view>
 
+#include "platform/xml/pool.h"
+
 namespace kvdm::xml {
 
-// Appends pieces of the text form to a text. Characters beyond ASCII for which `holds` answers
-// false are replaced; a null `holds` replaces none.
-class Serializer {
- public:
-  using Holds = std::function<bool(char32_t)>;
+class Tree;
 
-  explicit Serializer(std::string& output, const Holds* holds = nullptr)
-      : output_(output), holds_(holds) {}
+inline constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n";
+inline constexpr std::string_view kLineEnd = "\r\n";
 
-  // ASCII as it stands.
-  void Markup(std::string_view markup) { output_ += markup; }
-  // Run-time error 5 when a character can't be held.
-  void Name(std::string_view name);
-  void AttributeValue(std::string_view value);
-  void Text(std::string_view text);
-  // What stands in a comment or an instruction, up to its end.
-  void Remark(std::string_view text);
+// The text form of `number` and all below it. Characters beyond ASCII for which `holds` answers
+// false are written as numeric references, in comments and instructions as "?"; a null `holds`
+// replaces none. Run-time error 5 when a name can't be held.
+[[nodiscard]] std::string TextForm(const Tree& tree, Number number,
+                                   const std::function<bool(char32_t)>* holds = nullptr);
 
- private:
-  [[nodiscard]] bool CanHold(char32_t character) const;
-  // `replacement` gives the text for a character that can't be held, before the rest of `text`.
-  template <class Replacement>
-  void Append(std::string_view text, const Replacement& replacement);
-
-  std::string& output_;
-  const Holds* holds_;
-};
-
-// The sizes of text forms in which nothing is replaced.
+// The sizes of text forms in which nothing is replaced: of ` name="value"`; of `<tag/>`, and what
+// an element with content takes more; and of the other nodes.
 [[nodiscard]] std::size_t AttributeBytes(std::string_view name, std::string_view value);
+[[nodiscard]] std::size_t EmptyElementBytes(std::string_view tag);
+[[nodiscard]] std::size_t ClosingBytes(std::string_view tag);
 [[nodiscard]] std::size_t TextBytes(std::string_view text);
-[[nodiscard]] std::size_t RemarkBytes(std::string_view text);
+[[nodiscard]] std::size_t CommentBytes(std::string_view text);
+[[nodiscard]] std::size_t InstructionBytes(std::string_view target, std::string_view data);
 
 }  // namespace kvdm::xml

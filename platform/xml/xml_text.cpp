@@ -1,6 +1,8 @@
 #include "platform/xml/xml_text.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 #include <kvdm/platform/error.h>
 
@@ -22,6 +24,31 @@ constexpr CodePointRange kNameTails[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
 };
 
+bool IsPlain(char character) {
+  switch (character) {
+    case '"':
+    case '&':
+    case '<':
+    case '>':
+      return false;
+    default:
+      return static_cast<unsigned char>(character) >= 0x20;
+  }
+}
+
+constexpr std::uint64_t Each(std::uint64_t byte) { return byte * 0x0101010101010101U; }
+
+// Marks the first byte of `word` that is below `least`, which is at most 0x80.
+constexpr std::uint64_t Below(std::uint64_t word, std::uint64_t least) {
+  return (word - Each(least)) & ~word & Each(0x80);
+}
+
+// Whether a byte of `word` is not plain. "<" and ">" differ in one bit.
+constexpr bool HasMarkup(std::uint64_t word) {
+  return (Below(word, 0x20) | Below(word ^ Each('"'), 1) | Below(word ^ Each('&'), 1) |
+          Below((word | Each(2)) ^ Each('>'), 1)) != 0;
+}
+
 bool IsPrintableAscii(char character) { return character >= 0x20; }
 
 }  // namespace
@@ -31,26 +58,34 @@ bool IsXmlCharacter(char32_t character) {
   return character != 0xFFFE && character != 0xFFFF;
 }
 
-std::string Sanitized(std::string_view text) {
-  std::string clean;
-  clean.reserve(text.size());
+std::size_t PlainRun(std::string_view text) {
+  std::size_t size = 0;
+  for (std::uint64_t word = 0; text.size() - size >= sizeof word; size += sizeof word) {
+    std::memcpy(&word, text.data() + size, sizeof word);
+    if (HasMarkup(word)) break;
+  }
+  while (size < text.size() && IsPlain(text[size])) ++size;
+  return size;
+}
+
+Sanitized::Sanitized(std::string_view text) : view_(text) {
+  if (PlainRun(text) == text.size() && AsciiRun(text) == text.size()) return;
+  replaced_.reserve(text.size());
   while (!text.empty()) {
     const auto special = std::ranges::find_if_not(text, IsPrintableAscii);
-    clean.append(text.begin(), special);
+    replaced_.append(text.begin(), special);
     text.remove_prefix(special - text.begin());
     if (text.empty()) break;
     const char32_t character = TakeCodePoint(text).value;
-    AppendUtf8(IsXmlCharacter(character) ? character : kReplacementCharacter, clean);
+    AppendUtf8(IsXmlCharacter(character) ? character : kReplacementCharacter, replaced_);
   }
-  return clean;
+  view_ = replaced_;
 }
 
 // What is too long at first is not copied: it only gets longer.
-std::string SanitizedValue(std::string_view text) {
-  if (text.size() > kMaxValueBytes) throw RuntimeError(kOutOfMemory);
-  std::string clean = Sanitized(text);
-  if (clean.size() > kMaxValueBytes) throw RuntimeError(kOutOfMemory);
-  return clean;
+SanitizedValue::SanitizedValue(std::string_view text)
+    : Sanitized(text.size() > kMaxValueBytes ? throw RuntimeError(kOutOfMemory) : text) {
+  if (std::string_view(*this).size() > kMaxValueBytes) throw RuntimeError(kOutOfMemory);
 }
 
 bool IsName(std::string_view name) {

@@ -11,11 +11,30 @@ inline constexpr std::string_view kXmlNamespace = "http://www.w3.org/XML/1998/na
 
 [[nodiscard]] bool IsXmlCharacter(char32_t character);
 
-// `text` with U+FFFD for every character that XML forbids and every byte that is not UTF-8.
-std::string Sanitized(std::string_view text);
+// How many bytes at the start of `text` stand for themselves wherever they are written: up to the
+// first control character, ", &, < or >.
+[[nodiscard]] std::size_t PlainRun(std::string_view text);
+
+// A text with U+FFFD for every character that XML forbids and every byte that is not UTF-8. Lives
+// no longer than `text`, of which it is a view where nothing is replaced.
+class Sanitized {
+ public:
+  explicit Sanitized(std::string_view text);
+  Sanitized(const Sanitized&) = delete;
+  Sanitized& operator=(const Sanitized&) = delete;
+
+  operator std::string_view() const { return view_; }  // NOLINT(google-explicit-constructor)
+
+ private:
+  std::string replaced_;
+  std::string_view view_;
+};
 
 // The same for an attribute value or a text. Run-time error 7 when it is longer than those may be.
-std::string SanitizedValue(std::string_view text);
+class SanitizedValue final : public Sanitized {
+ public:
+  explicit SanitizedValue(std::string_view text);
+};
 
 // Whether `name` is an XML name; it may have a prefix.
 [[nodiscard]] bool IsName(std::string_view name);

@@ -79,7 +79,7 @@ TEST(HalfBoundCollectionsTest, FailuresOfDataItemsAreNotReportedWithoutADataMana
   EXPECT_EQ(items.GetDataItem("a\"b"), nullptr);
   EXPECT_FALSE(items.DeleteDataItem("A"));
   EXPECT_FALSE(items.CreateDataItem("A"));
-  EXPECT_EQ(node->Xml(), "<DATACOLLECTION/>");
+  EXPECT_EQ(node.Xml(), "<DATACOLLECTION/>");
 }
 
 TEST(HalfBoundCollectionsTest, DataItemsAreDeletedButNotSavedWithoutADataManager) {
@@ -89,7 +89,7 @@ TEST(HalfBoundCollectionsTest, DataItemsAreDeletedButNotSavedWithoutADataManager
       "<DATACOLLECTION><SADATACOLLECTION><DATAITEM NAME='A'/></SADATACOLLECTION></DATACOLLECTION>");
   items.SetNode(node);
   EXPECT_TRUE(items.DeleteDataItem("A"));
-  EXPECT_EQ(node->Xml(), "<DATACOLLECTION><SADATACOLLECTION/></DATACOLLECTION>");
+  EXPECT_EQ(node.Xml(), "<DATACOLLECTION><SADATACOLLECTION/></DATACOLLECTION>");
   EXPECT_EQ(world.StoredCatalogue(), "");
 }
 

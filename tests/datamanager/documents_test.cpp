@@ -21,7 +21,7 @@ TEST(DocumentsTest, AFreshMetadataDocumentHoldsTheBannerAndFourEmptyCollections)
 
 TEST(DocumentsTest, EveryFreshDocumentIsAnother) {
   const auto first = NewMetadataDocument();
-  first->DocumentElement()->SetAttribute("CHANGED", "");
+  first->DocumentElement().SetAttribute("CHANGED", "");
   EXPECT_EQ(NewMetadataDocument()->Xml(), kFreshMetadata);
 }
 
@@ -55,7 +55,7 @@ TEST(DocumentsTest, PresetsAreReadInTheEncodingThatTheyDeclare) {
                        "den'/>");
   const auto presets = LoadPresets(world.Bundle(), "D:");
   ASSERT_TRUE(presets->DocumentElement());
-  EXPECT_EQ(presets->DocumentElement()->GetAttribute("NAME"), Value("Läden"));
+  EXPECT_EQ(presets->DocumentElement().GetAttribute("NAME"), Value("Läden"));
 }
 
 TEST(DocumentsTest, PresetsThatCanNotBeReadGiveAnEmptyDocument) {

@@ -27,10 +27,10 @@ std::string TextOf(const xml::Element& element, const char* attribute) {
 
 Fields FieldsOf(const xml::Element& area) {
   Fields fields = {{"name", TextOf(area, "NAME")}, {"folder", TextOf(area, "DIRNAME")}};
-  for (const auto& comments : area.Children("COMMENTS")) fields["comments"] = comments->Text();
+  for (const auto& comments : area.Children("COMMENTS")) fields["comments"] = comments.Text();
   for (const auto& properties : area.Children("SAPROPERTIES")) {
-    for (const auto& property : properties->Children("PROPERTY")) {
-      fields["property " + TextOf(*property, "NAME")] = TextOf(*property, "VALUE");
+    for (const auto& property : properties.Children("PROPERTY")) {
+      fields["property " + TextOf(property, "NAME")] = TextOf(property, "VALUE");
     }
   }
   return fields;
@@ -188,9 +188,9 @@ class HostsAtOnce {
     xml::Document document;
     document.LoadXml(*world_.platform.xml_parser, world_.StoredCatalogue());
     if (const auto root = document.DocumentElement()) {
-      for (const auto& area : root->Children("STUDYAREA")) {
-        stored[TextOf(*area, "GUID")] = FieldsOf(*area);
-        EXPECT_TRUE(folders.insert(TextOf(*area, "DIRNAME")).second) << area->Xml();
+      for (const auto& area : root.Children("STUDYAREA")) {
+        stored[TextOf(area, "GUID")] = FieldsOf(area);
+        EXPECT_TRUE(folders.insert(TextOf(area, "DIRNAME")).second) << area.Xml();
       }
     }
     EXPECT_EQ(stored, model_.stored);
@@ -203,7 +203,7 @@ class HostsAtOnce {
              RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue)) {
       xml::Document document;
       ASSERT_TRUE(document.LoadXml(*world_.platform.xml_parser, kept.value.data));
-      history.insert(FieldsOf(*document.DocumentElement()));
+      history.insert(FieldsOf(document.DocumentElement()));
     }
     EXPECT_EQ(history, model_.history);
     EXPECT_GE(world_.platform.log->Lines().size(), history.size());

@@ -31,11 +31,15 @@ constexpr std::size_t kTogether = 10;
 
 bool HasQuote(std::string_view name) { return name.find('"') != std::string_view::npos; }
 
+std::string Sanitized(std::string_view text) {
+  return std::string(std::string_view(xml::Sanitized(text)));
+}
+
 // Whether a folder or file can have the name, and is found by it again.
 bool IsOrdinary(const std::string& name) {
   constexpr std::size_t kLongestEntry = 240;  // bytes, with room for a number and an extension
   return IsCreatableName(name) && name.size() <= kLongestEntry && !TrimmedName(name).empty() &&
-         xml::Sanitized(name) == name;
+         Sanitized(name) == name;
 }
 
 // Whether the folder of a file may be deleted: every name on its way holds more than dots, and only
@@ -118,14 +122,14 @@ class Life {
   // Whether the component's own test finds the name, which of data items looks for another one.
   [[nodiscard]] std::string Exists(const std::string& name) const {
     if (HasQuote(name)) return Error(kAutomationFailure);
-    const std::string stored = xml::Sanitized(name);
+    const std::string stored = Sanitized(name);
     return Has(IsData() ? "_" + stored + "_" : stored) ? "True" : "False";
   }
 
   // The answers that a creation may give. A test for an analysis of the name looks for another one.
   [[nodiscard]] Names Creates(const std::string& name) const {
     if (HasQuote(name)) return {Error(kMemberNotSupported)};
-    const std::string stored = xml::Sanitized(name);
+    const std::string stored = Sanitized(name);
     if (Has(IsAnalysis() ? "_" + stored + "_" : stored)) return {"False"};
     if (kind_.has_folder && !IsOrdinary(name)) return {"True", "False"};
     return {"True"};
@@ -141,7 +145,7 @@ class Life {
     if (std::ranges::find(expected, created) == expected.end()) {
       Tell(counts_.wrong, name, "Create answers " + created + " instead of " + expected.front());
     }
-    if (is_added) stored_.push_back(xml::Sanitized(name));
+    if (is_added) stored_.push_back(Sanitized(name));
     Compare(name, "Exists", Exists(name), Outcome([&] { return kind_.exists(Manager(), name); }));
     if (is_added && Finds(name)) {
       Own(name, *kind_.find(Manager(), name), created == "True");
@@ -155,7 +159,7 @@ class Life {
       Tell(counts_.lost, name, "is not found");
       return false;
     }
-    Compare(name, "Name", xml::Sanitized(name), item->name());
+    Compare(name, "Name", Sanitized(name), item->name());
     const std::string guid = item->guid();
     if (!IsData()) Compare(name, "GUID", guid, kind_.find_by_guid(Manager(), guid)->guid());
     return true;
@@ -187,7 +191,7 @@ class Life {
   // The name as a parameter's name, and as its value.
   void SetAndGet(const std::string& name) {
     const auto item = kind_.find(Manager(), name);
-    parameters_[item->guid()] = xml::Sanitized(name);
+    parameters_[item->guid()] = Sanitized(name);
     const std::string set = Outcome([&] { return item->set(name, "value"); });
     const char* refused = IsArea() ? "False" : "error 438";
     Compare(name, "Set by it", HasQuote(name) ? refused : "True", set);
@@ -225,10 +229,10 @@ class Life {
   }
 
   void Rename(const std::string& name, const std::string& new_name) {
-    const std::string stored = xml::Sanitized(name);
+    const std::string stored = Sanitized(name);
     if (!Has(stored) || HasQuote(name)) return;
     ++counts_.tried;
-    const std::string new_stored = xml::Sanitized(new_name);
+    const std::string new_stored = Sanitized(new_name);
     const bool changes = IsData() || (!HasQuote(new_name) && !Has(new_stored));
     const auto item = kind_.find(Manager(), name);
     const std::string outcome = Outcome([&] { return item->rename(new_name), true; });

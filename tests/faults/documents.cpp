@@ -71,7 +71,7 @@ class RandomDocument {
       : random_(seed), names_(kNames.size() - (in_ascii ? 1 : 0)) {
     if (Below(2) == 0) document_.AddDeclaration();
     auto root = NewElement();
-    std::vector<std::shared_ptr<xml::Element>> open = {root};
+    std::vector<xml::Element> open = {root};
     for (auto steps = Below(30); steps != 0; --steps) Grow(open);
     document_.SetDocumentElement(root);
     for (auto steps = Below(6); steps != 0; --steps) Grow(open);
@@ -88,27 +88,27 @@ class RandomDocument {
     return text;
   }
 
-  std::shared_ptr<xml::Element> NewElement() { return xml::Element::Create(kNames[Below(names_)]); }
+  xml::Element NewElement() { return xml::Element::Create(kNames[Below(names_)]); }
 
   // Changes one of the elements in one way.
-  void Grow(std::vector<std::shared_ptr<xml::Element>>& elements) {
+  void Grow(std::vector<xml::Element>& elements) {
     const auto element = elements[Below(elements.size())];
     switch (Below(6)) {
       case 0:
       case 1:
         elements.push_back(NewElement());
-        element->Append(elements.back());
+        element.Append(elements.back());
         break;
       case 2:
       case 3:
-        element->SetAttribute(kNames[Below(names_)], Text());
+        element.SetAttribute(kNames[Below(names_)], Text());
         break;
       case 4:
         // Replaces what the element holds: what was in it is no part of the document any more.
-        element->SetText(Text());
+        element.SetText(Text());
         break;
       default:
-        if (const auto child = element->FirstChild()) element->Remove(child);
+        if (const auto child = element.FirstChild()) element.Remove(child);
     }
   }
 

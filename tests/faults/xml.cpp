@@ -69,15 +69,15 @@ class Expat {
   }
 
   static void OnStart(void* self, const char* tag, const char** attributes) {
-    XmlHandler::Attributes list;
+    std::vector<XmlAttribute> list;
     for (; *attributes != nullptr; attributes += 2) {
       const std::string_view name = attributes[0];
-      if (name != "xmlns:xml") list.emplace_back(name, attributes[1]);
+      if (name != "xmlns:xml") list.push_back({name, attributes[1]});
     }
-    std::stable_partition(list.begin(), list.end(), [](const auto& attribute) {
-      return xml::IsNamespaceDeclaration(attribute.first);
+    std::stable_partition(list.begin(), list.end(), [](const XmlAttribute& attribute) {
+      return xml::IsNamespaceDeclaration(attribute.name);
     });
-    Of(self).notes_.StartElement(tag, std::move(list));
+    Of(self).notes_.StartElement(tag, list);
   }
   static void OnEnd(void* self, const char* /*tag*/) { Of(self).notes_.EndElement(); }
   static void OnText(void* self, const char* text, int length) {

@@ -52,12 +52,12 @@ TEST_F(HalfBoundAnalysisTest, WithoutADataManagerItChangesButNeitherItsNameNorIt
   analysis_->SetName("x");
   edit_->SetLayerFile("x");
   edit_->SetGUID("x");
-  EXPECT_EQ(node->Xml(), R"(<ANALYSIS NAME="_a_" GUID="1" LAYERFILE="l"/>)");
+  EXPECT_EQ(node.Xml(), R"(<ANALYSIS NAME="_a_" GUID="1" LAYERFILE="l"/>)");
   analysis_->SetLayerFile("m");
   analysis_->SetCreationTime("t");
   analysis_->SetComments("c");
   EXPECT_TRUE(analysis_->SetParameter("A", "1"));
-  EXPECT_EQ(node->Xml(),
+  EXPECT_EQ(node.Xml(),
             R"(<ANALYSIS NAME="_a_" GUID="1" LAYERFILE="m" CREATIONTIME="t"><COMMENTS>c</COMMENTS>)"
             R"(<PARAM NAME="A" VALUE="1"/></ANALYSIS>)");
   EXPECT_TRUE(analysis_->ClearParametersList());
@@ -72,7 +72,7 @@ TEST_F(HalfBoundAnalysisTest, WithoutADataManagerAnImportKeepsTheIdentifier) {
   document.PutValue("Velk/Kelvaro8/GUID", "2");
   document.PutValue("Velk/Kelvaro8/Comments", "c");
   analysis_->ImportMetadata(std::make_shared<MemoryLayerMetadata>(document));
-  EXPECT_EQ(node->Xml(), R"(<ANALYSIS NAME="_a_" GUID="1"><COMMENTS>c</COMMENTS></ANALYSIS>)");
+  EXPECT_EQ(node.Xml(), R"(<ANALYSIS NAME="_a_" GUID="1"><COMMENTS>c</COMMENTS></ANALYSIS>)");
 }
 
 TEST_F(HalfBoundAnalysisTest, BindingAgainReplacesTheElement) {
@@ -122,7 +122,7 @@ TEST(HalfBoundDataItemTest, WithoutADataManagerItChanges) {
   const auto element = xml::Element::Create("DATAITEM");
   item.AttachNode(element);
   item.SetName("A");
-  EXPECT_EQ(element->Xml(), R"(<DATAITEM NAME="A"/>)");
+  EXPECT_EQ(element.Xml(), R"(<DATAITEM NAME="A"/>)");
   EXPECT_RUNTIME_ERROR(item.SetParameter("a\"b", "1"), kObjectNotSet);
 }
 

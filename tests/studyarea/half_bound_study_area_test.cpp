@@ -80,7 +80,7 @@ TEST_F(HalfBoundStudyAreaTest, WithoutADataManagerOnlyCommentsAndPropertiesChang
   const auto node = xml::Parsed(kNorth);
   study_area_->SetNode(node);
   SetEverything(*study_area_);
-  EXPECT_EQ(node->Xml(), kNorth);
+  EXPECT_EQ(node.Xml(), kNorth);
   study_area_->SetComments("text");
   EXPECT_TRUE(study_area_->SetProperty("TYPE", "1"));
   EXPECT_EQ(study_area_->Comments(), "text");

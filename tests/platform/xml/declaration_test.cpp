@@ -1,6 +1,6 @@
-#include "platform/xml/declaration.h"
-
 #include <gtest/gtest.h>
+
+#include "platform/xml/xml_input.h"
 
 namespace kvdm {
 namespace {

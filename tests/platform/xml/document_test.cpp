@@ -55,8 +55,8 @@ TEST(DocumentTest, LoadedTextIsWrittenInTheOneForm) {
 
 TEST(DocumentTest, AdjacentCharacterDataIsOneText) {
   const auto root = Parsed("<A>a<![CDATA[b]]>&amp;c</A>");
-  EXPECT_EQ(root->FirstChild()->Next(), nullptr);
-  EXPECT_EQ(root->Text(), "ab&c");
+  EXPECT_EQ(root.FirstChild().Next(), nullptr);
+  EXPECT_EQ(root.Text(), "ab&c");
 }
 
 TEST(DocumentTest, IsEmptyAfterAFailedLoad) {
@@ -67,7 +67,7 @@ TEST(DocumentTest, IsEmptyAfterAFailedLoad) {
   EXPECT_FALSE(Load(document, "<?xml version='1.0'?><B><C></B>"));
   EXPECT_EQ(document.DocumentElement(), nullptr);
   EXPECT_EQ(document.Xml(), "");
-  EXPECT_EQ(held->Xml(), "<A/>");
+  EXPECT_EQ(held.Xml(), "<A/>");
   document.SetDocumentElement(Element::Create("D"));
   EXPECT_EQ(document.Xml(), "<D/>\r\n");
 }
@@ -129,8 +129,8 @@ TEST(DocumentTest, NewRootTakesThePlaceOfTheOld) {
 
   EXPECT_EQ(document.Xml(), Declared("<!--a-->\r\n<B/>\r\n<!--b-->\r\n<?c?>\r\n"));
   EXPECT_EQ(document.DocumentElement(), root);
-  EXPECT_EQ(root->Parent(), nullptr);
-  EXPECT_EQ(old->Xml(), "<A/>");
+  EXPECT_EQ(root.Parent(), nullptr);
+  EXPECT_EQ(old.Xml(), "<A/>");
 }
 
 TEST(DocumentTest, SettingTheRootAgainChangesNothing) {
@@ -143,18 +143,17 @@ TEST(DocumentTest, SettingTheRootAgainChangesNothing) {
 TEST(DocumentTest, AnInnerElementCanBecomeTheRoot) {
   Document document;
   ASSERT_TRUE(Load(document, "<A><B/></A>"));
-  document.SetDocumentElement(document.DocumentElement()->Child("B"));
+  document.SetDocumentElement(document.DocumentElement().Child("B"));
   EXPECT_EQ(document.Xml(), "<B/>\r\n");
 }
 
 TEST(DocumentTest, RefusedRootLeavesTheOldOne) {
   Document document;
   ASSERT_TRUE(Load(document, "<!--a--><A/><!--b-->"));
-  const auto prefixed = Parsed("<R xmlns:p='urn:p'><p:B/></R>")->FirstChild();
+  const auto prefixed = Parsed("<R xmlns:p='urn:p'><p:B/></R>").FirstChild();
 
   EXPECT_RUNTIME_ERROR(document.SetDocumentElement(nullptr), kInvalidCall);
-  EXPECT_RUNTIME_ERROR(document.SetDocumentElement(std::static_pointer_cast<Element>(prefixed)),
-                       kInvalidCall);
+  EXPECT_RUNTIME_ERROR(document.SetDocumentElement(Element(prefixed)), kInvalidCall);
   EXPECT_EQ(document.Xml(), "<!--a-->\r\n<A/>\r\n<!--b-->\r\n");
 }
 
@@ -162,7 +161,7 @@ TEST(DocumentTest, RootLeavesTheDocumentForAnElement) {
   Document document;
   ASSERT_TRUE(Load(document, "<A/>"));
   const auto parent = Element::Create("B");
-  parent->Append(document.DocumentElement());
+  parent.Append(document.DocumentElement());
   EXPECT_EQ(document.DocumentElement(), nullptr);
   EXPECT_EQ(document.Xml(), "");
 }
@@ -174,8 +173,8 @@ TEST(DocumentTest, WhatAStoreCanNotHoldIsWrittenAsReferences) {
   const std::string text = document.Xml(HoldsAscii);
 
   EXPECT_EQ(text, "<A b=\"&#233;&lt;&#8364;\">\r\n&#128506;<!--?--></A>\r\n");
-  EXPECT_EQ(Parsed(text)->GetAttribute("b"), Value("\xC3\xA9<\xE2\x82\xAC"));
-  EXPECT_EQ(Parsed(text)->Text(), "\n\xF0\x9F\x97\xBA");
+  EXPECT_EQ(Parsed(text).GetAttribute("b"), Value("\xC3\xA9<\xE2\x82\xAC"));
+  EXPECT_EQ(Parsed(text).Text(), "\n\xF0\x9F\x97\xBA");
 }
 
 TEST(DocumentTest, WhatAStoreHoldsIsWrittenAsItIs) {
@@ -204,16 +203,16 @@ TEST(DocumentTest, EachChangeOfTheTreeIsCounted) {
   Document document;
   ASSERT_TRUE(Load(document, "<A><B N='1'/><C/></A>"));
   const auto root = document.DocumentElement();
-  const auto child = root->Child("B");
+  const auto child = root.Child("B");
   const std::function<void()> changes[] = {
-      [&] { child->SetAttribute("N", "2"); },
-      [&] { child->SetAttribute("M", "2"); },
-      [&] { child->RemoveAttribute("M"); },
-      [&] { child->SetText("t"); },
-      [&] { child->SetText(""); },
-      [&] { root->Append(root->Child("B")); },
-      [&] { root->Append(CreateComment("c")); },
-      [&] { root->Remove(root->Child("C")); },
+      [&] { child.SetAttribute("N", "2"); },
+      [&] { child.SetAttribute("M", "2"); },
+      [&] { child.RemoveAttribute("M"); },
+      [&] { child.SetText("t"); },
+      [&] { child.SetText(""); },
+      [&] { root.Append(root.Child("B")); },
+      [&] { root.Append(CreateComment("c")); },
+      [&] { root.Remove(root.Child("C")); },
       [&] { document.AddDeclaration(); },
       [&] { document.SetDocumentElement(Element::Create("D")); },
       [&] { ASSERT_TRUE(Load(document, "<E/>")); },
@@ -236,11 +235,11 @@ TEST(DocumentTest, WhatChangesNothingIsNotCounted) {
   const auto root = document.DocumentElement();
   const std::uint64_t before = document.Changes();
 
-  EXPECT_RUNTIME_ERROR(root->SetAttribute("N", Null()), kTypeMismatch);
-  EXPECT_RUNTIME_ERROR(root->Append(root), kInvalidCall);
-  root->RemoveAttribute("missing");
+  EXPECT_RUNTIME_ERROR(root.SetAttribute("N", Null()), kTypeMismatch);
+  EXPECT_RUNTIME_ERROR(root.Append(root), kInvalidCall);
+  root.RemoveAttribute("missing");
   document.AddDeclaration();
-  static_cast<void>(root->Child("B", "N", "1"));
+  static_cast<void>(root.Child("B", "N", "1"));
   static_cast<void>(document.Xml());
   EXPECT_EQ(document.Changes(), before);
 }

@@ -27,17 +27,17 @@ std::vector<std::string> AttributeNames(const Element& element) {
 TEST(ElementTest, HasItsTagAndNothingElseWhenCreated) {
   const auto element = Element::Create("ANALYSIS");
 
-  EXPECT_EQ(element->Type(), NodeType::kElement);
-  EXPECT_EQ(element->Tag(), "ANALYSIS");
-  EXPECT_EQ(element->Xml(), "<ANALYSIS/>");
-  EXPECT_EQ(element->Parent(), nullptr);
+  EXPECT_EQ(element.Type(), NodeType::kElement);
+  EXPECT_EQ(element.Tag(), "ANALYSIS");
+  EXPECT_EQ(element.Xml(), "<ANALYSIS/>");
+  EXPECT_EQ(element.Parent(), nullptr);
 }
 
 TEST(ElementTest, NamesMustBeXmlNamesWithoutPrefix) {
   for (const auto name : {"", " ", "A B", "1A", "-A", ".A", "A<", "A\"", "A=", "a:b", ":", "A\n",
                           "\xC3\x97", "A\xE2\x80\xA6"}) {
     EXPECT_RUNTIME_ERROR(Element::Create(name), kInvalidCall);
-    EXPECT_RUNTIME_ERROR(Element::Create("A")->SetAttribute(name, "v"), kInvalidCall);
+    EXPECT_RUNTIME_ERROR(Element::Create("A").SetAttribute(name, "v"), kInvalidCall);
   }
 }
 
@@ -45,38 +45,38 @@ TEST(ElementTest, AcceptsEveryXmlName) {
   for (const auto name :
        {"A", "_", "a-1.b", "\xC3\x89tage", "\xE5\xBA\x97", "\xF0\x90\x80\x80", "xml", "XMLthing"}) {
     const auto element = Element::Create(name);
-    element->SetAttribute(name, "v");
-    EXPECT_EQ(Reloaded(*element)->Xml(), element->Xml());
+    element.SetAttribute(name, "v");
+    EXPECT_EQ(Reloaded(element).Xml(), element.Xml());
   }
 }
 
 TEST(ElementTest, NamesThatAreNotUtf8AreFoundAgain) {
   const auto element = Element::Create("A\xFF");
-  element->SetAttribute("N\xFE", "v");
+  element.SetAttribute("N\xFE", "v");
 
-  EXPECT_EQ(element->Tag(), "A\xEF\xBF\xBD");
-  EXPECT_EQ(element->GetAttribute("N\xFE"), Value("v"));
-  element->RemoveAttribute("N\xFE");
-  EXPECT_TRUE(element->Attributes().empty());
+  EXPECT_EQ(element.Tag(), "A\xEF\xBF\xBD");
+  EXPECT_EQ(element.GetAttribute("N\xFE"), Value("v"));
+  element.RemoveAttribute("N\xFE");
+  EXPECT_TRUE(element.Attributes().empty());
 }
 
 TEST(ElementTest, MissingAttributeIsNull) {
-  EXPECT_TRUE(Element::Create("A")->GetAttribute("NAME").IsNull());
+  EXPECT_TRUE(Element::Create("A").GetAttribute("NAME").IsNull());
 }
 
 TEST(ElementTest, EmptyAttributeIsThere) {
   const auto element = Element::Create("A");
-  element->SetAttribute("NAME", "");
+  element.SetAttribute("NAME", "");
 
-  EXPECT_EQ(element->GetAttribute("NAME"), Value(""));
-  EXPECT_EQ(element->Xml(), "<A NAME=\"\"/>");
+  EXPECT_EQ(element.GetAttribute("NAME"), Value(""));
+  EXPECT_EQ(element.Xml(), "<A NAME=\"\"/>");
 }
 
 TEST(ElementTest, AttributeNamesAreCaseSensitive) {
   const auto element = Parsed("<A Name='1' NAME='2'/>");
 
-  EXPECT_EQ(element->GetAttribute("NAME"), Value("2"));
-  EXPECT_TRUE(element->GetAttribute("name").IsNull());
+  EXPECT_EQ(element.GetAttribute("NAME"), Value("2"));
+  EXPECT_TRUE(element.GetAttribute("name").IsNull());
 }
 
 TEST(ElementTest, SetAttributeStoresTheTextForm) {
@@ -91,32 +91,32 @@ TEST(ElementTest, SetAttributeStoresTheTextForm) {
   };
   for (const auto& [value, text] : rows) {
     const auto element = Element::Create("A");
-    element->SetAttribute("V", value);
-    EXPECT_EQ(element->GetAttribute("V"), Value(text));
+    element.SetAttribute("V", value);
+    EXPECT_EQ(element.GetAttribute("V"), Value(text));
   }
 }
 
 TEST(ElementTest, SetAttributeRefusesNullAndKeepsTheOldValue) {
   const auto element = Parsed("<A V='old'/>");
 
-  EXPECT_RUNTIME_ERROR(element->SetAttribute("V", Null()), kTypeMismatch);
-  EXPECT_EQ(element->GetAttribute("V"), Value("old"));
+  EXPECT_RUNTIME_ERROR(element.SetAttribute("V", Null()), kTypeMismatch);
+  EXPECT_EQ(element.GetAttribute("V"), Value("old"));
 }
 
 TEST(ElementTest, ChangedAttributeKeepsItsPlaceAndNewOnesGoLast) {
   const auto element = Parsed("<A B='1' C='2' D='3'/>");
-  element->SetAttribute("C", "x");
-  element->SetAttribute("A", "y");
-  element->RemoveAttribute("B");
-  element->SetAttribute("B", "z");
+  element.SetAttribute("C", "x");
+  element.SetAttribute("A", "y");
+  element.RemoveAttribute("B");
+  element.SetAttribute("B", "z");
 
-  EXPECT_EQ(element->Xml(), R"(<A C="x" D="3" A="y" B="z"/>)");
+  EXPECT_EQ(element.Xml(), R"(<A C="x" D="3" A="y" B="z"/>)");
 }
 
 TEST(ElementTest, RemovingAMissingAttributeDoesNothing) {
   const auto element = Parsed("<A B='1'/>");
-  element->RemoveAttribute("C");
-  EXPECT_THAT(AttributeNames(*element), ElementsAre("B"));
+  element.RemoveAttribute("C");
+  EXPECT_THAT(AttributeNames(element), ElementsAre("B"));
 }
 
 TEST(ElementTest, AttributeValuesSurviveExactly) {
@@ -132,10 +132,10 @@ TEST(ElementTest, AttributeValuesSurviveExactly) {
   };
   for (const Form& row : rows) {
     const auto element = Element::Create("A");
-    element->SetAttribute("V", row.set);
-    EXPECT_EQ(element->GetAttribute("V"), Value(row.set));
-    EXPECT_EQ(element->Xml(), "<A V=\"" + std::string(row.written) + "\"/>");
-    EXPECT_EQ(Reloaded(*element)->GetAttribute("V"), Value(row.reloaded));
+    element.SetAttribute("V", row.set);
+    EXPECT_EQ(element.GetAttribute("V"), Value(row.set));
+    EXPECT_EQ(element.Xml(), "<A V=\"" + std::string(row.written) + "\"/>");
+    EXPECT_EQ(Reloaded(element).GetAttribute("V"), Value(row.reloaded));
   }
 }
 
@@ -155,11 +155,11 @@ TEST(ElementTest, TextsSurviveWithLineFeedsAsLineEnds) {
   };
   for (const Form& row : rows) {
     const auto element = Element::Create("A");
-    element->SetText(row.set);
-    EXPECT_EQ(element->Text(), row.set);
-    EXPECT_EQ(element->Xml(), "<A>" + std::string(row.written) + "</A>");
-    EXPECT_EQ(Reloaded(*element)->Text(), row.reloaded);
-    EXPECT_EQ(Reloaded(*element)->Xml(), element->Xml());
+    element.SetText(row.set);
+    EXPECT_EQ(element.Text(), row.set);
+    EXPECT_EQ(element.Xml(), "<A>" + std::string(row.written) + "</A>");
+    EXPECT_EQ(Reloaded(element).Text(), row.reloaded);
+    EXPECT_EQ(Reloaded(element).Xml(), element.Xml());
   }
 }
 
@@ -180,49 +180,49 @@ TEST(ElementTest, ForbiddenCharactersAreReplaced) {
   };
   for (const auto& [set, kept] : rows) {
     const auto element = Element::Create("A");
-    element->SetAttribute("V", set);
-    element->SetText(set);
-    EXPECT_EQ(element->GetAttribute("V"), Value(kept));
-    EXPECT_EQ(element->Text(), kept);
-    EXPECT_EQ(Reloaded(*element)->Xml(), element->Xml());
+    element.SetAttribute("V", set);
+    element.SetText(set);
+    EXPECT_EQ(element.GetAttribute("V"), Value(kept));
+    EXPECT_EQ(element.Text(), kept);
+    EXPECT_EQ(Reloaded(element).Xml(), element.Xml());
   }
 }
 
 TEST(ElementTest, TextIsThatOfTheWholeSubtree) {
   const auto element = Parsed("<A> x<B>y<C/><!--no-->z</B><?no no?><![CDATA[<w>]]> </A>");
-  EXPECT_EQ(element->Text(), " xyz<w> ");
+  EXPECT_EQ(element.Text(), " xyz<w> ");
 }
 
 TEST(ElementTest, SetTextReplacesAllChildren) {
   const auto element = Parsed("<A>x<B/><!--c-->y</A>");
-  element->SetText("new");
-  EXPECT_EQ(element->Xml(), "<A>new</A>");
+  element.SetText("new");
+  EXPECT_EQ(element.Xml(), "<A>new</A>");
 }
 
 TEST(ElementTest, SettingTheEmptyTextLeavesNoChildren) {
   const auto element = Parsed("<A>x<B/></A>");
-  element->SetText("");
-  EXPECT_EQ(element->FirstChild(), nullptr);
-  EXPECT_EQ(element->Xml(), "<A/>");
+  element.SetText("");
+  EXPECT_EQ(element.FirstChild(), nullptr);
+  EXPECT_EQ(element.Xml(), "<A/>");
 }
 
 TEST(ElementTest, OnlyEmptyTextsMakeAnEmptyElement) {
   const auto element = Element::Create("A");
-  element->Append(CreateText(""));
-  element->Append(CreateText(""));
-  EXPECT_EQ(element->Xml(), "<A/>");
+  element.Append(CreateText(""));
+  element.Append(CreateText(""));
+  EXPECT_EQ(element.Xml(), "<A/>");
 }
 
 TEST(ElementTest, XmlOfAnInnerElementIsThatElementAlone) {
   const auto root = Parsed("<A>\n<B N='1'><C/>t</B>\n</A>");
-  EXPECT_EQ(root->Child("B")->Xml(), R"(<B N="1"><C/>t</B>)");
+  EXPECT_EQ(root.Child("B").Xml(), R"(<B N="1"><C/>t</B>)");
 }
 
 TEST(ElementTest, CommentsAreCreatedAndWritten) {
   const auto element = Element::Create("A");
-  element->Append(CreateComment(" <a> & \"b\" \r - \x01"));
-  EXPECT_EQ(element->Xml(), "<A><!-- <a> & \"b\" \r\n - \xEF\xBF\xBD--></A>");
-  EXPECT_EQ(Reloaded(*element)->Xml(), element->Xml());
+  element.Append(CreateComment(" <a> & \"b\" \r - \x01"));
+  EXPECT_EQ(element.Xml(), "<A><!-- <a> & \"b\" \r\n - \xEF\xBF\xBD--></A>");
+  EXPECT_EQ(Reloaded(element).Xml(), element.Xml());
 }
 
 TEST(ElementTest, CommentsThatNoReaderAcceptsAreRefused) {

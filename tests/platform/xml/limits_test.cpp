@@ -15,12 +15,12 @@ const std::string& LargestValue() {
 }
 
 // Elements within elements; the innermost is `innermost`.
-std::shared_ptr<Element> Chain(std::size_t depth, std::shared_ptr<Element>* innermost = nullptr) {
+Element Chain(std::size_t depth, Element* innermost = nullptr) {
   const auto root = Element::Create("A");
   auto element = root;
   while (--depth > 0) {
     const auto child = Element::Create("A");
-    element->Append(child);
+    element.Append(child);
     element = child;
   }
   if (innermost != nullptr) *innermost = element;
@@ -41,38 +41,38 @@ std::string WithAttributes(std::size_t count) {
 }
 
 // An element whose text form has exactly `bytes`.
-std::shared_ptr<Element> Sized(std::size_t bytes) {
+Element Sized(std::size_t bytes) {
   const auto root = Element::Create("A");
   for (std::size_t left = bytes; left > kMaxValueBytes + 100; left -= kMaxValueBytes + 7) {
     const auto child = Element::Create("B");
-    child->SetText(LargestValue());
-    root->Append(child);
+    child.SetText(LargestValue());
+    root.Append(child);
   }
   const auto child = Element::Create("C");
-  child->SetAttribute("v", "");
-  root->Append(child);
-  child->SetAttribute("v", std::string(bytes - root->Xml().size(), 'v'));
+  child.SetAttribute("v", "");
+  root.Append(child);
+  child.SetAttribute("v", std::string(bytes - root.Xml().size(), 'v'));
   return root;
 }
 
 TEST(LimitsTest, AppendKeepsTheDepth) {
-  std::shared_ptr<Element> innermost;
+  Element innermost;
   const auto root = Chain(kMaxDepth, &innermost);
-  const std::string before = root->Xml();
+  const std::string before = root.Xml();
 
-  EXPECT_RUNTIME_ERROR(innermost->Append(Element::Create("B")), kOutOfMemory);
-  EXPECT_EQ(root->Xml(), before);
-  innermost->Append(CreateText("t"));
-  EXPECT_EQ(Reloaded(*root)->Xml(), root->Xml());
+  EXPECT_RUNTIME_ERROR(innermost.Append(Element::Create("B")), kOutOfMemory);
+  EXPECT_EQ(root.Xml(), before);
+  innermost.Append(CreateText("t"));
+  EXPECT_EQ(Reloaded(root).Xml(), root.Xml());
 }
 
 TEST(LimitsTest, AppendCountsTheHeightOfWhatIsAppended) {
-  std::shared_ptr<Element> innermost;
+  Element innermost;
   const auto root = Chain(kMaxDepth - 10, &innermost);
 
-  EXPECT_RUNTIME_ERROR(innermost->Append(Chain(11)), kOutOfMemory);
-  innermost->Append(Chain(10));
-  EXPECT_EQ(Reloaded(*root)->Xml(), root->Xml());
+  EXPECT_RUNTIME_ERROR(innermost.Append(Chain(11)), kOutOfMemory);
+  innermost.Append(Chain(10));
+  EXPECT_EQ(Reloaded(root).Xml(), root.Xml());
 }
 
 TEST(LimitsTest, LoadKeepsTheDepth) {
@@ -85,12 +85,12 @@ TEST(LimitsTest, LoadKeepsTheDepth) {
 TEST(LimitsTest, SetAttributeKeepsTheNumberOfAttributes) {
   const auto element = Parsed(WithAttributes(kMaxAttributes));
 
-  EXPECT_RUNTIME_ERROR(element->SetAttribute("B", "1"), kOutOfMemory);
-  EXPECT_TRUE(element->GetAttribute("B").IsNull());
-  element->SetAttribute("a0", "changed");
-  element->RemoveAttribute("a1");
-  element->SetAttribute("B", "1");
-  EXPECT_EQ(Reloaded(*element)->Xml(), element->Xml());
+  EXPECT_RUNTIME_ERROR(element.SetAttribute("B", "1"), kOutOfMemory);
+  EXPECT_TRUE(element.GetAttribute("B").IsNull());
+  element.SetAttribute("a0", "changed");
+  element.RemoveAttribute("a1");
+  element.SetAttribute("B", "1");
+  EXPECT_EQ(Reloaded(element).Xml(), element.Xml());
 }
 
 TEST(LimitsTest, LoadKeepsTheNumberOfAttributes) {
@@ -114,11 +114,11 @@ TEST(LimitsTest, WhatOnlyLooksLikeAttributesIsNotCounted) {
 TEST(LimitsTest, NamesKeepTheirLength) {
   const std::string longest(kMaxNameBytes, 'n');
   const auto element = Element::Create(longest);
-  element->SetAttribute(longest, "v");
+  element.SetAttribute(longest, "v");
 
   EXPECT_RUNTIME_ERROR(Element::Create(longest + "n"), kOutOfMemory);
-  EXPECT_RUNTIME_ERROR(element->SetAttribute(longest + "n", "v"), kOutOfMemory);
-  EXPECT_EQ(Reloaded(*element)->Xml(), element->Xml());
+  EXPECT_RUNTIME_ERROR(element.SetAttribute(longest + "n", "v"), kOutOfMemory);
+  EXPECT_EQ(Reloaded(element).Xml(), element.Xml());
   EXPECT_EQ(Reloaded("<" + longest + "n/>"), "");
   EXPECT_EQ(Reloaded("<A " + longest + "n=''/>"), "");
 }
@@ -126,50 +126,50 @@ TEST(LimitsTest, NamesKeepTheirLength) {
 TEST(LimitsTest, ValuesKeepTheirLength) {
   const auto element = Parsed("<A v='old'>old</A>");
 
-  EXPECT_RUNTIME_ERROR(element->SetAttribute("v", LargestValue() + "v"), kOutOfMemory);
-  EXPECT_RUNTIME_ERROR(element->SetText(LargestValue() + "v"), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(element.SetAttribute("v", LargestValue() + "v"), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(element.SetText(LargestValue() + "v"), kOutOfMemory);
   EXPECT_RUNTIME_ERROR(static_cast<void>(CreateText(LargestValue() + "v")), kOutOfMemory);
-  EXPECT_EQ(element->Xml(), R"(<A v="old">old</A>)");
+  EXPECT_EQ(element.Xml(), R"(<A v="old">old</A>)");
 }
 
 TEST(LimitsTest, LargestValuesAreLoadedAgain) {
   const auto element = Element::Create("A");
-  element->SetAttribute("v", LargestValue());
-  element->SetText(LargestValue());
-  EXPECT_EQ(Reloaded(*element)->Text().size(), kMaxValueBytes);
+  element.SetAttribute("v", LargestValue());
+  element.SetText(LargestValue());
+  EXPECT_EQ(Reloaded(element).Text().size(), kMaxValueBytes);
   EXPECT_EQ(Reloaded("<A v='" + LargestValue() + "v'/>"), "");
   EXPECT_EQ(Reloaded("<A>v<![CDATA[" + LargestValue() + "]]></A>"), "");
 }
 
 TEST(LimitsTest, ReplacedBytesCountAsWhatReplacesThem) {
   const std::string invalid(kMaxValueBytes / 3 + 1, '\xFF');
-  EXPECT_RUNTIME_ERROR(Element::Create("A")->SetText(invalid), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(Element::Create("A").SetText(invalid), kOutOfMemory);
 }
 
 TEST(LimitsTest, NeighbouringTextsCountAsOne) {
   const auto root = Element::Create("A");
-  root->Append(CreateText(LargestValue()));
+  root.Append(CreateText(LargestValue()));
 
-  EXPECT_RUNTIME_ERROR(root->Append(CreateText("v")), kOutOfMemory);
-  root->Append(Element::Create("B"));
-  root->Append(CreateText("v"));
-  EXPECT_EQ(Reloaded(*root)->Xml(), root->Xml());
+  EXPECT_RUNTIME_ERROR(root.Append(CreateText("v")), kOutOfMemory);
+  root.Append(Element::Create("B"));
+  root.Append(CreateText("v"));
+  EXPECT_EQ(Reloaded(root).Xml(), root.Xml());
 }
 
 TEST(LimitsTest, TextsStayApartWhenTheyAreTooLargeForOne) {
   const auto root = Element::Create("A");
-  root->Append(CreateText(LargestValue()));
+  root.Append(CreateText(LargestValue()));
   const auto between = Element::Create("B");
-  root->Append(between);
-  root->Append(CreateText("v"));
-  root->Append(CreateText("w"));
+  root.Append(between);
+  root.Append(CreateText("v"));
+  root.Append(CreateText("w"));
 
-  EXPECT_RUNTIME_ERROR(root->Remove(between), kOutOfMemory);
-  EXPECT_RUNTIME_ERROR(Element::Create("C")->Append(between), kOutOfMemory);
-  EXPECT_EQ(between->Parent(), root.get());
-  root->Remove(root->FirstChild());
-  root->Remove(between);
-  EXPECT_EQ(root->Xml(), "<A>vw</A>");
+  EXPECT_RUNTIME_ERROR(root.Remove(between), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(Element::Create("C").Append(between), kOutOfMemory);
+  EXPECT_EQ(between.Parent(), root);
+  root.Remove(root.FirstChild());
+  root.Remove(between);
+  EXPECT_EQ(root.Xml(), "<A>vw</A>");
 }
 
 TEST(LimitsTest, WholeDocumentsKeepTheirSize) {
@@ -179,15 +179,15 @@ TEST(LimitsTest, WholeDocumentsKeepTheirSize) {
   document.SetDocumentElement(root);
   const std::string saved = document.Xml();
   ASSERT_EQ(saved.size(), kMaxDocumentBytes);
-  const auto child = root->Child("C");
+  const auto child = root.Child("C");
 
   EXPECT_RUNTIME_ERROR(document.AddDeclaration(), kOutOfMemory);
-  EXPECT_RUNTIME_ERROR(child->SetAttribute("w", ""), kOutOfMemory);
-  EXPECT_RUNTIME_ERROR(child->SetText("t"), kOutOfMemory);
-  EXPECT_RUNTIME_ERROR(root->Append(CreateText("t")), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(child.SetAttribute("w", ""), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(child.SetText("t"), kOutOfMemory);
+  EXPECT_RUNTIME_ERROR(root.Append(CreateText("t")), kOutOfMemory);
   EXPECT_TRUE(document.Xml() == saved);
 
-  child->SetAttribute("v", "");
+  child.SetAttribute("v", "");
   document.AddDeclaration();
   EXPECT_LT(document.Xml().size(), kMaxDocumentBytes);
 }
@@ -196,9 +196,9 @@ TEST(LimitsTest, CommentsCountAsTheyAreWritten) {
   constexpr std::string_view kWritten = "<!--a\r\nb-->";
   const auto root = Sized(kMaxDocumentBytes - kWritten.size());
 
-  EXPECT_RUNTIME_ERROR(root->Append(CreateComment("a\nbc")), kOutOfMemory);
-  root->Append(CreateComment("a\nb"));
-  EXPECT_EQ(root->Xml().size(), kMaxDocumentBytes);
+  EXPECT_RUNTIME_ERROR(root.Append(CreateComment("a\nbc")), kOutOfMemory);
+  root.Append(CreateComment("a\nb"));
+  EXPECT_EQ(root.Xml().size(), kMaxDocumentBytes);
 }
 
 TEST(LimitsTest, LoadKeepsTheSizeOfDocuments) {
@@ -214,10 +214,10 @@ TEST(LimitsTest, ARefusedMoveLeavesTheChildWhereItIs) {
   const auto full = Sized(kMaxDocumentBytes);
   const auto root = Parsed("<A><B/><C/></A>");
 
-  EXPECT_RUNTIME_ERROR(full->Append(root->Child("B")), kOutOfMemory);
-  EXPECT_EQ(root->Xml(), "<A><B/><C/></A>");
-  full->Append(full->Child("B"));
-  EXPECT_EQ(full->Xml().size(), kMaxDocumentBytes);
+  EXPECT_RUNTIME_ERROR(full.Append(root.Child("B")), kOutOfMemory);
+  EXPECT_EQ(root.Xml(), "<A><B/><C/></A>");
+  full.Append(full.Child("B"));
+  EXPECT_EQ(full.Xml().size(), kMaxDocumentBytes);
 }
 
 TEST(LimitsTest, InputsKeepTheirSize) {

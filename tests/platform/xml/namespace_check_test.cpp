@@ -1,7 +1,6 @@
-#include "platform/xml/namespace_check.h"
-
 #include <gtest/gtest.h>
 
+#include "platform/xml/namespaces.h"
 #include "platform/xml/pieces.h"
 #include "tests/platform/xml/parsed.h"
 #include "tests/xml_notes.h"

@@ -18,7 +18,7 @@ inline bool Load(Document& document, std::string_view text) {
 }
 
 // The root of a document that is gone.
-inline std::shared_ptr<Element> Parsed(std::string_view text) {
+inline Element Parsed(std::string_view text) {
   Document document;
   EXPECT_TRUE(Load(document, text)) << text;
   return document.DocumentElement();
@@ -31,6 +31,6 @@ inline std::string Reloaded(std::string_view text) {
 }
 
 // `element` after saving and loading its document.
-inline std::shared_ptr<Element> Reloaded(const Element& element) { return Parsed(element.Xml()); }
+inline Element Reloaded(const Element& element) { return Parsed(element.Xml()); }
 
 }  // namespace kvdm::xml

@@ -24,15 +24,15 @@ rc::Gen<std::string> AnyText() {
 
 std::string AnyName() { return *rc::gen::element<std::string>("A", "B", "C-1.x", "\xC3\xA9\xFF"); }
 
-std::shared_ptr<Node> AnyComment() {
+Node AnyComment() {
   std::string text = *AnyText();
   std::erase(text, '-');
   return CreateComment(text);
 }
 
-std::shared_ptr<Element> AnyElement(int depth);
+Element AnyElement(int depth);
 
-std::shared_ptr<Node> AnyNode(int depth) {
+Node AnyNode(int depth) {
   switch (*rc::gen::inRange(0, 4)) {
     case 0:
       return CreateText(*AnyText());
@@ -43,14 +43,14 @@ std::shared_ptr<Node> AnyNode(int depth) {
   }
 }
 
-std::shared_ptr<Element> AnyElement(int depth) {
+Element AnyElement(int depth) {
   const auto element = Element::Create(AnyName());
-  for (int i = *rc::gen::inRange(0, 3); i > 0; --i) element->SetAttribute(AnyName(), *AnyText());
+  for (int i = *rc::gen::inRange(0, 3); i > 0; --i) element.SetAttribute(AnyName(), *AnyText());
   if (depth == 0) {
-    element->SetText(*AnyText());
+    element.SetText(*AnyText());
     return element;
   }
-  for (int i = *rc::gen::inRange(0, 4); i > 0; --i) element->Append(AnyNode(depth - 1));
+  for (int i = *rc::gen::inRange(0, 4); i > 0; --i) element.Append(AnyNode(depth - 1));
   return element;
 }
 
@@ -63,18 +63,18 @@ std::vector<std::string> Values(const Element& element) {
 }
 
 // The child of those with the tag that comes first and has the value, found by walking.
-std::shared_ptr<Element> Scanned(const Element& parent, std::string_view tag, std::string_view name,
-                                 const Value& value) {
-  for (auto node = parent.FirstChild(); node; node = node->Next()) {
-    if (node->Type() != NodeType::kElement) continue;
-    auto element = std::static_pointer_cast<Element>(node);
-    if (element->Tag() == tag && element->GetAttribute(name) == value) return element;
+Element Scanned(const Element& parent, std::string_view tag, std::string_view name,
+                const Value& value) {
+  for (auto node = parent.FirstChild(); node; node = node.Next()) {
+    if (node.Type() != NodeType::kElement) continue;
+    auto element = Element(node);
+    if (element.Tag() == tag && element.GetAttribute(name) == value) return element;
   }
   return nullptr;
 }
 
 // Removes, appends or changes one of the children of `root` or one of those that were removed.
-void ChangeSomething(Element& root, std::vector<std::shared_ptr<Element>>& elements) {
+void ChangeSomething(const Element& root, std::vector<Element>& elements) {
   const auto element = elements[*rc::gen::inRange<std::size_t>(0, elements.size())];
   const auto name = *rc::gen::element<std::string>("N", "M");
   switch (*rc::gen::inRange(0, 5)) {
@@ -82,13 +82,13 @@ void ChangeSomething(Element& root, std::vector<std::shared_ptr<Element>>& eleme
       root.Append(element);
       break;
     case 1:
-      if (element->Parent() != nullptr) root.Remove(element);
+      if (element.Parent() != nullptr) root.Remove(element);
       break;
     case 2:
-      element->RemoveAttribute(name);
+      element.RemoveAttribute(name);
       break;
     default:
-      element->SetAttribute(name, *rc::gen::inRange(0, 4));
+      element.SetAttribute(name, *rc::gen::inRange(0, 4));
   }
 }
 
@@ -115,20 +115,24 @@ RC_GTEST_PROP(XmlPropertyTest, WhatWasSetIsSavedLoadedAndSavedAlike, ()) {
 
 RC_GTEST_PROP(XmlPropertyTest, AttributesAreLoadedExactlyAsTheyStood, ()) {
   const auto element = AnyElement(0);
-  RC_ASSERT(Values(*Reloaded(*element)) == Values(*element));
+  RC_ASSERT(Values(Reloaded(element)) == Values(element));
 }
 
 RC_GTEST_PROP(XmlPropertyTest, IndexAnswersAsAWalkDoes, ()) {
+  constexpr std::size_t kFewHere = 8;
+  const std::size_t few = FewChildren();
+  IndexMoreChildrenThan(kFewHere);
   const auto root = Element::Create("R");
-  std::vector<std::shared_ptr<Element>> elements;
+  std::vector<Element> elements;
   for (int i = *rc::gen::inRange(5, 25); i > 0; --i) {
     elements.push_back(Element::Create(*rc::gen::element<std::string>("A", "B")));
-    root->Append(elements.back());
+    root.Append(elements.back());
   }
   for (int i = *rc::gen::inRange(1, 40); i > 0; --i) {
-    ChangeSomething(*root, elements);
-    CheckEveryLookUp(*root);
+    ChangeSomething(root, elements);
+    CheckEveryLookUp(root);
   }
+  IndexMoreChildrenThan(few);
 }
 
 }  // namespace

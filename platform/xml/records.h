@@ -1,0 +1,61 @@
+// What an element tree is stored as: small records that know each other by number.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/xml/pool.h"
+#include "platform/xml/texts.h"
+
+namespace kvdm::xml {
+
+enum class NodeType : std::uint8_t {
+  kElement = 1,
+  kText = 3,
+  kInstruction = 7,
+  kComment = 8,
+  kDocument = 9,
+  kMoved,  // to another tree
+};
+
+struct NodeRecord {
+  Number next = 0;
+  Number previous = 0;
+  Number parent = 0;
+  Number first = 0;  // child
+  Number last = 0;
+  Number name = 0;        // an element's tag, an instruction's target
+  Number attributes = 0;  // the first
+  Number index = 0;       // over the children
+  Number holds = 0;       // by handles
+  Piece text;             // of a node without children
+  Number run = 0;         // the bytes of a text and of the texts right before it
+  NodeType type = NodeType::kElement;
+};
+
+struct AttributeRecord {
+  Number next = 0;
+  Number owner = 0;
+  Number name = 0;
+  Piece value;
+  // The attributes with this value in an index, in a ring.
+  Number next_alike = 0;
+  Number previous_alike = 0;
+};
+
+struct Records {
+  // The attribute of an element that has the name; 0 when it is missing.
+  [[nodiscard]] Number FindAttribute(Number element, Number name) const {
+    Number attribute = nodes[element].attributes;
+    while (attribute != 0 && attributes[attribute].name != name) {
+      attribute = attributes[attribute].next;
+    }
+    return attribute;
+  }
+
+  Pool<NodeRecord> nodes;
+  Pool<AttributeRecord> attributes;
+  Names names;
+  Texts texts;
+};
+
+}  // namespace kvdm::xml

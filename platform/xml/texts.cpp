@@ -1,0 +1,55 @@
+#include "platform/xml/texts.h"
+
+#include <kvdm/platform/error.h>
+
+#include "platform/xml/xml_text.h"
+
+namespace kvdm::xml {
+
+Piece Texts::Add(std::string_view text) {
+  const std::size_t end = added_.size() + text.size();
+  if (end >= kAdded) throw RuntimeError(kOutOfMemory);
+  if (end > added_.capacity()) added_.reserve(end + end / 4);
+  const Piece piece{kAdded + static_cast<Number>(added_.size()), static_cast<Number>(text.size())};
+  added_ += text;
+  return piece;
+}
+
+Piece Texts::Overwrite(Piece piece, std::string_view text) noexcept {
+  text.copy(added_.data() + (piece.at - kAdded), text.size());
+  dropped_ += piece.size - text.size();
+  return {piece.at, static_cast<Number>(text.size())};
+}
+
+void Texts::Drop(Piece piece) noexcept {
+  if (piece.at >= kAdded) dropped_ += piece.size;
+}
+
+Name::Name(std::string_view name)
+    : text(name),
+      attribute(" " + text + "=\""),
+      end_tag("</" + text + ">"),
+      is_prefixed(!PrefixOf(name).empty() || IsNamespaceDeclaration(name)) {}
+
+Number Names::Find(std::string_view text) const {
+  if (text.empty()) return 0;
+  Number& recent =
+      recent_[(text.size() * 5 + static_cast<unsigned char>(text.back())) % recent_.size()];
+  if (recent != 0 && names_[recent - 1]->text == text) return recent;
+  const auto found = numbers_.find(text);
+  if (found == numbers_.end()) return 0;
+  return recent = found->second;
+}
+
+Number Names::Add(std::string_view text) {
+  if (const Number known = Find(text)) return known;
+  auto name = std::make_unique<const Name>(text);
+  names_.reserve(names_.size() + 1);
+  const auto number = static_cast<Number>(names_.size() + 1);
+  numbers_.emplace(name->text, number);
+  have_prefixes_ = have_prefixes_ || name->is_prefixed;
+  names_.push_back(std::move(name));
+  return number;
+}
+
+}  // namespace kvdm::xml
