@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 namespace kvdm {
 namespace {
@@ -68,14 +67,7 @@ void AppendUtf8(char32_t code_point, std::string& text) {
 }
 
 std::size_t AsciiRun(std::string_view text) {
-  constexpr std::uint64_t kHighBits = 0x8080808080808080U;
-  std::size_t size = 0;
-  for (std::uint64_t word = 0; text.size() - size >= sizeof word; size += sizeof word) {
-    std::memcpy(&word, text.data() + size, sizeof word);
-    if ((word & kHighBits) != 0) break;
-  }
-  while (size < text.size() && static_cast<unsigned char>(text[size]) < 0x80) ++size;
-  return size;
+  return RunWithoutMarks(text, [](std::uint64_t word) { return word & 0x8080808080808080U; });
 }
 
 bool IsValidUtf8(std::string_view text) {

@@ -13,7 +13,16 @@
 namespace kvdm::xml {
 namespace {
 
-void CheckName(std::string_view name) {
+// The number of a name of the tree; 0 when it is none. All of these are clean.
+Number Known(const Tree& tree, std::string_view name) {
+  const Number number = tree.names().Find(name);
+  return number != 0 ? number : tree.names().Find(Sanitized(name));
+}
+
+// Names without a prefix that are there already are good.
+void CheckName(const Tree& tree, std::string_view name) {
+  const Number known = tree.names().Find(name);
+  if (known != 0 && !tree.name(known).is_prefixed) return;
   if (!IsPlainName(name)) throw RuntimeError(kInvalidCall);
   if (name.size() > kMaxNameBytes) throw RuntimeError(kOutOfMemory);
 }
@@ -131,16 +140,16 @@ Element::Element(Node node)
 
 Element Element::Create(std::string_view tag) {
   const Sanitized name(tag);
-  CheckName(name);
   auto tree = std::make_unique<Tree>();
+  CheckName(*tree, name);
   const Number number = tree->NewNode(NodeType::kElement, name);
   return {tree.release(), number};
 }
 
 Element Element::CreateNear(std::string_view tag) const {
   const Sanitized name(tag);
-  CheckName(name);
   Tree& tree = Home();
+  CheckName(tree, name);
   if (!tree.HasRoom(static_cast<std::ptrdiff_t>(EmptyElementBytes(name)))) {
     throw RuntimeError(kOutOfMemory);
   }
@@ -149,7 +158,7 @@ Element Element::CreateNear(std::string_view tag) const {
 
 Value Element::GetAttribute(std::string_view name) const {
   const Tree& tree = Home();
-  const Number number = tree.names().Find(Sanitized(name));
+  const Number number = Known(tree, name);
   const Number own = number == 0 ? 0 : tree.FindAttribute(this->number(), number);
   if (own == 0) return Null();
   return tree.text(tree.attribute(own).value);
@@ -173,8 +182,8 @@ void Element::SetAttribute(std::string_view name, const Value& value) const {
 }
 
 void Element::AddAttribute(std::string_view name, std::string_view text) const {
-  CheckName(name);
   Tree& tree = Home();
+  CheckName(tree, name);
   std::size_t count = 0;
   Number last = 0;
   for (Number own = Record().attributes; own != 0; own = tree.attribute(own).next) {
@@ -228,7 +237,7 @@ void Element::SetText(std::string_view text) const {
 
 std::vector<Element> Element::Children(std::string_view tag) const {
   Tree& tree = Home();
-  const Number name = tree.names().Find(Sanitized(tag));
+  const Number name = Known(tree, tag);
   std::vector<Element> children;
   if (name == 0) return children;
   for (Number child = Record().first; child != 0; child = tree.node(child).next) {
@@ -241,7 +250,7 @@ std::vector<Element> Element::Children(std::string_view tag) const {
 }
 
 Element Element::Child(std::string_view tag) const {
-  const Number name = Home().names().Find(Sanitized(tag));
+  const Number name = Known(Home(), tag);
   return ElementAt(name == 0 ? 0 : Home().FindChild(number(), name));
 }
 
@@ -251,8 +260,8 @@ Element Element::Child(std::string_view tag, std::string_view attribute,
   const Sanitized value(key);
   const bool is_plain = PlainRun(key) == key.size();
   if (!is_plain && key.find('"') != std::string_view::npos) throw RuntimeError(kAutomationFailure);
-  const Number name = tree.names().Find(Sanitized(tag));
-  const Number own = tree.names().Find(Sanitized(attribute));
+  const Number name = Known(tree, tag);
+  const Number own = Known(tree, attribute);
   return ElementAt(name == 0 || own == 0 ? 0 : tree.FindChild(number(), name, own, value));
 }
 

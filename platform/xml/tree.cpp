@@ -295,15 +295,6 @@ std::ptrdiff_t Tree::UnlinkBytes(Number child) const {
   return -static_cast<std::ptrdiff_t>(ClosingBytes(name(above.name).text));
 }
 
-void Tree::Release(Number number) noexcept {
-  if (--handles_ == 0) {
-    delete this;
-    return;
-  }
-  NodeRecord& record = records_.nodes[number];
-  if (--record.holds == 0 && record.parent == 0) Free(number);
-}
-
 std::pair<Tree*, Number> Tree::MovedTo(Number number) const {
   const auto found = std::ranges::find(moved_, number, &Move::from);
   return {found->tree, found->number};

@@ -87,7 +87,14 @@ class Tree {
     ++handles_;
     ++records_.nodes[number].holds;
   }
-  void Release(Number number) noexcept;
+  void Release(Number number) noexcept {
+    NodeRecord& record = records_.nodes[number];
+    if (--handles_ == 0) {
+      delete this;
+    } else if (--record.holds == 0 && record.parent == 0) {
+      Free(number);
+    }
+  }
   // Where a record that was moved to another tree is now.
   [[nodiscard]] std::pair<Tree*, Number> MovedTo(Number number) const;
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 #include <kvdm/platform/error.h>
 
@@ -24,18 +23,6 @@ constexpr CodePointRange kNameTails[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
 };
 
-bool IsPlain(char character) {
-  switch (character) {
-    case '"':
-    case '&':
-    case '<':
-    case '>':
-      return false;
-    default:
-      return static_cast<unsigned char>(character) >= 0x20;
-  }
-}
-
 constexpr std::uint64_t Each(std::uint64_t byte) { return byte * 0x0101010101010101U; }
 
 // Marks the first byte of `word` that is below `least`, which is at most 0x80.
@@ -43,10 +30,10 @@ constexpr std::uint64_t Below(std::uint64_t word, std::uint64_t least) {
   return (word - Each(least)) & ~word & Each(0x80);
 }
 
-// Whether a byte of `word` is not plain. "<" and ">" differ in one bit.
-constexpr bool HasMarkup(std::uint64_t word) {
-  return (Below(word, 0x20) | Below(word ^ Each('"'), 1) | Below(word ^ Each('&'), 1) |
-          Below((word | Each(2)) ^ Each('>'), 1)) != 0;
+// Marks the first byte of `word` that is not plain. "<" and ">" differ in one bit.
+constexpr std::uint64_t Markup(std::uint64_t word) {
+  return Below(word, 0x20) | Below(word ^ Each('"'), 1) | Below(word ^ Each('&'), 1) |
+         Below((word | Each(2)) ^ Each('>'), 1);
 }
 
 bool IsPrintableAscii(char character) { return character >= 0x20; }
@@ -58,15 +45,7 @@ bool IsXmlCharacter(char32_t character) {
   return character != 0xFFFE && character != 0xFFFF;
 }
 
-std::size_t PlainRun(std::string_view text) {
-  std::size_t size = 0;
-  for (std::uint64_t word = 0; text.size() - size >= sizeof word; size += sizeof word) {
-    std::memcpy(&word, text.data() + size, sizeof word);
-    if (HasMarkup(word)) break;
-  }
-  while (size < text.size() && IsPlain(text[size])) ++size;
-  return size;
-}
+std::size_t PlainRun(std::string_view text) { return RunWithoutMarks(text, Markup); }
 
 Sanitized::Sanitized(std::string_view text) : view_(text) {
   if (PlainRun(text) == text.size() && AsciiRun(text) == text.size()) return;
