@@ -30,6 +30,9 @@ namespace kvdm::os {
 // Makes a folder, and those above it, where they are missing.
 void CreateFolders(const std::filesystem::path& folder);
 
+// On return a loss of power does not lose the names in a folder, nor its own.
+void SyncFolder(const std::filesystem::path& folder);
+
 // The bytes of a regular file. errc::file_too_large when it has more than `most`; no more are read.
 inline constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
 [[nodiscard]] std::string ReadBytes(const std::filesystem::path& file,
@@ -43,18 +46,34 @@ inline constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
 bool Replace(const std::filesystem::path& file, std::string_view bytes,
              const std::filesystem::path& previous = {});
 
+// Puts a file in the place of another, in one step.
+void Rename(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Removes a file, or a folder that is empty. One that is missing, or a folder that is not empty,
+// is left as it is.
+void RemoveFile(const std::filesystem::path& file);
+void RemoveFolder(const std::filesystem::path& folder);
+
+// Deletes a folder with all that is in it, hidden and read-only entries too. Links are removed and
+// never followed. Fails at what begins another file system, and leaves that.
+void DeleteTree(const std::filesystem::path& folder);
+
 // Whether a file is marked as one that nobody may write.
 [[nodiscard]] bool IsReadOnly(const std::filesystem::path& file);
 
 // The folders behind drive letters, as MakeServices takes them.
 using Drives = std::map<char, std::string>;
 
-// Renames a folder that is no link, by paths of the component.
+// Renames a folder that is no link, by paths of the component. On return it is so on the disk.
 void MoveFolder(const Drives& drives, std::string_view from, std::string_view to);
 
 // The full path of a folder, by a path of the component and in its form; nothing when there is no
 // folder.
 [[nodiscard]] std::optional<std::string> FindFolder(const Drives& drives, std::string_view path);
+
+// The same, but only a folder of that very name, in whatever letter case.
+[[nodiscard]] std::optional<std::string> FindSameFolder(const Drives& drives,
+                                                        std::string_view path);
 
 // The names of the folders in a folder that begin with `prefix`, hidden ones too and links not; by
 // a path of the component. None when that folder is missing.

@@ -61,6 +61,47 @@ std::vector<std::filesystem::path> ListedFiles(const std::filesystem::path& fold
   return files;
 }
 
+std::optional<std::string> Found(const Drives& drives, std::string_view path, NameFinder find) {
+  try {
+    DrivePath resolved = PosixPaths::Resolve(path);
+    const FileDescriptor folder = PosixPaths({drives}).Open(resolved, ENOTDIR, find);
+    return resolved.Text();
+  } catch (const std::system_error& error) {
+    if (MeansMissing(error.code().value())) return std::nullopt;
+    Fail(ToPath(path), error.code().value());
+  }
+}
+
+// Not all file systems have this for folders.
+void Sync(int folder) {
+  const FileDescriptor readable = OpenAt(folder, ".", O_RDONLY | O_DIRECTORY);
+  if (::fsync(readable.get()) != 0 && errno != EINVAL && errno != ENOTSUP) ThrowLastError();
+}
+
+void EmptyTree(int folder);
+
+void DeleteEntry(int parent, const std::string& name) {
+  const auto facts = StatusOf(parent, name);
+  if (!facts) return;
+  if (facts->is_folder) {
+    // Its owner may have closed it to everybody.
+    constexpr mode_t kAll = S_IRWXU;
+    if ((facts->permissions & kAll) != kAll) {
+      const FileDescriptor closed = OpenAt(parent, name, O_PATH | O_DIRECTORY | O_NOFOLLOW);
+      ::chmod(("/proc/self/fd/" + std::to_string(closed.get())).c_str(), kAll);
+    }
+    EmptyTree(OpenFolderIn(parent, name).get());
+  }
+  if (::unlinkat(parent, name.c_str(), facts->is_folder ? AT_REMOVEDIR : 0) != 0 &&
+      errno != ENOENT) {
+    Fail(name);
+  }
+}
+
+void EmptyTree(int folder) {
+  for (const std::string& name : EntryNames(folder)) DeleteEntry(folder, name);
+}
+
 // What is at `name`. It must be a regular file.
 std::optional<FileStatus> RegularFile(int folder, const std::string& name) {
   const auto facts = StatusOf(folder, name);
@@ -134,6 +175,10 @@ void CreateFolders(const std::filesystem::path& folder) {
   if (failed) Fail(folder, failed.value());
 }
 
+void SyncFolder(const std::filesystem::path& folder) {
+  Naming(folder, [&] { Sync(Open(folder, O_PATH | O_DIRECTORY).get()); });
+}
+
 std::string ReadBytes(const std::filesystem::path& file, std::size_t most) {
   const FileDescriptor source = OpenRegular(file, O_RDONLY);
   std::string bytes = Naming(file, [&] { return ReadAll(source.get(), most + 1); });
@@ -158,20 +203,35 @@ bool Replace(const std::filesystem::path& file, std::string_view bytes,
   });
 }
 
+void Rename(const std::filesystem::path& from, const std::filesystem::path& to) {
+  if (::rename(from.c_str(), to.c_str()) != 0) Fail(from);
+}
+
+void RemoveFile(const std::filesystem::path& file) {
+  if (::unlink(file.c_str()) != 0 && errno != ENOENT) Fail(file);
+}
+
+void RemoveFolder(const std::filesystem::path& folder) {
+  const bool stays = ::rmdir(folder.c_str()) != 0;
+  if (stays && errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST) Fail(folder);
+}
+
+void DeleteTree(const std::filesystem::path& folder) {
+  const FileDescriptor parent = Open(folder.parent_path(), O_PATH | O_DIRECTORY);
+  Naming(folder, [&] { DeleteEntry(parent.get(), folder.filename()); });
+}
+
 bool IsReadOnly(const std::filesystem::path& file) {
   const auto facts = Naming(file, [&] { return StatusOf(AT_FDCWD, file); });
   return facts && facts->is_read_only;
 }
 
 std::optional<std::string> FindFolder(const Drives& drives, std::string_view path) {
-  try {
-    DrivePath resolved = PosixPaths::Resolve(path);
-    const FileDescriptor folder = PosixPaths({drives}).Open(resolved, ENOTDIR);
-    return resolved.Text();
-  } catch (const std::system_error& error) {
-    if (MeansMissing(error.code().value())) return std::nullopt;
-    Fail(ToPath(path), error.code().value());
-  }
+  return Found(drives, path, FindName);
+}
+
+std::optional<std::string> FindSameFolder(const Drives& drives, std::string_view path) {
+  return Found(drives, path, FindSameName);
 }
 
 std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
@@ -201,6 +261,8 @@ void MoveFolder(const Drives& drives, std::string_view from, std::string_view to
       0) {
     ThrowLastError();
   }
+  Sync(target.folder.get());
+  Sync(source.folder.get());
 }
 
 std::shared_ptr<void> TryLock(const std::filesystem::path& file) {

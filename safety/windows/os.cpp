@@ -122,6 +122,33 @@ std::string Variable(const wchar_t* name) {
   return ToUtf8(value);
 }
 
+std::optional<std::string> Found(std::string_view path, NameFinder find) {
+  try {
+    DrivePath resolved = ResolveWindowsPath(path);
+    std::ignore = OpenFolderAt(resolved, ERROR_DIRECTORY, FILE_READ_ATTRIBUTES, find);
+    return resolved.Text();
+  } catch (const std::system_error& error) {
+    if (MeansMissing(error.code().value())) return std::nullopt;
+    Fail(ToPath(path), error.code().default_error_condition());
+  }
+}
+
+void MakeWritable(const FileHandle& file) {
+  FILE_BASIC_INFO info{};
+  info.FileAttributes = FILE_ATTRIBUTE_NORMAL;
+  if (SetFileInformationByHandle(file.get(), FileBasicInfo, &info, sizeof info) == FALSE) {
+    ThrowLastError();
+  }
+}
+
+void EmptyTree(const FileHandle& folder) {
+  for (const FolderEntry& entry : EntriesOf(folder)) {
+    if (entry.IsReadOnly()) MakeWritable(OpenEntry(folder, entry, FILE_WRITE_ATTRIBUTES));
+    if (entry.IsFolder()) EmptyTree(OpenEntry(folder, entry, kListAccess));
+    DeleteEntry(folder, entry);
+  }
+}
+
 }  // namespace
 
 bool Exists(const fs::path& path) {
@@ -165,6 +192,8 @@ void CreateFolders(const fs::path& folder) {
   if (!IsFolder(folder)) Fail(folder, why);
 }
 
+void SyncFolder(const fs::path&) {}  // The system does that with each change.
+
 std::string ReadBytes(const fs::path& file, std::size_t most) {
   const FileHandle source = OpenRegular(file, GENERIC_READ, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
   std::string bytes = Naming(file, [&] { return ReadAll(source, most + 1); });
@@ -182,20 +211,42 @@ bool Replace(const fs::path& file, std::string_view bytes, const fs::path& previ
   return true;  // The move is on the disk when it is done.
 }
 
+void Rename(const fs::path& from, const fs::path& to) {
+  constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  if (MoveFileExW(LongName(from).c_str(), LongName(to).c_str(), kFlags) == FALSE) Fail(from);
+}
+
+void RemoveFile(const fs::path& file) {
+  if (DeleteFileW(LongName(file).c_str()) == FALSE && !MeansMissing(GetLastError())) Fail(file);
+}
+
+void RemoveFolder(const fs::path& folder) {
+  if (RemoveDirectoryW(LongName(folder).c_str()) != FALSE) return;
+  const DWORD error = GetLastError();
+  if (error != ERROR_DIR_NOT_EMPTY && !MeansMissing(error)) Fail(folder);
+}
+
+void DeleteTree(const fs::path& folder) {
+  if (!Exists(folder)) return;
+  constexpr DWORD kFlags = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
+  if (!IsLink(folder)) {
+    const FileHandle opened = Open(folder, kListAccess, OPEN_EXISTING, kFlags);
+    Naming(folder, [&] { EmptyTree(opened); });
+  }
+  if (RemoveDirectoryW(LongName(folder).c_str()) == FALSE) Fail(folder);
+}
+
 bool IsReadOnly(const fs::path& file) {
   const DWORD attributes = GetFileAttributesW(LongName(file).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
 std::optional<std::string> FindFolder(const Drives&, std::string_view path) {
-  try {
-    DrivePath resolved = ResolveWindowsPath(path);
-    std::ignore = OpenFolderAt(resolved, ERROR_DIRECTORY, FILE_READ_ATTRIBUTES);
-    return resolved.Text();
-  } catch (const std::system_error& error) {
-    if (MeansMissing(error.code().value())) return std::nullopt;
-    Fail(ToPath(path), error.code().default_error_condition());
-  }
+  return Found(path, FindName);
+}
+
+std::optional<std::string> FindSameFolder(const Drives&, std::string_view path) {
+  return Found(path, FindSameName);
 }
 
 std::vector<std::string> FoldersIn(const Drives& drives, std::string_view path,
