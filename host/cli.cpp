@@ -127,6 +127,7 @@ int RunCommandLine(std::vector<std::string> arguments) {
   GlobalOptions options;
   CLI::App app("Keeps the study areas, analyses and layers of market-analysis projects.");
   Declare(app, options);
+  const std::vector<std::string> words = arguments;
   CommandGroup::Chosen chosen;
   for (const auto add : kCommandGroups) add(CommandGroup(app, chosen));
 
@@ -144,7 +145,7 @@ int RunCommandLine(std::vector<std::string> arguments) {
   }
   options.output.bold = IsBold();
   Output out(options.output);
-  return RunCommand(chosen, {options.project, out});
+  return RunCommand(chosen, {options.project, out, words});
 }
 
 }  // namespace kvdm

@@ -5,10 +5,10 @@
 #include <tuple>
 
 #include "host/arguments.h"
-#include "host/deletion.h"
 #include "host/items.h"
 #include "host/os.h"
 #include "host/project_file.h"
+#include "host/waiting_folders.h"
 
 namespace kvdm {
 namespace {
@@ -50,17 +50,32 @@ std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file
   return question;
 }
 
+void ProjectCommand::StartChange(std::optional<Session>& session, const std::filesystem::path& file,
+                                 const Invocation& invocation) {
+  session->Component().RequireWorkingDirectory();
+  session->Record(invocation.words);
+  if (session->GetRecording().Recover()) {
+    session.reset();
+    session.emplace(file, Wanted(), invocation.out);
+    session->Record(invocation.words);
+  }
+  if (!UsesTrash()) session->GetRecording().LeaveTrash();
+  BringBackWaitingFolders(*session);
+}
+
 void ProjectCommand::Execute(const Invocation& invocation) {
   const auto file = FindProjectFile(invocation.project);
   if (Changes()) RequireChangeable(file);
   const auto agreed = Agreed(file, invocation.out);
   std::optional<ChangeLock> lock;
   if (Changes()) lock.emplace(file, Wanted());
-  Session session(file, Wanted(), invocation.out);
+  std::optional<Session> opened(std::in_place, file, Wanted(), invocation.out);
   if (Changes()) {
-    session.Component().RequireWorkingDirectory();
-    SettleWaitingFolders(session);
+    StartChange(opened, file, invocation);
+  } else {
+    TellOfUnfinished(opened->GetPlace());
   }
+  Session& session = *opened;
   if (agreed && ToAsk(session) != *agreed) {
     throw Failure(ExitCode::kConflict,
                   "What was asked about has changed meanwhile. Nothing was done; run the command "
@@ -75,8 +90,10 @@ void ProjectCommand::Execute(const Invocation& invocation) {
   }
 }
 
-DeletingCommand::DeletingCommand(Arguments arguments) {
-  arguments.Flag("--yes", yes_, "Do not ask");
+AskingCommand::AskingCommand(Arguments arguments) { arguments.Flag("--yes", yes_, "Do not ask"); }
+
+DeletingCommand::DeletingCommand(Arguments arguments) : AskingCommand(arguments) {
+  arguments.Flag("--no-trash", no_trash_, "Delete files for ever, which can't be undone");
 }
 
 }  // namespace kvdm

@@ -18,6 +18,7 @@ class Arguments;
 struct Invocation {
   std::string project;  // as given with -p; "" for the one around
   Output& out;
+  std::vector<std::string> words;  // the command line
 };
 
 // One command. One that takes arguments declares them in its constructor, of an Arguments
@@ -57,9 +58,14 @@ class ProjectCommand : public Command {
   [[nodiscard]] virtual Question ToAsk(Session&) { return {}; }
   // Whether its changes are, or may be, to what all projects share: study areas and words.
   [[nodiscard]] virtual bool ChangesRegistry() const { return false; }
+  // Whether folders that are deleted go to the trash.
+  [[nodiscard]] virtual bool UsesTrash() const { return true; }
   virtual void Run(Session& session, Output& out) = 0;
 
   [[nodiscard]] Access Wanted() const;
+  // Records what the command changes, once what others left half done is settled.
+  void StartChange(std::optional<Session>& session, const std::filesystem::path& file,
+                   const Invocation& invocation);
   // The question that was agreed to; nothing when none is asked.
   [[nodiscard]] std::optional<Question> Agreed(const std::filesystem::path& file, Output& out);
 };
@@ -72,10 +78,10 @@ class ChangingCommand : public ProjectCommand {
   [[nodiscard]] bool Changes() const final { return true; }
 };
 
-// A change that can't be taken back: it asks first, unless --yes is given.
-class DeletingCommand : public ChangingCommand {
+// A change that asks first, unless --yes is given.
+class AskingCommand : public ChangingCommand {
  protected:
-  explicit DeletingCommand(Arguments arguments);
+  explicit AskingCommand(Arguments arguments);
 
   [[nodiscard]] bool Asks() const final { return !yes_; }
 
@@ -83,6 +89,17 @@ class DeletingCommand : public ChangingCommand {
   [[nodiscard]] Question ToAsk(Session& session) override = 0;
 
   bool yes_ = false;
+};
+
+// A deletion. The folders that go with it go to the trash, unless --no-trash is given.
+class DeletingCommand : public AskingCommand {
+ protected:
+  explicit DeletingCommand(Arguments arguments);
+
+ private:
+  [[nodiscard]] bool UsesTrash() const final { return !no_trash_; }
+
+  bool no_trash_ = false;
 };
 
 // Runs the command line `arguments`, the program's own name left out. Answers the exit status.

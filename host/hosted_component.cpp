@@ -108,7 +108,7 @@ std::string DocumentProblem(XmlParser& parser, std::string_view what, std::strin
 HostedComponent::HostedComponent(const Project& project, Access access, Output& out)
     : services_(MakeServices(project.drives, access, out)),
       guarded_files_(std::make_shared<ReadOnlyFiles>(services_.platform.files)),
-      files_(std::make_shared<SettingAsideFiles>(guarded_files_, project.drives)),
+      files_(std::make_shared<WatchedFiles>(guarded_files_)),
       state_(std::make_shared<PropertySetMap>(project.state)),
       settings_(std::make_shared<PropertySetMap>(project.settings)),
       host_(std::make_shared<PropertiesHost>(state_, settings_)),
@@ -141,6 +141,10 @@ void HostedComponent::Load(const Project& project, Output& out) {
 IKVDataManager& HostedComponent::Manager() { return *manager_; }
 
 AreaRegistry& HostedComponent::RegisteredItems() { return manager_->Areas(); }
+
+void HostedComponent::OnMadeFolder(std::function<void(std::string_view)> note) {
+  files_->SetNote(std::move(note));
+}
 
 std::string HostedComponent::WorkingDirectoryProblem() {
   const std::string folder = Manager().WorkingDirectory();
@@ -206,6 +210,7 @@ void HostedComponent::SaveTo(Project& project) {
   if (stream->Values().empty()) {
     throw Failure(ExitCode::kRefused, "The component could not save its metadata.");
   }
+  services_.registry->RethrowFromNote();
   if (const auto& refused = services_.registry->Refused()) {
     throw Failure(ExitCode::kRefused,
                   fmt::format("The change was not saved. {}", RegistrySentence(*refused)));

@@ -1,6 +1,7 @@
 // The component, created and started as an application does it.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,7 +14,7 @@
 #include "host/output.h"
 #include "host/project.h"
 #include "host/services.h"
-#include "host/set_aside.h"
+#include "host/watched_files.h"
 #include "safety/read_only_files.h"
 
 namespace kvdm {
@@ -38,7 +39,8 @@ class HostedComponent {
   // nothing. Its failures are messages.
   [[nodiscard]] AreaRegistry& RegisteredItems();
   [[nodiscard]] const Services& GetServices() const { return services_; }
-  [[nodiscard]] SettingAsideFiles& Files() { return *files_; }
+  // Has `note` called with each folder that the component makes.
+  void OnMadeFolder(std::function<void(std::string_view)> note);
 
   // Whether the working directory of the settings was there before the start; nothing when that
   // could not be told.
@@ -71,7 +73,7 @@ class HostedComponent {
 
   Services services_;
   std::shared_ptr<ReadOnlyFiles> guarded_files_;
-  std::shared_ptr<SettingAsideFiles> files_;
+  std::shared_ptr<WatchedFiles> files_;
   std::shared_ptr<PropertySetMap> state_;
   std::shared_ptr<PropertySetMap> settings_;
   std::shared_ptr<Host> host_;

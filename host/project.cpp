@@ -176,6 +176,20 @@ Project ParseProject(std::string_view text) {
   }
 }
 
+std::string PropertiesText(const PropertySetMap::Properties& properties) {
+  return PropertiesJson(properties).dump();
+}
+
+PropertySetMap::Properties PropertiesIn(std::string_view text) {
+  return ParseProperties(ParseJson(text));
+}
+
+std::string DrivesText(const std::map<char, std::string>& drives) {
+  return DrivesJson(drives).dump();
+}
+
+std::map<char, std::string> DrivesIn(std::string_view text) { return ParseDrives(ParseJson(text)); }
+
 std::vector<std::string> XmlLines(std::string_view text) {
   std::vector<std::string> lines;
   std::string line;

@@ -35,6 +35,12 @@ struct Project {
 // damaged or is of a newer version.
 [[nodiscard]] Project ParseProject(std::string_view text);
 
+// Properties and drives as texts: JSON objects; and back. Equal ones have equal texts.
+[[nodiscard]] std::string PropertiesText(const PropertySetMap::Properties& properties);
+[[nodiscard]] PropertySetMap::Properties PropertiesIn(std::string_view text);
+[[nodiscard]] std::string DrivesText(const std::map<char, std::string>& drives);
+[[nodiscard]] std::map<char, std::string> DrivesIn(std::string_view text);
+
 // A text cut after each ">" and each line end. Joined they are the text again.
 [[nodiscard]] std::vector<std::string> XmlLines(std::string_view text);
 

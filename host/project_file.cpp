@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/os.h"
+#include "safety/backups.h"
 #include "util/guard.h"
 
 namespace kvdm {
@@ -188,8 +189,11 @@ bool WriteProjectFile(const fs::path& file, const Project& project) {
                                                   os::ToText(file), kMaxProjectBytes));
   }
   try {
-    if (os::Exists(file) && os::ReadBytes(file, kMaxProjectBytes) == text) return false;
-    if (os::Replace(file, text, WithSuffix(file, ".bak"))) return true;
+    const std::string old = os::Exists(file) ? os::ReadBytes(file, kMaxProjectBytes) : "";
+    if (old == text) return false;
+    const bool is_confirmed = os::Replace(file, text, WithSuffix(file, ".bak"));
+    if (!old.empty()) guard::Skipping(nullptr, [&] { Backups(file).Keep(old); });
+    if (is_confirmed) return true;
   } catch (const std::system_error& error) {
     throw Failure(ExitCode::kRefused,
                   fmt::format("The project {} can't be saved: {}. It is what it was before.",

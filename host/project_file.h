@@ -2,6 +2,7 @@
 //
 //   NAME.kvdm        the project
 //   NAME.kvdm.bak    the project before the last change
+//   NAME.kvdm.~1~    and before earlier ones
 //   NAME.kvdm.lock   held while a command changes the project
 #pragma once
 

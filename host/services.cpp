@@ -2,7 +2,10 @@
 
 #include <fmt/format.h>
 
+#include "host/documents.h"
 #include "platform/portable/catalogue_update.h"
+#include "safety/json.h"
+#include "util/registry_strings.h"
 
 namespace kvdm {
 
@@ -19,7 +22,9 @@ auto WatchedRegistry::Reading(Operation operation) {
 
 std::optional<RegistryValue> WatchedRegistry::Read(RegistryRoot root, std::string_view key,
                                                    std::string_view name) {
-  return Reading([&] { return registry_->Read(root, key, name); });
+  auto value = Reading([&] { return registry_->Read(root, key, name); });
+  if (name == kStudyAreaCollectionValue && !catalogue_) catalogue_ = value ? value->data : "";
+  return value;
 }
 
 std::vector<KeptValue> WatchedRegistry::Kept(RegistryRoot root, std::string_view key,
@@ -30,6 +35,7 @@ std::vector<KeptValue> WatchedRegistry::Kept(RegistryRoot root, std::string_view
 bool WatchedRegistry::WriteText(RegistryRoot root, std::string_view key, std::string_view name,
                                 std::string_view text) {
   if (access_ == Access::kRead) return true;
+  if (!NotedAlias(name, text)) return false;
   const bool written = registry_->WriteText(root, key, name, text);
   if (!written) refused_text_ = registry_->Condition();
   return written;
@@ -42,9 +48,34 @@ bool WatchedRegistry::Update(RegistryRoot root, std::string_view key, std::strin
   const bool unwanted = access_ == Access::kRead || (access_ == Access::kChange && !changes);
   refused_update_.reset();
   if (unwanted) return true;
+  if (changes &&
+      !Noted(kCatalogueDocument, catalogue_.value_or(""), update.On(std::nullopt).text)) {
+    return false;
+  }
   const bool written = registry_->Update(root, key, name, update);
   if (!written && changes) refused_update_ = registry_->Condition();
   return written;
+}
+
+// Whether the change was noted, or is not to be.
+bool WatchedRegistry::Noted(const char* document, std::string_view before, std::string_view after) {
+  if (!note_) return true;
+  try {
+    note_(document, UpToNul(before), UpToNul(after));
+    return true;
+  } catch (const std::exception&) {
+    note_failure_ = std::current_exception();
+    return false;
+  }
+}
+
+bool WatchedRegistry::NotedAlias(std::string_view name, std::string_view text) {
+  if (!note_ || (name != kCustomerAliasValue && name != kStoreAliasValue)) return true;
+  const auto stored = Read(RegistryRoot::kLocalMachine, kRegistryKey, name);
+  const auto object = [&](std::string_view word) {
+    return word.empty() ? "{}" : Json{{std::string(name), word}}.dump();
+  };
+  return Noted(kAliasesDocument, object(stored ? stored->data : ""), object(text));
 }
 
 RegistryCondition WatchedRegistry::Condition() const { return registry_->Condition(); }

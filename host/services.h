@@ -1,7 +1,9 @@
 // Platform services of the hosted component.
 #pragma once
 
+#include <exception>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -44,6 +46,16 @@ class WatchedRegistry : public Registry {
   [[nodiscard]] RegistryCondition Condition() const override;
   [[nodiscard]] bool Holds(char32_t character) const override;
 
+  // Has `note` called before the list of study areas or an alias changes, with the name of the
+  // document and what is to become of the text that was read. What that throws is kept, and the
+  // write refused.
+  using Note = std::function<void(const char* document, const std::string& before,
+                                  const std::string& after)>;
+  void SetNote(Note note) { note_ = std::move(note); }
+  void RethrowFromNote() const {
+    if (note_failure_) std::rethrow_exception(note_failure_);
+  }
+
   // What a write found that was refused, if a later one did not make up for it.
   [[nodiscard]] const std::optional<RegistryCondition>& Refused() const {
     return refused_text_ ? refused_text_ : refused_update_;
@@ -55,8 +67,14 @@ class WatchedRegistry : public Registry {
   template <class Operation>
   auto Reading(Operation operation);
 
+  bool Noted(const char* document, std::string_view before, std::string_view after);
+  bool NotedAlias(std::string_view name, std::string_view text);
+
   std::shared_ptr<Registry> registry_;
   Access access_;
+  Note note_;
+  std::exception_ptr note_failure_;
+  std::optional<std::string> catalogue_;  // as it was first read
   std::optional<RegistryCondition> refused_text_;
   std::optional<RegistryCondition> refused_update_;
   std::optional<RegistryCondition> unread_;

@@ -48,10 +48,28 @@ Session::Session(const std::filesystem::path& file, Access access, Output& out)
 
 Session::~Session() {
   for (const auto& undo : undos_) guard::Skipping(nullptr, undo);
+  component_.OnMadeFolder(nullptr);
+}
+
+Place Session::GetPlace() {
+  return {file_, Manager().WorkingDirectory(), project_.drives, &component_.GetServices()};
+}
+
+void Session::Record(const std::vector<std::string>& command) {
+  recording_ = std::make_unique<Recording>(GetPlace(), command);
+  component_.OnMadeFolder([this](std::string_view folder) { recording_->Made(folder); });
 }
 
 bool Session::Save() {
+  const Project before = project_;
   component_.SaveTo(project_);
+  if (recording_) recording_->NoteProject(before, project_);
+  const bool written = Write();
+  if (recording_) recording_->End();
+  return written;
+}
+
+bool Session::Write() {
   try {
     const bool written = WriteProjectFile(file_, project_);
     undos_.clear();
@@ -59,8 +77,15 @@ bool Session::Save() {
     return written;
   } catch (const Unconfirmed&) {
     undos_.clear();
+    if (recording_) recording_->End();
     throw;
   }
+}
+
+void Session::Store(const Documents& stored, const Documents& wanted,
+                    const std::vector<Move>& moves, int undoes) {
+  recording_->Store(stored, wanted, moves, undoes);
+  is_saved_ = true;
 }
 
 }  // namespace kvdm

@@ -4,12 +4,14 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "host/hosted_component.h"
 #include "host/output.h"
 #include "host/project.h"
+#include "host/recording.h"
 
 namespace kvdm {
 
@@ -30,7 +32,8 @@ class Session {
  public:
   // Opens a project file and starts the component.
   Session(const std::filesystem::path& file, Access access, Output& out);
-  // Runs what UnlessSaved was given, unless the session was saved. Failures in that are ignored.
+  // Runs what UnlessSaved was given, unless the session was saved, and takes back what was recorded
+  // and not saved. Failures in that are ignored or told.
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -39,18 +42,31 @@ class Session {
   [[nodiscard]] const Project& GetProject() const { return project_; }
   [[nodiscard]] HostedComponent& Component() { return component_; }
   [[nodiscard]] IKVDataManager& Manager() { return component_.Manager(); }
+  [[nodiscard]] Place GetPlace();
+
+  // From now on what changes is recorded, as what a command does. Failure kRefused.
+  void Record(const std::vector<std::string>& command);
+  // Only while that is so.
+  [[nodiscard]] Recording& GetRecording() { return *recording_; }
 
   // Saves what was changed; True when the project file was written.
   bool Save();
-  // Whether Save succeeded.
+  // Saves a state of stored documents in place of the component's, and moves folders, as
+  // Recording::Store does. The component does not know of it.
+  void Store(const Documents& stored, const Documents& wanted, const std::vector<Move>& moves = {},
+             int undoes = 0);
+  // Whether Save or Store succeeded.
   [[nodiscard]] bool IsSaved() const { return is_saved_; }
   // Has `undo` called when the session ends unsaved: for what a command makes outside the project.
   void UnlessSaved(std::function<void()> undo) { undos_.push_back(std::move(undo)); }
 
  private:
+  bool Write();
+
   std::filesystem::path file_;
   Project project_;
   HostedComponent component_;
+  std::unique_ptr<Recording> recording_;
   bool is_saved_ = false;
   std::vector<std::function<void()>> undos_;
 };

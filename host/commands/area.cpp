@@ -3,7 +3,6 @@
 #include "host/commands/item_commands.h"
 #include "host/deletion.h"
 #include "host/kinds.h"
-#include "host/project_file.h"
 #include "util/names.h"
 
 namespace kvdm {
@@ -58,24 +57,10 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
     return fmt::format(" in {}.", area->StudyAreaDir());
   }
 
-  // Saves the project, which may work in the study area by its old name. The list, which all
-  // projects share, has the new one by now.
+  // The project may work in the study area by its old name.
   static void Renamed(Session& session, const std::string& old_name, const std::string& new_name) {
-    const bool is_current = session.Component().CurrentStudyArea() == old_name;
-    if (is_current) session.Component().SetCurrentStudyArea(new_name);
-    try {
-      session.Save();
-    } catch (const Unconfirmed&) {
-      throw;
-    } catch (const Failure& failure) {
-      if (session.Component().GetServices().registry->Refused()) throw;
-      throw Failure(failure.code(),
-                    fmt::format("{} The study area {} is named {} in the list, though.{}",
-                                failure.what(), old_name, new_name,
-                                is_current ? " The project still works in the one of the old name: "
-                                             "open the new one with 'kvdm area use'."
-                                           : ""));
-    }
+    if (session.Component().CurrentStudyArea() != old_name) return;
+    session.Component().SetCurrentStudyArea(new_name);
   }
 
   static std::string Consequence(Session&, const Ref& area) {
@@ -92,20 +77,11 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
     const bool by_name = namesake && namesake->GUID() == guid;
     const std::string above =
         by_name ? "" : session.Manager().WorkingDirectory() + sDefaultDirNames::kStudyAreas + "\\";
-    bool deleted = false;
-    try {
-      return DeleteWithFolder(
-          session, {fmt::format("study area {}", name), guid, above + area->StudyAreaDir(), [&] {
-                      deleted = by_name ? areas->DeleteStudyArea(name)
-                                        : areas->DeleteStudyAreaByGUID(guid);
-                      return deleted;
-                    }});
-    } catch (const Failure& failure) {
-      if (!deleted || session.Component().GetServices().registry->Refused()) throw;
-      throw Failure(failure.code(), fmt::format("{} The study area {} is no longer listed, though; "
-                                                "its folder stays.",
-                                                failure.what(), name));
-    }
+    return DeleteWithFolder(
+        session, {fmt::format("study area {}", name), guid, above + area->StudyAreaDir(), [&] {
+                    return by_name ? areas->DeleteStudyArea(name)
+                                   : areas->DeleteStudyAreaByGUID(guid);
+                  }});
   }
 
  private:

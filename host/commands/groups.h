@@ -23,6 +23,8 @@ void AddCatalogueCommands(const CommandGroup& root);
 void AddAliasCommands(const CommandGroup& root);
 void AddPathCommands(const CommandGroup& root);
 void AddProjectCommands(const CommandGroup& root);
+// 'kvdm undo', 'kvdm log' and 'kvdm trash'.
+void AddHistoryCommands(const CommandGroup& root);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 
@@ -31,10 +33,10 @@ void AddSystemCommands(const CommandGroup& root);
 
 // In the order of the help text.
 inline constexpr auto kCommandGroups = {
-    &AddInitCommand,       &AddStatusCommand,    &AddAreaCommands,  &AddAnalysisCommands,
-    &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,  &AddTableCommands,
-    &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,  &AddRegistryCommands,
-    &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,  &AddProjectCommands,
-    &AddGenerateCommands,  &AddVersionCommand,   &AddSystemCommands};
+    &AddInitCommand,       &AddStatusCommand,    &AddAreaCommands,   &AddAnalysisCommands,
+    &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,   &AddTableCommands,
+    &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,   &AddRegistryCommands,
+    &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,   &AddProjectCommands,
+    &AddHistoryCommands,   &AddGenerateCommands, &AddVersionCommand, &AddSystemCommands};
 
 }  // namespace kvdm

@@ -1,6 +1,7 @@
 // kvdm project: the project file itself.
 #include <fmt/format.h>
 
+#include "host/commands/backup_rows.h"
 #include "host/commands/groups.h"
 #include "host/os.h"
 #include "host/project_file.h"
@@ -44,6 +45,45 @@ class ProjectInfo : public Command {
   }
 };
 
+class ProjectBackups : public Command {
+ public:
+  void Execute(const Invocation& invocation) override {
+    const fs::path file = FindProjectFile(invocation.project);
+    invocation.out.Items(RowsOf(Backups(file)), "Nothing was kept yet.");
+  }
+};
+
+class ProjectRestore : public AskingCommand {
+ public:
+  explicit ProjectRestore(Arguments arguments) : AskingCommand(arguments) {
+    arguments.Required("NUMBER", number_, "The state, as 'kvdm project backups' lists it");
+  }
+
+ private:
+  Question ToAsk(Session& session) override {
+    const std::string text = Kept(session);
+    return {fmt::format("This brings the project back to its state {} ({} bytes). All that was "
+                        "changed in it since is undone.",
+                        number_, text.size()),
+            {{"text", text}}};
+  }
+
+  void Run(Session& session, Output& out) override {
+    const Documents stored = DocumentsOf(session.GetProject());
+    const Documents wanted = DocumentsOf(ParseProject(Kept(session)));
+    session.Store(stored, wanted);
+    out.Done(
+        {{"project", os::ToText(session.File())}, {"number", number_}},
+        fmt::format("The project is in its state {} again. 'kvdm undo' takes that back.", number_));
+  }
+
+  [[nodiscard]] std::string Kept(Session& session) const {
+    return Backups(session.File()).Read(NumberIn(number_));
+  }
+
+  std::string number_;
+};
+
 // A document with one element a line, for people.
 std::string Readable(std::string_view title, std::string_view xml) {
   std::string text(title);
@@ -77,6 +117,10 @@ void AddProjectCommands(const CommandGroup& root) {
   project.Add<ProjectSave>("save", "Save the component's present state", "kvdm project save");
   project.Add<ProjectInfo>("info", "Show what the project file holds",
                            "kvdm project info -p North.kvdm");
+  project.Add<ProjectBackups>("backups", "List the last states of the project",
+                              "kvdm project backups");
+  project.Add<ProjectRestore>("restore", "Bring back one of the last states of the project",
+                              "kvdm project restore 12");
   project.Add<ProjectShow>("show", "Show the metadata document and the study area catalogue",
                            "kvdm project show");
 }

@@ -2,9 +2,9 @@
 #include <fmt/format.h>
 
 #include "host/commands/groups.h"
-#include "host/deletion.h"
 #include "host/kinds.h"
 #include "host/os.h"
+#include "host/waiting_folders.h"
 #include "platform/xml/document.h"
 #include "util/registry_strings.h"
 

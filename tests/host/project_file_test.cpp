@@ -60,7 +60,8 @@ TEST_F(ProjectFileTest, KeepsThePreviousFile) {
 
   EXPECT_EQ(ReadProjectFile(file_).values, ProjectWith("two").values);
   EXPECT_EQ(ReadProjectFile(WithSuffix(file_, ".bak")).values, ProjectWith("one").values);
-  EXPECT_EQ(os::FilesIn(folder_.Path()).size(), 2U);
+  EXPECT_EQ(ReadProjectFile(WithSuffix(file_, ".~1~")).values, ProjectWith("one").values);
+  EXPECT_EQ(os::FilesIn(folder_.Path()).size(), 3U);
 }
 
 TEST_F(ProjectFileTest, IsNotRewrittenWithoutAChange) {
