@@ -38,11 +38,11 @@ class Judge:
     def files(self, may_wait):
         """Files go only with their item, and change only to what they become.
 
-        With `may_wait` they may be where folders wait until their deletion is saved.
+        With `may_wait` they may be in the trash, from where the next change brings them back.
         """
         lists = CATALOGUE if self.reference.name in LISTED_IN_CATALOGUE else PROJECT
-        before, after = self.before.tree, self.after.tree
-        now = {**self.state.aside, **self.state.tree} if may_wait else self.state.tree
+        before, after, now = (state.everything() if may_wait else state.tree
+                              for state in (self.before, self.after, self.state))
         other = [path for path in now
                  if now[path] not in (before.get(path, after.get(path)), after.get(path))]
         gone = [path for path in before.keys() - now.keys() if path in after or not self.changed(lists)]
@@ -52,6 +52,15 @@ class Judge:
                                   ("wrong", new, "are new")):
             if paths:
                 self.fault(kind, f"{sorted(paths)} {what}")
+
+    def trash(self):
+        """What was deleted can be brought back, until the trash is emptied."""
+        gone = self.before.everything().keys() - self.state.everything().keys()
+        gone &= self.after.everything().keys()
+        new = self.state.trash.keys() - self.before.trash.keys() - self.after.trash.keys()
+        for paths, what in (gone, "are not in the trash"), (new, "are in the trash"):
+            if paths:
+                self.fault("lost", f"{sorted(paths)} {what}")
 
     def done(self):
         """What was reported done is done, and nothing else."""
@@ -63,8 +72,9 @@ class Judge:
                  if now.get(path, "gone") != content and not ON_DEMAND.search(path)]
         if other:
             self.fault("lost", f"status 0, and {sorted(other)} are not as they become")
-        told = re.search("still there|What is left of", self.outcome.out) is not None
-        new = sorted((now.keys() - after.keys()) | self.state.aside.keys())
+        told = "still there" in self.outcome.out
+        new = sorted(now.keys() - after.keys())
+        self.trash()
         if bool(new) != told:
             self.fault("wrong", f"status 0, and {new or 'nothing'} stays, but it says {self.outcome.out}")
         if not told and not self.tells_why_unknown() and self.world.plain(self.outcome.out) != self.reference.out:
@@ -88,7 +98,8 @@ class Judge:
         before = all(self.unchanged(store) for store in self.state.stores)
         if "Nothing was" in said and not (before and self.state.tree == self.before.tree):
             self.fault("wrong", f"something changed: {said}")
-        left = self.state.tree.keys() - self.before.tree.keys() | self.state.aside.keys()
+        left = self.state.tree.keys() - self.before.tree.keys()
+        left |= self.state.trash.keys() - self.before.trash.keys()
         if self.reference.name == "init":
             # The next try goes on with the folders that are there.
             left = {path for path in left if self.state.tree.get(path) is not None}
@@ -112,17 +123,18 @@ class Judge:
         """After an end at any moment: the next commands run, and find each store as it was or becomes."""
         self.outside()
         self.stores()
-        waiting = sorted(self.state.aside)
+        was_unfinished = self.state.is_unfinished
         said, faults = next_commands(self.world)
         self.faults += faults
-        if waiting and ".kvdm-deleted-" not in said:
-            self.fault("wrong", f"{waiting} wait, and nobody says so")
+        if was_unfinished and "was interrupted" not in said:
+            self.fault("wrong", "a change was interrupted, and nobody says so")
         self.state = self.world.state()
         self.stores()
         self.outside()
         self.files(may_wait=False)
-        if self.state.aside:
-            self.fault("lost", f"{sorted(self.state.aside)} still wait")
+        self.trash()
+        if self.state.is_unfinished:
+            self.fault("wrong", "a change is still not taken back")
         self.pair(said)
         return self.faults
 

@@ -28,10 +28,13 @@ GUID = re.compile(r"\{[0-9A-F]{8}(?:-[0-9A-F]{4}){3}-[0-9A-F]{12}\}")
 TIME = re.compile(r"\d{1,2}/\d{1,2}/\d{4} \d{1,2}:\d{2}:\d{2} [AP]M")
 # Folders that are made at once and, when that fails, later when something goes there.
 ON_DEMAND = re.compile(r"/KVData/(KelvaroTemp|StoreLayers|CustLayers|Data)$")
-# Where the folder of an item waits until its deletion is saved: PARENT/.kvdm-deleted-DIGITS/NAME.
-ASIDE = re.compile(r"^(.*/)\.kvdm-deleted-[^/]+/(.+)$")
+# Where the folder of an item is when it is deleted: the number of the change, and its name.
+TRASH = re.compile(r"^(.*/\.kvdm-trash/(\d+)/[^/]+)(.*)$")
+# The records of changes, of which those that were begun and not ended have another suffix.
+RECORD = "work/P/KVData/.kvdm/history/"
 # What may be left beside stores and side-cars.
-LITTER = re.compile(r"(^|/)\.kvdm-[^/]*$|\.(tmp|bak|lock)$|\.db-journal$|\.kvdm\.[^/]*$")
+LITTER = re.compile(r"(^|/)\.kvdm-[^/]*$|\.kvdm-trash/\d+$|/\.kvdm(/.*)?$|\.~\d+~$|"
+                    r"\.(tmp|bak|lock)$|\.db-journal$|\.kvdm\.[^/]*$")
 
 SETTING_UP = [
     ["area", "create", "North"],
@@ -45,7 +48,10 @@ SETTING_UP = [
     ["data", "create", "Streets"],
     ["metadata", "export", "Sales"],
     ["analysis", "param", "set", "Sales", "Radius", "600"],
+    ["analysis", "create", "Old"],
 ]
+# The last thing that was done before, so that there is something to undo.
+DELETION = ["analysis", "delete", "Old", "--yes"]
 
 DATA = "work/P/KVData/"
 FILES = {
@@ -55,6 +61,7 @@ FILES = {
     DATA + "StudyAreas/North/Analyses/Rent/result.txt": "rents",
     DATA + "StudyAreas/North/Analyses/Rent/maps/deep.txt": "deep",
     DATA + "StudyAreas/North/Analyses/Sales/result.txt": "sales",
+    DATA + "StudyAreas/North/Analyses/Old/result.txt": "of last year",
     DATA + "StudyAreas/South/map.txt": "the south",
     DATA + "StudyAreas/South/maps/deep.txt": "deep",
     DATA + "StoreLayers/Stores.lyr": "stores",
@@ -97,6 +104,9 @@ COMMANDS = {
     "data rename": ["data", "rename", "Streets", "Roads"],
     "metadata export": ["metadata", "export", "Sales"],
     "metadata import": ["metadata", "import", "Sales"],
+    "undo": ["undo"],
+    "trash empty": ["trash", "empty", "--yes"],
+    "log": ["log"],
     "status": ["status"],
     "library": None,  # the library host, which is no command
 }
@@ -115,8 +125,13 @@ class Outcome:
 class State:
     """What stands in the stores and folders; times and new identifiers are left out."""
 
-    def __init__(self, stores, tree, aside, outside):
-        self.stores, self.tree, self.aside, self.outside = stores, tree, aside, outside
+    def __init__(self, stores, tree, trash, outside, is_unfinished):
+        self.stores, self.tree, self.trash, self.outside = stores, tree, trash, outside
+        self.is_unfinished = is_unfinished
+
+    def everything(self):
+        """What stands in the folders or in the trash, by where it was."""
+        return {**self.trash, **self.tree}
 
 
 class World:
@@ -155,6 +170,7 @@ class World:
             pathlib.Path(self.root + path).write_text(text)
         side_car = pathlib.Path(self.root + SIDE_CAR)
         side_car.write_text(side_car.read_text().replace("</LAYER", FOREIGN_ENTRY + "</LAYER"))
+        self.require(DELETION)
         os.symlink(self.root + "outside", self.root + DATA + "StudyAreas/South/link")
         self.files = self.scan()
         for content in self.files.values():
@@ -280,9 +296,19 @@ class World:
             self.known[key, content] = read()
         return self.known[key, content]
 
+    def place_before(self, match, files):
+        """Where the path of a match of TRASH was before, by the record of the change."""
+        folder, number, rest = match.groups()
+        for suffix in ".json", ".begun":
+            for move in json.loads(files.get(RECORD + number + suffix) or "{}").get("moves", []):
+                place = move["folder"].removeprefix("Z:").replace("\\", "/").removeprefix(self.root)
+                if move["name"] == os.path.basename(folder):
+                    return place + rest
+        return folder + rest
+
     def state(self):
         files = self.scan()
-        stores, tree, aside, outside = {}, {}, {}, {}
+        stores, tree, trash, outside = {}, {}, {}, {}
         stores[CATALOGUE] = self.once(
             CATALOGUE, (files.get(REGISTRY), files.get(REGISTRY + "-journal")),
             lambda: self.catalogue(files))
@@ -294,12 +320,12 @@ class World:
             elif path.endswith(".kvdm"):
                 stores[path] = self.once("project", content, lambda c=content: self.project(c))
             else:
-                waiting = ASIDE.match(path)
-                folders, name = (aside, waiting[1] + waiting[2]) if waiting else (tree, path)
+                moved = TRASH.match(path)
+                folders, name = (trash, self.place_before(moved, files)) if moved else (tree, path)
                 is_file = isinstance(content, bytes)
                 folders[name] = self.once(
                     "text", content, lambda c=content: self.plain(c)) if is_file else content
-        return State(stores, tree, aside, outside)
+        return State(stores, tree, trash, outside, any(path.endswith(".begun") for path in files))
 
 
 class Reference:
