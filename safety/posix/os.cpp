@@ -306,6 +306,9 @@ TreeSize SizeOfTree(const std::filesystem::path& folder) {
 void CreateHiddenFolder(const std::filesystem::path& folder) { CreateFolders(folder); }
 
 std::string Person() {
+  // The system's list of users may be far away, and ends a program that has no memory left for it.
+  const char* name = std::getenv("LOGNAME");
+  if (name != nullptr && *name != '\0') return name;
   const passwd* entry = ::getpwuid(::getuid());
   return entry == nullptr ? std::to_string(::getuid()) : entry->pw_name;
 }

@@ -148,6 +148,7 @@ class World:
             "PATH": os.environ["PATH"],
             "LC_ALL": "C.UTF-8",
             "HOME": self.root + "home",
+            "LOGNAME": "ada",
             "TMPDIR": self.root + "tmp",
             "XDG_DATA_HOME": self.root + "work/data",
         }
