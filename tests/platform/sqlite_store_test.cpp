@@ -177,6 +177,9 @@ TEST_F(SqliteStoreTest, OnlyWhereNobodyElseWroteIsTheNewTextTakenAsItIs) {
     EXPECT_EQ(Stored().find(area("there")) == std::string::npos,
               theirs.find(area("there")) == std::string::npos);
   }
+  Store(ListOf({area("a"), area("c")}));  // as long as the base
+  EXPECT_TRUE(update(base, wanted));
+  EXPECT_EQ(Stored(), ListOf({area("a"), area("c"), area("here")}));
 }
 
 // Between two places there is room for twenty or so; then the places are given out anew.
