@@ -3,8 +3,8 @@
 #include <kvdm/platform/document_tree.h>
 #include <kvdm/platform/error.h>
 
-#include "platform/xml/declaration.h"
 #include "platform/xml/document.h"
+#include "platform/xml/xml_input.h"
 #include "platform/xml_parser.h"
 
 namespace kvdm {
@@ -16,7 +16,8 @@ using Kind = DocumentNode::Kind;
 class Collector final : public XmlHandler {
  public:
   bool StartElement(std::string_view tag, Attributes attributes) override {
-    open_.push_back({Kind::kElement, std::string(tag), "", std::move(attributes)});
+    DocumentNode& element = open_.emplace_back(DocumentNode{Kind::kElement, std::string(tag)});
+    for (const auto& [name, value] : attributes) element.attributes.emplace_back(name, value);
     return true;
   }
   bool EndElement() override {
@@ -159,7 +160,7 @@ std::string DocumentTreeText(XmlParser& parser, const DocumentTree& tree) {
 std::string ElementText(XmlParser& parser, const DocumentNode& element) {
   xml::Document document;
   Load(parser, {false, {element}}, document);
-  return document.DocumentElement()->Xml();
+  return document.DocumentElement().Xml();
 }
 
 }  // namespace kvdm
