@@ -74,7 +74,7 @@ class TreeBuilder final : public XmlHandler {
     pending_text_.clear();
     return Add(text);
   }
-  [[nodiscard]] bool IsWithinLimit() const { return tree_.bytes() <= kMaxDocumentBytes; }
+  [[nodiscard]] bool IsWithinLimit() const { return tree_.Bytes() <= kMaxDocumentBytes; }
 
   Tree& tree_;
   Number current_;
@@ -138,12 +138,12 @@ void Document::SetDocumentElement(const Element& root) {
 
 void Document::AddDeclaration() {
   Tree& tree = level_.Home();
-  if (tree.is_declared()) return;
+  if (tree.IsDeclared()) return;
   if (!tree.HasRoom(kDeclaration.size())) throw RuntimeError(kOutOfMemory);
   tree.Declare();
 }
 
-std::uint64_t Document::Changes() const { return earlier_changes_ + level_.Home().changes(); }
+std::uint64_t Document::Changes() const { return earlier_changes_ + level_.Home().Changes(); }
 
 std::string Document::Xml() const { return Xml(nullptr); }
 std::string Document::Xml(const std::function<bool(char32_t)>& holds) const { return Xml(&holds); }

@@ -15,14 +15,14 @@ namespace {
 
 // The number of a name of the tree; 0 when it is none. All of these are clean.
 Number Known(const Tree& tree, std::string_view name) {
-  const Number number = tree.names().Find(name);
-  return number != 0 ? number : tree.names().Find(Sanitized(name));
+  const Number number = tree.AllNames().Find(name);
+  return number != 0 ? number : tree.AllNames().Find(Sanitized(name));
 }
 
 // Names without a prefix that are there already are good.
 void CheckName(const Tree& tree, std::string_view name) {
-  const Number known = tree.names().Find(name);
-  if (known != 0 && !tree.name(known).is_prefixed) return;
+  const Number known = tree.AllNames().Find(name);
+  if (known != 0 && !tree.NameAt(known).is_prefixed) return;
   if (!IsPlainName(name)) throw RuntimeError(kInvalidCall);
   if (name.size() > kMaxNameBytes) throw RuntimeError(kOutOfMemory);
 }
@@ -46,7 +46,7 @@ std::size_t HeightOf(const Tree& tree, Number number) {
 
 void AddText(const Tree& tree, Number number, std::string& text) {
   for (Number child = tree.node(number).first; child != 0; child = tree.node(child).next) {
-    if (tree.node(child).type == NodeType::kText) text += tree.text(tree.node(child).text);
+    if (tree.node(child).type == NodeType::kText) text += tree.TextOf(tree.node(child).text);
     AddText(tree, child, text);
   }
 }
@@ -75,7 +75,7 @@ Node Node::FirstChild() const { return At(Record().first); }
 
 void Node::AppendNode(const Node& child) const {
   if (!child || child.Holds(*this)) throw RuntimeError(kInvalidCall);
-  if (child.Home().names().HavePrefixes() && !CanStandUnder(child, Element(*this))) {
+  if (child.Home().AllNames().HavePrefixes() && !CanStandUnder(child, Element(*this))) {
     throw RuntimeError(kInvalidCall);
   }
   Tree& tree = Home();
@@ -161,7 +161,7 @@ Value Element::GetAttribute(std::string_view name) const {
   const Number number = Known(tree, name);
   const Number own = number == 0 ? 0 : tree.FindAttribute(this->number(), number);
   if (own == 0) return Null();
-  return tree.text(tree.attribute(own).value);
+  return tree.TextOf(tree.AttributeAt(own).value);
 }
 
 void Element::SetAttribute(std::string_view name, const Value& value) const {
@@ -172,10 +172,10 @@ void Element::SetAttribute(std::string_view name, const Value& value) const {
   const SanitizedValue text(given == nullptr ? formed : *given);
   if (IsNamespaceDeclaration(key)) throw RuntimeError(kInvalidCall);
   Tree& tree = Home();
-  const Number known = tree.names().Find(key);
+  const Number known = tree.AllNames().Find(key);
   const Number own = known == 0 ? 0 : tree.FindAttribute(number(), known);
   if (own == 0) return AddAttribute(key, text);
-  const std::string_view old = tree.text(tree.attribute(own).value);
+  const std::string_view old = tree.TextOf(tree.AttributeAt(own).value);
   const auto more = AttributeBytes(key, text) - AttributeBytes(key, old);
   if (!tree.HasRoom(static_cast<std::ptrdiff_t>(more))) throw RuntimeError(kOutOfMemory);
   tree.ChangeAttribute(own, text);
@@ -186,7 +186,7 @@ void Element::AddAttribute(std::string_view name, std::string_view text) const {
   CheckName(tree, name);
   std::size_t count = 0;
   Number last = 0;
-  for (Number own = Record().attributes; own != 0; own = tree.attribute(own).next) {
+  for (Number own = Record().attributes; own != 0; own = tree.AttributeAt(own).next) {
     last = own;
     ++count;
   }
@@ -200,7 +200,7 @@ void Element::AddAttribute(std::string_view name, std::string_view text) const {
 void Element::RemoveAttribute(std::string_view name) const {
   Tree& tree = Home();
   const Sanitized key(name);
-  const Number known = tree.names().Find(key);
+  const Number known = tree.AllNames().Find(key);
   const Number own = known == 0 ? 0 : tree.FindAttribute(number(), known);
   if (own == 0) return;
   if (IsNamespaceDeclaration(key)) throw RuntimeError(kInvalidCall);
@@ -210,9 +210,9 @@ void Element::RemoveAttribute(std::string_view name) const {
 std::vector<Attribute> Element::Attributes() const {
   const Tree& tree = Home();
   std::vector<Attribute> attributes;
-  for (Number own = Record().attributes; own != 0; own = tree.attribute(own).next) {
-    const AttributeRecord& record = tree.attribute(own);
-    attributes.push_back({tree.name(record.name).text, std::string(tree.text(record.value))});
+  for (Number own = Record().attributes; own != 0; own = tree.AttributeAt(own).next) {
+    const AttributeRecord& record = tree.AttributeAt(own);
+    attributes.push_back({tree.NameAt(record.name).text, std::string(tree.TextOf(record.value))});
   }
   return attributes;
 }

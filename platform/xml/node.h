@@ -106,7 +106,7 @@ class Element : public Node {
   // The same, where it can be appended to this element or near it without being copied.
   [[nodiscard]] Element CreateNear(std::string_view tag) const;
 
-  [[nodiscard]] const std::string& Tag() const { return Home().name(Record().name).text; }
+  [[nodiscard]] const std::string& Tag() const { return Home().NameAt(Record().name).text; }
 
   // Makes `child` the last child; it leaves its former parent. Run-time error 5 when it is Nothing,
   // holds this element, or uses a name prefix that is not declared here.

@@ -99,10 +99,10 @@ class Serializer {
       case NodeType::kElement:
         return WriteElement(number);
       case NodeType::kText:
-        return PutText(tree_.text(record.text), Place::kText);
+        return PutText(tree_.TextOf(record.text), Place::kText);
       case NodeType::kComment:
         output_.Put("<!--");
-        PutText(tree_.text(record.text), Place::kRemark);
+        PutText(tree_.TextOf(record.text), Place::kRemark);
         return output_.Put("-->");
       default:
         return WriteInstruction(record);
@@ -113,7 +113,7 @@ class Serializer {
 
  private:
   void WriteDocument(const NodeRecord& record) {
-    if (tree_.is_declared()) output_.Put(kDeclaration);
+    if (tree_.IsDeclared()) output_.Put(kDeclaration);
     for (Number child = record.first; child != 0; child = tree_.node(child).next) {
       Write(child);
       output_.Put(kLineEnd);
@@ -125,10 +125,10 @@ class Serializer {
     const Name& tag = CheckedName(record.name);
     output_.Put('<');
     output_.Put(tag.text);
-    for (Number own = record.attributes; own != 0; own = tree_.attribute(own).next) {
-      const AttributeRecord& attribute = tree_.attribute(own);
+    for (Number own = record.attributes; own != 0; own = tree_.AttributeAt(own).next) {
+      const AttributeRecord& attribute = tree_.AttributeAt(own);
       output_.Put(CheckedName(attribute.name).attribute);
-      PutText(tree_.text(attribute.value), Place::kAttribute);
+      PutText(tree_.TextOf(attribute.value), Place::kAttribute);
       output_.Put('"');
     }
     if (!tree_.HasContent(number)) return output_.Put("/>");
@@ -141,13 +141,13 @@ class Serializer {
     output_.Put("<?");
     output_.Put(CheckedName(record.name).text);
     if (record.text.size != 0) output_.Put(' ');
-    PutText(tree_.text(record.text), Place::kRemark);
+    PutText(tree_.TextOf(record.text), Place::kRemark);
     output_.Put("?>");
   }
 
   // Names can't have references.
   [[nodiscard]] const Name& CheckedName(Number number) const {
-    const Name& name = tree_.name(number);
+    const Name& name = tree_.NameAt(number);
     if (holds_ != nullptr && !HeldRun(name.text).ends_with(name.text)) {
       throw RuntimeError(kInvalidCall);
     }
@@ -192,7 +192,7 @@ class Serializer {
 
 std::string TextForm(const Tree& tree, Number number, const std::function<bool(char32_t)>* holds) {
   const bool is_all = tree.node(number).type == NodeType::kDocument;
-  Serializer serializer(tree, is_all ? tree.bytes() : 0, holds);
+  Serializer serializer(tree, is_all ? tree.Bytes() : 0, holds);
   serializer.Write(number);
   return serializer.Take();
 }

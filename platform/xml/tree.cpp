@@ -26,7 +26,7 @@ Number Tree::FindChild(Number parent, Number tag, Number attribute, std::string_
     for (; child != 0 && few != 0; child = node(child).next, --few) {
       if (node(child).type != NodeType::kElement || node(child).name != tag) continue;
       const Number own = FindAttribute(child, attribute);
-      if (own != 0 && text(this->attribute(own).value) == key) return child;
+      if (own != 0 && TextOf(AttributeAt(own).value) == key) return child;
     }
     if (child == 0) return 0;
     index = indexes_.Take();
@@ -83,11 +83,11 @@ void Tree::ChangeAttribute(Number attribute, std::string_view value) {
 }
 
 void Tree::EraseAttribute(Number attribute) noexcept {
-  const Number owner = this->attribute(attribute).owner;
+  const Number owner = AttributeAt(attribute).owner;
   if (ChildIndex* index = IndexOver(owner)) index->RemoveAttribute(records_, attribute);
   Number* link = &records_.nodes[owner].attributes;
   while (*link != attribute) link = &records_.attributes[*link].next;
-  *link = this->attribute(attribute).next;
+  *link = AttributeAt(attribute).next;
   bytes_ -= AttributeBytes(attribute);
   ++changes_;
   FreeAttribute(attribute);
@@ -166,7 +166,7 @@ void Tree::Empty(Number number) noexcept {
   bytes_ -= OwnBytes(number);
   NodeRecord& record = records_.nodes[number];
   while (const Number attribute = record.attributes) {
-    record.attributes = this->attribute(attribute).next;
+    record.attributes = AttributeAt(attribute).next;
     FreeAttribute(attribute);
   }
   records_.texts.Drop(record.text);
@@ -179,7 +179,7 @@ void Tree::DropIndex(Number parent) noexcept {
 }
 
 void Tree::FreeAttribute(Number attribute) noexcept {
-  records_.texts.Drop(this->attribute(attribute).value);
+  records_.texts.Drop(AttributeAt(attribute).value);
   records_.attributes.Give(attribute);
 }
 
@@ -221,17 +221,19 @@ Number Tree::Import(Tree& from, Number number) {
 
 Number Tree::Copy(Tree& from, Number number, std::vector<Move>& moves) {
   const NodeRecord& record = from.node(number);
-  const std::string_view name = record.name == 0 ? std::string_view() : from.name(record.name).text;
-  const Number copy = NewNode(record.type, name, from.text(record.text));
+  const std::string_view name =
+      record.name == 0 ? std::string_view() : from.NameAt(record.name).text;
+  const Number copy = NewNode(record.type, name, from.TextOf(record.text));
   try {
     if (record.holds != 0) {
       moves.push_back({number, this, copy});
       from.moved_.reserve(from.moved_.size() + moves.size());
     }
     Number last = 0;
-    for (Number own = record.attributes; own != 0; own = from.attribute(own).next) {
-      const AttributeRecord& attribute = from.attribute(own);
-      last = AddAttribute(copy, last, from.name(attribute.name).text, from.text(attribute.value));
+    for (Number own = record.attributes; own != 0; own = from.AttributeAt(own).next) {
+      const AttributeRecord& attribute = from.AttributeAt(own);
+      last =
+          AddAttribute(copy, last, from.NameAt(attribute.name).text, from.TextOf(attribute.value));
     }
     for (Number child = record.first; child != 0; child = from.node(child).next) {
       Link(copy, Copy(from, child, moves));
@@ -247,32 +249,32 @@ std::size_t Tree::OwnBytes(Number number) const {
   const NodeRecord& record = node(number);
   switch (record.type) {
     case NodeType::kText:
-      return TextBytes(text(record.text));
+      return TextBytes(TextOf(record.text));
     case NodeType::kComment:
-      return CommentBytes(text(record.text));
+      return CommentBytes(TextOf(record.text));
     case NodeType::kInstruction:
-      return InstructionBytes(name(record.name).text, text(record.text));
+      return InstructionBytes(NameAt(record.name).text, TextOf(record.text));
     case NodeType::kElement:
       break;
     default:
       return 0;
   }
-  std::size_t bytes = EmptyElementBytes(name(record.name).text);
-  for (Number own = record.attributes; own != 0; own = attribute(own).next) {
+  std::size_t bytes = EmptyElementBytes(NameAt(record.name).text);
+  for (Number own = record.attributes; own != 0; own = AttributeAt(own).next) {
     bytes += AttributeBytes(own);
   }
   return bytes;
 }
 
 std::size_t Tree::AttributeBytes(Number attribute) const {
-  const AttributeRecord& record = this->attribute(attribute);
-  return xml::AttributeBytes(name(record.name).text, text(record.value));
+  const AttributeRecord& record = AttributeAt(attribute);
+  return xml::AttributeBytes(NameAt(record.name).text, TextOf(record.value));
 }
 
 std::size_t Tree::ContentBytes(Number number) const {
   const NodeRecord& record = node(number);
   if (!HasContent(number)) return 0;
-  std::size_t bytes = ClosingBytes(name(record.name).text);
+  std::size_t bytes = ClosingBytes(NameAt(record.name).text);
   for (Number child = record.first; child != 0; child = node(child).next) {
     bytes += FormBytes(child);
   }
@@ -283,7 +285,7 @@ std::ptrdiff_t Tree::LinkBytes(Number parent, bool is_empty_text) const {
   const NodeRecord& record = node(parent);
   if (record.type == NodeType::kDocument) return kLineEnd.size();
   if (is_empty_text || HasContent(parent)) return 0;
-  return static_cast<std::ptrdiff_t>(ClosingBytes(name(record.name).text));
+  return static_cast<std::ptrdiff_t>(ClosingBytes(NameAt(record.name).text));
 }
 
 std::ptrdiff_t Tree::UnlinkBytes(Number child) const {
@@ -292,7 +294,7 @@ std::ptrdiff_t Tree::UnlinkBytes(Number child) const {
   const NodeRecord& above = node(parent);
   if (above.type == NodeType::kDocument) return -static_cast<std::ptrdiff_t>(kLineEnd.size());
   if (IsEmptyText(child) || HasContent(parent, child)) return 0;
-  return -static_cast<std::ptrdiff_t>(ClosingBytes(name(above.name).text));
+  return -static_cast<std::ptrdiff_t>(ClosingBytes(NameAt(above.name).text));
 }
 
 std::pair<Tree*, Number> Tree::MovedTo(Number number) const {

@@ -25,12 +25,12 @@ class Tree {
   ~Tree();
 
   [[nodiscard]] const NodeRecord& node(Number number) const { return records_.nodes[number]; }
-  [[nodiscard]] const AttributeRecord& attribute(Number number) const {
+  [[nodiscard]] const AttributeRecord& AttributeAt(Number number) const {
     return records_.attributes[number];
   }
-  [[nodiscard]] const Name& name(Number number) const { return records_.names[number]; }
-  [[nodiscard]] const Names& names() const { return records_.names; }
-  [[nodiscard]] std::string_view text(Piece piece) const { return records_.texts[piece]; }
+  [[nodiscard]] const Name& NameAt(Number number) const { return records_.names[number]; }
+  [[nodiscard]] const Names& AllNames() const { return records_.names; }
+  [[nodiscard]] std::string_view TextOf(Piece piece) const { return records_.texts[piece]; }
   // The attribute of an element that has the name; 0 when it is missing.
   [[nodiscard]] Number FindAttribute(Number element, Number name) const {
     return records_.FindAttribute(element, name);
@@ -71,7 +71,7 @@ class Tree {
     return OwnBytes(number) + ContentBytes(number);
   }
   [[nodiscard]] std::size_t ContentBytes(Number number) const;
-  [[nodiscard]] std::size_t bytes() const { return bytes_; }
+  [[nodiscard]] std::size_t Bytes() const { return bytes_; }
   // What linking one more child adds, and unlinking one, without the child's own form.
   [[nodiscard]] std::ptrdiff_t LinkBytes(Number parent, bool is_empty_text) const;
   [[nodiscard]] std::ptrdiff_t UnlinkBytes(Number child) const;
@@ -79,8 +79,8 @@ class Tree {
     return more <= 0 || bytes_ + static_cast<std::size_t>(more) <= kMaxDocumentBytes;
   }
 
-  [[nodiscard]] std::uint64_t changes() const { return changes_; }
-  [[nodiscard]] bool is_declared() const { return is_declared_; }
+  [[nodiscard]] std::uint64_t Changes() const { return changes_; }
+  [[nodiscard]] bool IsDeclared() const { return is_declared_; }
 
   // For handles. The tree is deleted with the last one.
   void Hold(Number number) noexcept {
