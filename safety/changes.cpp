@@ -76,8 +76,11 @@ class Entries {
       const Entry entry = {path, guid, name, number, place++, &child};
       by_key_.emplace(entry.GetKey(), entries_.size());
       entries_.push_back(entry);
-      const std::string twin = number == 0 ? "" : "#" + std::to_string(number);
-      if (!is_item) Collect(child, path + "/" + child.name + twin);
+      if (is_item) continue;
+      std::string below = path;
+      below.append("/").append(child.name);
+      if (number != 0) below.append("#").append(std::to_string(number));
+      Collect(child, below);
     }
   }
 

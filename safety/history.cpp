@@ -133,7 +133,7 @@ std::vector<int> UndoneIn(const std::vector<ChangeRecord>& records) {
   return undone;
 }
 
-FolderHistory::FolderHistory(fs::path working_directory)
+FolderHistory::FolderHistory(const fs::path& working_directory)
     : folder_(working_directory / ".kvdm"),
       records_(folder_ / "history"),
       trash_(working_directory / ".kvdm-trash") {}

@@ -87,7 +87,7 @@ inline constexpr std::size_t kMostRecords = 1000;
 //   .kvdm-trash/000012/          the folders that it moved away
 class FolderHistory final : public History {
  public:
-  explicit FolderHistory(std::filesystem::path working_directory);
+  explicit FolderHistory(const std::filesystem::path& working_directory);
 
   // Nothing when another process has it.
   [[nodiscard]] std::shared_ptr<void> TryLock() const;

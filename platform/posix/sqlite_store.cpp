@@ -13,31 +13,31 @@ constexpr std::string_view kCreateHistory =
 
 // `registry_value` shows the values as one row each, and changes them so: for people and tools.
 constexpr std::string_view kCreateValues[] = {
-    "CREATE TABLE registry_entry(id INTEGER PRIMARY KEY, root TEXT NOT NULL,"
-    " key TEXT NOT NULL COLLATE NOCASE, name TEXT NOT NULL COLLATE NOCASE, type INTEGER NOT NULL,"
-    " UNIQUE(root, key, name))",
-    "CREATE TABLE registry_piece(entry INTEGER NOT NULL, place INTEGER NOT NULL,"
-    " data BLOB NOT NULL, PRIMARY KEY(entry, place)) WITHOUT ROWID",
-    "CREATE VIEW registry_value(root, key, name, type, data) AS SELECT root, key, name, type,"
-    " (SELECT CASE count(*) WHEN 1 THEN max(data) ELSE"
-    " CAST(coalesce(group_concat(part, ''), '') AS BLOB) END FROM"
-    " (SELECT data, CAST(data AS TEXT) AS part FROM registry_piece WHERE entry = id"
-    " ORDER BY place)) FROM registry_entry",
-    "CREATE TRIGGER registry_value_delete INSTEAD OF DELETE ON registry_value BEGIN"
-    " DELETE FROM registry_piece WHERE entry = (SELECT id FROM registry_entry"
-    " WHERE root = old.root AND key = old.key AND name = old.name);"
-    " DELETE FROM registry_entry WHERE root = old.root AND key = old.key AND name = old.name;"
-    " END",
-    "CREATE TRIGGER registry_value_insert INSTEAD OF INSERT ON registry_value BEGIN"
-    " DELETE FROM registry_value WHERE root = new.root AND key = new.key AND name = new.name;"
-    " INSERT INTO registry_entry(root, key, name, type)"
-    " VALUES(new.root, new.key, new.name, new.type);"
-    " INSERT INTO registry_piece SELECT id, 0, new.data FROM registry_entry"
-    " WHERE root = new.root AND key = new.key AND name = new.name; END",
-    "CREATE TRIGGER registry_value_update INSTEAD OF UPDATE ON registry_value BEGIN"
-    " DELETE FROM registry_value WHERE root = old.root AND key = old.key AND name = old.name;"
-    " INSERT INTO registry_value VALUES(new.root, new.key, new.name, new.type, new.data); END",
-    "PRAGMA user_version = 2"};
+    R"(CREATE TABLE registry_entry(id INTEGER PRIMARY KEY, root TEXT NOT NULL,
+       key TEXT NOT NULL COLLATE NOCASE, name TEXT NOT NULL COLLATE NOCASE, type INTEGER NOT NULL,
+       UNIQUE(root, key, name)))",
+    R"(CREATE TABLE registry_piece(entry INTEGER NOT NULL, place INTEGER NOT NULL,
+       data BLOB NOT NULL, PRIMARY KEY(entry, place)) WITHOUT ROWID)",
+    R"(CREATE VIEW registry_value(root, key, name, type, data) AS SELECT root, key, name, type,
+       (SELECT CASE count(*) WHEN 1 THEN max(data) ELSE
+       CAST(coalesce(group_concat(part, ''), '') AS BLOB) END FROM
+       (SELECT data, CAST(data AS TEXT) AS part FROM registry_piece WHERE entry = id
+       ORDER BY place)) FROM registry_entry)",
+    R"(CREATE TRIGGER registry_value_delete INSTEAD OF DELETE ON registry_value BEGIN
+       DELETE FROM registry_piece WHERE entry = (SELECT id FROM registry_entry
+       WHERE root = old.root AND key = old.key AND name = old.name);
+       DELETE FROM registry_entry WHERE root = old.root AND key = old.key AND name = old.name;
+       END)",
+    R"(CREATE TRIGGER registry_value_insert INSTEAD OF INSERT ON registry_value BEGIN
+       DELETE FROM registry_value WHERE root = new.root AND key = new.key AND name = new.name;
+       INSERT INTO registry_entry(root, key, name, type)
+       VALUES(new.root, new.key, new.name, new.type);
+       INSERT INTO registry_piece SELECT id, 0, new.data FROM registry_entry
+       WHERE root = new.root AND key = new.key AND name = new.name; END)",
+    R"(CREATE TRIGGER registry_value_update INSTEAD OF UPDATE ON registry_value BEGIN
+       DELETE FROM registry_value WHERE root = old.root AND key = old.key AND name = old.name;
+       INSERT INTO registry_value VALUES(new.root, new.key, new.name, new.type, new.data); END)",
+    R"(PRAGMA user_version = 2)"};
 
 constexpr std::string_view kReadWhole =
     "SELECT type, data FROM registry_value WHERE root = ?1 AND key = ?2 AND name = ?3";

@@ -90,12 +90,13 @@ void ChildIndex::Table::Grow() {
 // Entries after a free place are not found from places before it: those that belong there move up.
 void ChildIndex::Table::Clear(std::size_t place) noexcept {
   --used_;
-  for (std::size_t next = Next(place); entries_[next].attribute != 0; next = Next(next)) {
-    const std::size_t home = Home(entries_[next].hash);
-    const bool stays = place < next ? place < home && home <= next : place < home || home <= next;
+  for (std::size_t later = Next(place); entries_[later].attribute != 0; later = Next(later)) {
+    const std::size_t home = Home(entries_[later].hash);
+    const bool stays =
+        place < later ? place < home && home <= later : place < home || home <= later;
     if (stays) continue;
-    entries_[place] = entries_[next];
-    place = next;
+    entries_[place] = entries_[later];
+    place = later;
   }
   entries_[place] = {};
 }

@@ -176,7 +176,9 @@ class PieceReader {
   bool StartElement(std::string_view tag) {
     if (++depth_ > xml::kMaxDepth) return false;
     std::erase_if(attributes_, SaysNothing);
-    std::ranges::stable_partition(attributes_, xml::IsNamespaceDeclaration, &XmlAttribute::name);
+    std::stable_partition(
+        attributes_.begin(), attributes_.end(),
+        [](const XmlAttribute& attribute) { return xml::IsNamespaceDeclaration(attribute.name); });
     return handler_.StartElement(tag, attributes_);
   }
 
