@@ -98,10 +98,9 @@ bool IsInItsPlace(const fs::path& place, const WorkingDirectory& working_directo
 // against it. For what holds more than a project, of which nobody counts the files:
 std::string GreatObjection(const fs::path& place, const WorkingDirectory& working_directory) {
   if (!place.has_relative_path()) return "is the root of a drive";
-  if (IsAtOrBelow(working_directory.Place(), place)) return "holds the working directory";
   const fs::path home = os::HomeFolder();
-  const bool holds_home = !home.empty() && IsAtOrBelow(Resolved(home), place);
-  return holds_home ? "holds a home folder" : "";
+  if (!home.empty() && IsAtOrBelow(Resolved(home), place)) return "holds a home folder";
+  return IsAtOrBelow(working_directory.Place(), place) ? "holds the working directory" : "";
 }
 
 std::string Objection(const fs::path& native, const WorkingDirectory& working_directory,

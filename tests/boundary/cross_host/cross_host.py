@@ -95,11 +95,15 @@ def comparable(text, folder):
 
 
 def all_files(folder):
-    """What is in a folder: the names of folders, and files with their content."""
+    """What is in a folder: the names of folders, and files with their content.
+
+    Without the history, in which each host writes the moment and paths of its own system.
+    """
     return {
         str(path.relative_to(folder)): comparable(path.read_bytes().decode(), folder)
         if path.is_file() else None
         for path in sorted(folder.rglob("*"))
+        if "history" not in path.parts
     }
 
 
