@@ -39,7 +39,7 @@ std::string FolderIn(XmlParser& parser, const std::string& element) {
 }  // namespace
 
 FolderHistory Place::GetHistory() const {
-  if (auto folder = os::NativePath(drives, working_directory)) {
+  if (auto folder = os::NativePlace(drives, working_directory)) {
     return FolderHistory(*std::move(folder));
   }
   throw Failure(ExitCode::kRefused,

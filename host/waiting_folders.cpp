@@ -146,7 +146,7 @@ void BringBackWaitingFolders(Session& session) {
     if (!waiting.is_ours) continue;
     guard::Skipping(nullptr, [&] {
       os::MoveFolder(drives, waiting.inside, waiting.folder);
-      if (const auto place = os::NativePath(drives, waiting.place)) os::RemoveFolder(*place);
+      if (const auto place = os::NativePlace(drives, waiting.place)) os::RemoveFolder(*place);
       Output::Tell(
           fmt::format("kvdm: The folder {} is back in its place: a deletion that was "
                       "ended had moved it.",

@@ -125,7 +125,7 @@ std::string Counted(std::int64_t count, std::string_view one, std::string_view s
 void Examine(DeletionPlan& plan, const WorkingDirectory& working_directory,
              const std::vector<PlacedItem>& others) {
   const std::string& folder = plan.target.folder;
-  plan.place = os::NativePath(working_directory.Drives(), folder);
+  plan.place = os::NativePlace(working_directory.Drives(), folder);
   if (!plan.place) {
     plan.objection = fmt::format("The folder \"{}\" is no full path on this computer.", folder);
     return;

@@ -142,7 +142,8 @@ fs::path FolderHistory::LockFile() const { return folder_ / "lock"; }
 
 std::shared_ptr<void> FolderHistory::TryLock() const {
   return Writing([&] {
-    os::CreateHiddenFolder(folder_);
+    os::CreateFolders(folder_);
+    os::Hide(folder_);
     os::CreateFolders(records_);
     return os::TryLock(LockFile());
   });

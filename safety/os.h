@@ -87,8 +87,8 @@ void MoveFolder(const Drives& drives, std::string_view from, std::string_view to
 // The path of the system that a path of the component leads to, links not followed, with the names
 // of what is there as they are. Nothing for a path that is not full, and for one on a drive that
 // this computer does not have.
-[[nodiscard]] std::optional<std::filesystem::path> NativePath(const Drives& drives,
-                                                              std::string_view path);
+[[nodiscard]] std::optional<std::filesystem::path> NativePlace(const Drives& drives,
+                                                               std::string_view path);
 
 // Whether two names of the system mean one file in one folder.
 [[nodiscard]] bool AreSame(const std::filesystem::path& a, const std::filesystem::path& b);
@@ -105,8 +105,8 @@ struct TreeSize {
 };
 [[nodiscard]] TreeSize SizeOfTree(const std::filesystem::path& folder);
 
-// Makes a folder that programs for people do not show, where it is missing.
-void CreateHiddenFolder(const std::filesystem::path& folder);
+// Hides a folder from listings, where its name alone does not do that.
+void Hide(const std::filesystem::path& folder);
 
 // Who works here, and on which computer; "" where the system does not say.
 [[nodiscard]] std::string Person();

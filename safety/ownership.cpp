@@ -61,7 +61,8 @@ std::optional<Owner> ReadOwner(const fs::path& working_directory) {
 
 void WriteOwner(const fs::path& working_directory, const Owner& owner) {
   const fs::path file = RecordIn(working_directory);
-  os::CreateHiddenFolder(file.parent_path());
+  os::CreateFolders(file.parent_path());
+  os::Hide(file.parent_path());
   const Json record = {{"schema", kSchema},        {"project", owner.project},
                        {"id", owner.id},           {"person", owner.person},
                        {"machine", owner.machine}, {"shared", owner.is_shared}};
@@ -78,6 +79,10 @@ fs::path ProjectOf(const fs::path& working_directory, const Owner& owner) {
   return (working_directory / os::ToPath(owner.project)).lexically_normal();
 }
 
+bool IsGone(const fs::path& working_directory, const Owner& owner) {
+  return owner.machine == os::Machine() && !IsThere(ProjectOf(working_directory, owner));
+}
+
 Tenure TenureOf(const fs::path& working_directory, const std::optional<Owner>& owner,
                 const Holder& holder) {
   if (!owner) return Tenure::kUnclaimed;
@@ -85,8 +90,7 @@ Tenure TenureOf(const fs::path& working_directory, const std::optional<Owner>& o
   const fs::path project = ProjectOf(working_directory, *owner);
   if (os::AreSame(Resolved(project), holder.file)) return Tenure::kOwn;
   const bool is_same = !holder.id.empty() && owner->id == holder.id;
-  const bool was_moved = is_same && owner->machine == os::Machine() && !IsThere(project);
-  return was_moved ? Tenure::kOwn : Tenure::kForeign;
+  return is_same && IsGone(working_directory, *owner) ? Tenure::kOwn : Tenure::kForeign;
 }
 
 }  // namespace kvdm

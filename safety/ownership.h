@@ -52,8 +52,11 @@ void WriteOwner(const std::filesystem::path& working_directory, const Owner& own
 [[nodiscard]] std::filesystem::path ProjectOf(const std::filesystem::path& working_directory,
                                               const Owner& owner);
 
-// What a working directory is to a project. It is still its own when the project was moved: on the
-// same computer, has the identifier of the record, and nothing is at its former place.
+// Whether that file is no more. Only the computer of the record can tell.
+[[nodiscard]] bool IsGone(const std::filesystem::path& working_directory, const Owner& owner);
+
+// What a working directory is to a project. It is still its own when the project was moved: it
+// has the identifier of the record, and its former file is gone.
 [[nodiscard]] Tenure TenureOf(const std::filesystem::path& working_directory,
                               const std::optional<Owner>& owner, const Holder& holder);
 

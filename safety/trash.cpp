@@ -57,7 +57,7 @@ void Trash::Empty(int number) const try {
 }
 
 std::filesystem::path Trash::Native(const std::string& path) const {
-  if (auto native = os::NativePath(drives_, path)) return *std::move(native);
+  if (auto native = os::NativePlace(drives_, path)) return *std::move(native);
   throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory), path);
 }
 
@@ -74,7 +74,8 @@ void Trash::Take(const Move& move) const {
   if (Has(move) || !os::FindSameFolder(drives_, move.folder)) return;
   try {
     const auto place = Native(FolderOf(move.trash));
-    os::CreateHiddenFolder(place.parent_path());
+    os::CreateFolders(place.parent_path());
+    os::Hide(place.parent_path());
     os::CreateFolders(place);
     for (const auto& folder : {place, place.parent_path()}) os::SyncFolder(folder);
     os::MoveFolder(drives_, move.folder, PlaceOf(move));

@@ -40,7 +40,7 @@ WorkingDirectory::WorkingDirectory(os::Drives drives, std::string path)
     : drives_(std::move(drives)), path_(std::move(path)), place_(PlaceOf(path_).value_or("")) {}
 
 std::optional<fs::path> WorkingDirectory::PlaceOf(std::string_view path) const {
-  const auto native = os::NativePath(drives_, path);
+  const auto native = os::NativePlace(drives_, path);
   return native ? std::optional(Resolved(*native)) : std::nullopt;
 }
 

@@ -275,7 +275,7 @@ std::shared_ptr<void> TryLock(const std::filesystem::path& file) {
   return nullptr;
 }
 
-std::optional<std::filesystem::path> NativePath(const Drives& drives, std::string_view path) {
+std::optional<std::filesystem::path> NativePlace(const Drives& drives, std::string_view path) {
   const PathStart start = SplitPath(path).start;
   if (start != PathStart::kDrive && start != PathStart::kCurrentDrive) return std::nullopt;
   const DrivePath resolved = PosixPaths::Resolve(path);
@@ -303,7 +303,7 @@ TreeSize SizeOfTree(const std::filesystem::path& folder) {
   return size;
 }
 
-void CreateHiddenFolder(const std::filesystem::path& folder) { CreateFolders(folder); }
+void Hide(const std::filesystem::path& /*folder*/) {}
 
 std::string Person() {
   // The system's list of users may be far away, and ends a program that has no memory left for it.

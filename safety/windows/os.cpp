@@ -289,7 +289,7 @@ std::shared_ptr<void> TryLock(const fs::path& file) {
   return nullptr;
 }
 
-std::optional<fs::path> NativePath(const Drives&, std::string_view path) {
+std::optional<fs::path> NativePlace(const Drives&, std::string_view path) {
   const PathStart start = SplitPath(path).start;
   if (start != PathStart::kDrive && start != PathStart::kCurrentDrive) return std::nullopt;
   return ToPath(ResolveWindowsPath(path).Text());
@@ -308,9 +308,8 @@ TreeSize SizeOfTree(const fs::path& folder) {
   return size;
 }
 
-void CreateHiddenFolder(const fs::path& folder) {
-  CreateFolders(folder);
-  SetFileAttributesW(LongName(folder).c_str(), FILE_ATTRIBUTE_HIDDEN);
+void Hide(const fs::path& folder) {
+  if (SetFileAttributesW(LongName(folder).c_str(), FILE_ATTRIBUTE_HIDDEN) == FALSE) Fail(folder);
 }
 
 std::string Person() { return Variable(L"USERNAME"); }

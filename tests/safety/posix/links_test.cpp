@@ -80,7 +80,7 @@ TEST(DrivesTest, FoldersAreComparedAfterDrivesAreReplaced) {
   EXPECT_EQ(directory.Place(), place.top / "KVData");
   EXPECT_TRUE(directory.Holds(place.Folder("KVData/StudyAreas/North")));
   EXPECT_TRUE(place.Directory().Holds(place.Folder("KVData/StudyAreas/North")));
-  EXPECT_EQ(os::NativePath({}, R"(D:\KVData\)"), std::nullopt);
+  EXPECT_EQ(os::NativePlace({}, R"(D:\KVData\)"), std::nullopt);
 }
 
 }  // namespace
