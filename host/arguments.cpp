@@ -15,7 +15,8 @@ std::string ExamplesText(std::string_view examples) {
     text += character;
     if (character == '\n') text += "  ";
   }
-  return text + "\n\nEvery command takes -p FILE (the project), --json and --debug.";
+  return text +
+         "\n\nEvery command takes -p FILE (the project), --foreign, --outside, --json and --debug.";
 }
 
 void Checked(CLI::Option* option, const std::string& name, ArgumentCheck check) {

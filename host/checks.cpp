@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/file_names.h"
 #include "platform/utf8.h"
 #include "platform/xml/xml_text.h"
 #include "safety/result.h"
@@ -33,6 +34,20 @@ void RequireOtherThanUnlisted(std::string_view what, std::string_view name) {
       fmt::format("{} can't be {}: the component keeps that name to itself and lists no study area "
                   "that has it. Choose another name.",
                   what, name));
+}
+
+// Whether Windows takes a name, with any extension, for a device.
+bool IsDeviceName(std::string_view name) {
+  const std::string_view base = TrimmedName(name.substr(0, name.find('.')));
+  for (const std::string_view device : {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"}) {
+    if (SameName(base, device)) return true;
+  }
+  const bool is_numbered = base.size() == 4 && base[3] >= '1' && base[3] <= '9';
+  return is_numbered && (SameName(base.substr(0, 3), "COM") || SameName(base.substr(0, 3), "LPT"));
+}
+
+[[noreturn]] void RefuseUnlessForced(const std::string& sentence) {
+  throw Failure(ExitCode::kUnsafe, sentence + " Choose another name, or add --force.");
 }
 
 }  // namespace
@@ -90,6 +105,23 @@ void RequireNewName(std::string_view what, std::string_view name) {
 void RequireNewAreaName(std::string_view what, std::string_view name) {
   RequireNewName(what, name);
   RequireOtherThanUnlisted(what, name);
+}
+
+void RequirePortableName(std::string_view name) {
+  if (IsDeviceName(name)) {
+    RefuseUnlessForced(fmt::format("Windows keeps the name {} for a device.", name));
+  }
+  if (TrimmedName(name) == name) return;
+  RefuseUnlessForced(fmt::format(
+      "The name \"{}\" ends in a blank or dot, which Windows cuts off the name of a folder.",
+      name));
+}
+
+void RequireOtherThanInCase(std::string_view name, std::string_view other) {
+  if (name == other || !SameName(name, other)) return;
+  RefuseUnlessForced(fmt::format(
+      "The name {} differs from {} in letter case only, and some systems have one folder for both.",
+      name, other));
 }
 
 void RequireAreaKey(std::string_view what, std::string_view name) {

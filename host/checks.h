@@ -30,6 +30,12 @@ void RequireNewName(std::string_view what, std::string_view name);
 void RequireNewAreaName(std::string_view what, std::string_view name);
 void RequireAreaKey(std::string_view what, std::string_view name);
 
+// Failure kUnsafe for a name that Windows keeps for a device, or from which it would cut something.
+void RequirePortableName(std::string_view name);
+
+// Failure kUnsafe for a name that differs from `other` in nothing but letter case.
+void RequireOtherThanInCase(std::string_view name, std::string_view other);
+
 // For a name that can be a folder's, and leads to no folder elsewhere.
 void RequireFolderName(std::string_view name);
 

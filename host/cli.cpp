@@ -30,7 +30,8 @@ bool g_json = false;
       "'kvdm status' whether anything was done, and try again.\n",
       stderr);
   if (g_json) {
-    std::puts(R"({"error": {"code": 1, "message": "Memory ran out.", "number": null}})");
+    std::puts(
+        R"({"ok": false, "error": {"code": 1, "message": "Memory ran out.", "number": null}})");
     std::fflush(stdout);
   }
   std::_Exit(static_cast<int>(ExitCode::kRefused));
@@ -44,6 +45,7 @@ struct MemoryHandler {
 
 struct GlobalOptions {
   std::string project;
+  Allowed allowed;
   OutputOptions output;
 };
 
@@ -55,6 +57,10 @@ void Declare(CLI::App& app, GlobalOptions& options) {
   app.add_option("-p,--project", options.project,
                  "The project file; without it the *.kvdm here or in a folder above")
       ->option_text("FILE");
+  app.add_flag("--foreign", options.allowed.foreign,
+               "Work with study areas of other working directories, too");
+  app.add_flag("--outside", options.allowed.outside,
+               "Change what is outside of the project, or another project's, too");
   app.add_flag("--json", options.output.json, "Print one JSON object");
   app.add_flag("--debug", options.output.debug, "Show log lines and the causes of errors");
   app.footer(
@@ -109,7 +115,7 @@ bool IsBold() { return os::OutputIsTerminal() && os::Environment("NO_COLOR").emp
 int RunCommand(const CommandGroup::Chosen& chosen, const Invocation& invocation) {
   try {
     chosen.command->Execute(invocation);
-    invocation.out.Print();
+    invocation.out.Print(chosen.path);
     return static_cast<int>(ExitCode::kDone);
   } catch (const Failure& failure) {
     return invocation.out.PrintFailure(chosen.path, failure);
@@ -145,7 +151,7 @@ int RunCommandLine(std::vector<std::string> arguments) {
   }
   options.output.bold = IsBold();
   Output out(options.output);
-  return RunCommand(chosen, {options.project, out, words});
+  return RunCommand(chosen, {options.project, options.allowed, out, words});
 }
 
 }  // namespace kvdm

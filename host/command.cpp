@@ -7,6 +7,7 @@
 #include "host/arguments.h"
 #include "host/items.h"
 #include "host/os.h"
+#include "host/ownership.h"
 #include "host/project_file.h"
 #include "host/waiting_folders.h"
 
@@ -41,10 +42,12 @@ Access ProjectCommand::Wanted() const {
   return ChangesRegistry() ? Access::kChangeRegistry : Access::kChange;
 }
 
-std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file, Output& out) {
+std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file,
+                                               const Invocation& invocation) {
   if (!Asks()) return std::nullopt;
-  Session session(file, Access::kRead, out);
+  Session session(file, Access::kRead, invocation.allowed, invocation.out);
   session.Component().RequireWorkingDirectory();
+  if (NeedsTenure()) RequireTenure(session);
   Question question = ToAsk(session);
   RequireConsent(question.consequence);
   return question;
@@ -52,13 +55,16 @@ std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file
 
 void ProjectCommand::StartChange(std::optional<Session>& session, const std::filesystem::path& file,
                                  const Invocation& invocation) {
-  session->Component().RequireWorkingDirectory();
-  session->Record(invocation.words);
-  if (session->GetRecording().Recover()) {
+  const auto open = [&] {
     session.reset();
-    session.emplace(file, Wanted(), invocation.out);
+    session.emplace(file, Wanted(), invocation.allowed, invocation.out);
+    session->Component().RequireWorkingDirectory();
+    if (NeedsTenure()) RequireTenure(*session);
     session->Record(invocation.words);
-  }
+  };
+  open();
+  if (session->GetRecording().Recover()) open();
+  if (NeedsTenure()) RecordTenure(*session);
   if (!UsesTrash()) session->GetRecording().LeaveTrash();
   BringBackWaitingFolders(*session);
 }
@@ -66,16 +72,19 @@ void ProjectCommand::StartChange(std::optional<Session>& session, const std::fil
 void ProjectCommand::Execute(const Invocation& invocation) {
   const auto file = FindProjectFile(invocation.project);
   if (Changes()) RequireChangeable(file);
-  const auto agreed = Agreed(file, invocation.out);
+  const auto agreed = Agreed(file, invocation);
   std::optional<ChangeLock> lock;
   if (Changes()) lock.emplace(file, Wanted());
-  std::optional<Session> opened(std::in_place, file, Wanted(), invocation.out);
+  std::optional<Session> opened;
   if (Changes()) {
     StartChange(opened, file, invocation);
   } else {
+    opened.emplace(file, Wanted(), invocation.allowed, invocation.out);
+    TellOfTenure(*opened);
     TellOfUnfinished(opened->GetPlace());
   }
   Session& session = *opened;
+  invocation.out.UseDrives(session.GetProject().drives);
   if (agreed && ToAsk(session) != *agreed) {
     throw Failure(ExitCode::kConflict,
                   "What was asked about has changed meanwhile. Nothing was done; run the command "
@@ -93,6 +102,7 @@ void ProjectCommand::Execute(const Invocation& invocation) {
 AskingCommand::AskingCommand(Arguments arguments) { arguments.Flag("--yes", yes_, "Do not ask"); }
 
 DeletingCommand::DeletingCommand(Arguments arguments) : AskingCommand(arguments) {
+  arguments.Flag("--dry-run", dry_run_, "Show what would go, and change nothing");
   arguments.Flag("--no-trash", no_trash_, "Delete files for ever, which can't be undone");
 }
 

@@ -17,6 +17,7 @@ class Arguments;
 // Global options of a command line.
 struct Invocation {
   std::string project;  // as given with -p; "" for the one around
+  Allowed allowed;
   Output& out;
   std::vector<std::string> words;  // the command line
 };
@@ -48,10 +49,11 @@ class ProjectCommand : public Command {
  public:
   void Execute(const Invocation& invocation) final;
 
- private:
   // Whether the command, as it was called, changes anything. If so, it holds the ChangeLock, and
   // the project is saved when it succeeds, unless it saved it itself.
   [[nodiscard]] virtual bool Changes() const = 0;
+
+ private:
   // Whether a person is asked first, before the lock is taken. The work is done only if the
   // question is still the same under the lock.
   [[nodiscard]] virtual bool Asks() const { return false; }
@@ -60,14 +62,18 @@ class ProjectCommand : public Command {
   [[nodiscard]] virtual bool ChangesRegistry() const { return false; }
   // Whether folders that are deleted go to the trash.
   [[nodiscard]] virtual bool UsesTrash() const { return true; }
+  // Whether it needs a working directory that the project may change.
+  [[nodiscard]] virtual bool NeedsTenure() const { return true; }
   virtual void Run(Session& session, Output& out) = 0;
 
   [[nodiscard]] Access Wanted() const;
-  // Records what the command changes, once what others left half done is settled.
+  // Opens the project and records what the command changes, once what others left half done is
+  // settled.
   void StartChange(std::optional<Session>& session, const std::filesystem::path& file,
                    const Invocation& invocation);
   // The question that was agreed to; nothing when none is asked.
-  [[nodiscard]] std::optional<Question> Agreed(const std::filesystem::path& file, Output& out);
+  [[nodiscard]] std::optional<Question> Agreed(const std::filesystem::path& file,
+                                               const Invocation& invocation);
 };
 
 class ReadingCommand : public ProjectCommand {
@@ -79,26 +85,33 @@ class ChangingCommand : public ProjectCommand {
 };
 
 // A change that asks first, unless --yes is given.
-class AskingCommand : public ChangingCommand {
+class AskingCommand : public ProjectCommand {
  protected:
   explicit AskingCommand(Arguments arguments);
 
-  [[nodiscard]] bool Asks() const final { return !yes_; }
+  [[nodiscard]] bool Asks() const override { return !yes_; }
 
  private:
+  [[nodiscard]] bool Changes() const override { return true; }
   [[nodiscard]] Question ToAsk(Session& session) override = 0;
 
   bool yes_ = false;
 };
 
-// A deletion. The folders that go with it go to the trash, unless --no-trash is given.
+// A deletion. The folders that go with it go to the trash, unless --no-trash is given. With
+// --dry-run it changes nothing and shows what it would do.
 class DeletingCommand : public AskingCommand {
  protected:
   explicit DeletingCommand(Arguments arguments);
 
+  [[nodiscard]] bool IsDryRun() const { return dry_run_; }
+  [[nodiscard]] bool Asks() const final { return !dry_run_ && AskingCommand::Asks(); }
+
  private:
+  [[nodiscard]] bool Changes() const final { return !dry_run_; }
   [[nodiscard]] bool UsesTrash() const final { return !no_trash_; }
 
+  bool dry_run_ = false;
   bool no_trash_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include <kvdm/platform/document_tree.h>
 #include <kvdm/platform/portable/variant_list.h>
 
 #include "datamanager/kv_data_manager.h"
@@ -18,6 +19,9 @@
 
 namespace kvdm {
 namespace {
+
+// Beside the name of the open study area, which the component reads.
+constexpr char kStudyAreaGuidProperty[] = "Study Area GUID";
 
 Platform OnFiles(Platform platform, std::shared_ptr<FileSystem> files) {
   platform.files = std::move(files);
@@ -120,11 +124,11 @@ HostedComponent::HostedComponent(const Project& project, Access access, Output& 
   manager_->DMInitialize(host_);
   if (access != Access::kRead) guarded_files_->AllowChanges();
   // Only now: a working directory that was missing starts with fresh metadata.
-  if (!project.values.empty()) Load(project, out);
+  if (!project.values.empty()) Load(project.values, out);
 }
 
-void HostedComponent::Load(const Project& project, Output& out) {
-  const Value& document = project.values.front();
+void HostedComponent::Load(const std::vector<Value>& values, Output& out) {
+  const Value& document = values.front();
   const std::string problem = document.IsText()
                                   ? DocumentProblem(*services_.platform.xml_parser,
                                                     "Its metadata document", ToText(document))
@@ -132,7 +136,7 @@ void HostedComponent::Load(const Project& project, Output& out) {
   if (!problem.empty()) throw Failure(ExitCode::kUnreadable, problem);
   // The component says nothing of a failure, and would save what it has instead.
   const std::string cause =
-      out.CauseIn([&] { manager_->Load(std::make_shared<VariantList>(project.values)); });
+      out.CauseIn([&] { manager_->Load(std::make_shared<VariantList>(values)); });
   if (!cause.empty()) {
     throw Failure(ExitCode::kUnreadable, fmt::format("It could not be loaded{}.", cause));
   }
@@ -196,31 +200,59 @@ std::vector<KeptValue> HostedComponent::KeptStudyAreas() const {
   }
 }
 
+std::string HostedComponent::State(std::string_view name) {
+  const Value value = state_->GetProperty(name);
+  return value.IsText() ? ToText(value) : "";
+}
+
+void HostedComponent::SetState(std::string_view name, std::string_view text) {
+  state_->SetProperty(name, text);
+}
+
 std::string HostedComponent::CurrentStudyArea() {
   return ToText(state_->GetProperty(kStudyAreaNameProperty));
 }
 
-void HostedComponent::SetCurrentStudyArea(std::string_view name) {
-  state_->SetProperty(kStudyAreaNameProperty, name);
+std::string HostedComponent::CurrentStudyAreaGuid() { return State(kStudyAreaGuidProperty); }
+
+void HostedComponent::SetCurrentStudyArea(std::string_view name, std::string_view guid) {
+  SetState(kStudyAreaNameProperty, name);
+  SetState(kStudyAreaGuidProperty, guid);
 }
 
-void HostedComponent::SaveTo(Project& project) {
+std::vector<Value> HostedComponent::Saved() {
   const auto stream = std::make_shared<VariantList>();
   manager_->Save(stream);
-  if (stream->Values().empty()) {
-    throw Failure(ExitCode::kRefused, "The component could not save its metadata.");
-  }
+  if (!stream->Values().empty()) return stream->Values();
+  throw Failure(ExitCode::kRefused, "The component could not save its metadata.");
+}
+
+void HostedComponent::EditMetadata(const std::function<void(DocumentNode& root)>& edit,
+                                   Output& out) {
+  XmlParser& parser = *services_.platform.xml_parser;
+  std::vector<Value> values = Saved();
+  auto tree = ReadDocumentTree(parser, ToText(values.front()));
+  DocumentNode* root = tree ? tree->Root() : nullptr;
+  if (root == nullptr) throw Failure(ExitCode::kRefused, "The component saved no document.");
+  edit(*root);
+  values.front() = DocumentTreeText(parser, *tree);
+  Load(values, out);
+}
+
+void HostedComponent::SaveStateTo(Project& project) const { project.state = state_->All(); }
+
+void HostedComponent::SaveTo(Project& project) {
+  const auto written = Saved();
   services_.registry->RethrowFromNote();
   if (const auto& refused = services_.registry->Refused()) {
     throw Failure(ExitCode::kRefused,
                   fmt::format("The change was not saved. {}", RegistrySentence(*refused)));
   }
   // Values after those that the component writes are another program's, and stay.
-  const auto written = stream->Values();
   project.values.resize(std::max(project.values.size(), written.size()));
   std::ranges::copy(written, project.values.begin());
   project.settings = settings_->All();
-  project.state = state_->All();
+  SaveStateTo(project);
 }
 
 }  // namespace kvdm

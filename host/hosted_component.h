@@ -20,6 +20,7 @@
 namespace kvdm {
 
 class AreaRegistry;
+struct DocumentNode;
 class KVDataManager;
 
 // Why the component does not take `text` as a document, as a sentence about `what` that names the
@@ -62,14 +63,27 @@ class HostedComponent {
   // What was kept of the list of study areas; nothing when the registry can't be read.
   [[nodiscard]] std::vector<KeptValue> KeptStudyAreas() const;
 
-  [[nodiscard]] std::string CurrentStudyArea();
-  void SetCurrentStudyArea(std::string_view name);
+  // Changes the metadata document itself, where the component has no operation for that, and loads
+  // it again. Failure kRefused or kUnreadable when that can't be done.
+  void EditMetadata(const std::function<void(DocumentNode& root)>& edit, Output& out);
 
+  // A text of the state that is saved with the project; "" when it has none of the name.
+  [[nodiscard]] std::string State(std::string_view name);
+  void SetState(std::string_view name, std::string_view text);
+
+  [[nodiscard]] std::string CurrentStudyArea();
+  // The identifier that it had when it was opened; "" when that is not known.
+  [[nodiscard]] std::string CurrentStudyAreaGuid();
+  void SetCurrentStudyArea(std::string_view name, std::string_view guid);
+
+  void SaveStateTo(Project& project) const;
   // Saves the component: brings the values and properties of `project` up to date.
   void SaveTo(Project& project);
 
  private:
-  void Load(const Project& project, Output& out);
+  void Load(const std::vector<Value>& values, Output& out);
+  // What the component saves.
+  [[nodiscard]] std::vector<Value> Saved();
 
   Services services_;
   std::shared_ptr<ReadOnlyFiles> guarded_files_;

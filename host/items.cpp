@@ -10,6 +10,7 @@
 #include "platform/file_names.h"
 #include "platform/utf8.h"
 #include "platform/xml/limits.h"
+#include "safety/times.h"
 
 namespace kvdm {
 
@@ -41,17 +42,38 @@ void RemoveEmptyFolder(FileSystem& files, std::string_view folder) {
   files.OpenFolder(place.folder)->RemoveFolder(place.name);
 }
 
-void RequireConsent(std::string_view consequence) {
+void RequireConsent(std::string_view question) {
   if (!os::InputIsTerminal()) {
-    throw Failure(ExitCode::kUsage,
-                  fmt::format("{} Nobody can be asked here: add --yes to do it.", consequence));
+    throw Failure(ExitCode::kUnsafe,
+                  fmt::format("{} Nobody can be asked here: add --yes to do it.", question));
   }
-  Output::Tell(fmt::format("{} Go on? [y/N]", consequence));
+  Output::Tell(fmt::format("{} [y/N]", question));
   std::string answer;
   std::getline(std::cin, answer);
   if (answer != "y" && answer != "Y" && answer != "yes") {
     throw Failure(ExitCode::kRefused, "Nothing was changed.");
   }
+}
+
+std::string WithSeparator(std::string folder) {
+  if (!folder.empty() && !folder.ends_with('\\')) folder += '\\';
+  return folder;
+}
+
+std::string FullPath(const std::string& path) {
+  const bool names_drive = path.size() > 1 && path[1] == ':';
+  if (path.empty() || names_drive || path.front() == '\\') return path;
+  return os::ComponentPath(os::Absolute(os::ToPath(path)));
+}
+
+std::string TimeArgument(const std::string& text) {
+  if (text.empty() || IsoTime(text)) return text;
+  if (auto stored = StoredTime(text)) return *std::move(stored);
+  throw Failure(
+      ExitCode::kUsage,
+      fmt::format("{} is no time. Give one as 2026-01-31, 2026-01-31T09:00:00 or \"1/31/2026 "
+                  "9:00:00 AM\".",
+                  text));
 }
 
 std::string TextArgument(const std::string& argument) {

@@ -17,6 +17,7 @@
 #include <kvdm/kvdm.h>
 #include <kvdm/platform/file_system.h>
 
+#include "host/checks.h"
 #include "host/session.h"
 
 namespace kvdm {
@@ -33,11 +34,14 @@ struct ItemKind {
   using Item = SomeItem;
   using Ref = std::shared_ptr<Item>;
   static constexpr bool kInRegistry = false;  // where all projects share them
-  static constexpr char kListFlag[] = "";     // with which 'list' shows all items
   static constexpr char kChosenBy[] = "a name or {GUID} of its own";
 
   static std::string NameOf(const Ref& item) { return item->Name(); }
   static std::string GuidOf(const Ref& item) { return item->GUID(); }
+  // Where an item is that has a taken name, as ", in ..."; "" for what is in the project itself.
+  static std::string WhereOf(const Ref&) { return ""; }
+  // Fails when a command may not change an item that it found.
+  static void RequireChangeable(Session&, const Ref&) {}
 };
 
 template <class Kind>
@@ -83,8 +87,8 @@ template <class Kind>
   if (found.size() == 1) return found.front();
   if (found.empty()) {
     throw Failure(ExitCode::kNotFound,
-                  fmt::format("There is no {} {}. 'kvdm {} list{}' shows what there is.",
-                              Kind::kWord, selector, Kind::kCommand, Kind::kListFlag));
+                  fmt::format("There is no {} {}. 'kvdm {} list' shows what there is.", Kind::kWord,
+                              selector, Kind::kCommand));
   }
   throw Failure(ExitCode::kConflict,
                 fmt::format("{} means {} items. Say which one by {}.", selector, found.size(),
@@ -92,11 +96,12 @@ template <class Kind>
                 RowsOf<Kind>(found));
 }
 
+// `where` that one is, as the rest of the sentence that says so.
 template <class Kind>
-[[noreturn]] void NameIsTaken(std::string_view name) {
+[[noreturn]] void NameIsTaken(std::string_view name, std::string_view where = "") {
   throw Failure(ExitCode::kConflict,
-                fmt::format("Another {} is named {}. Choose another name, or rename that one.",
-                            Kind::kWord, name));
+                fmt::format("Another {} is named {}{}. Choose another name, or rename that one.",
+                            Kind::kWord, name, where));
 }
 
 // Failure kConflict when one of `items` other than `except` has the name.
@@ -104,7 +109,7 @@ template <class Kind>
 void RequireFreeName(const std::vector<typename Kind::Ref>& items, std::string_view name,
                      const std::string& except = {}) {
   for (const auto& item : ItemsNamed<Kind>(items, name)) {
-    if (Kind::GuidOf(item) != except) NameIsTaken<Kind>(name);
+    if (Kind::GuidOf(item) != except) NameIsTaken<Kind>(name, Kind::WhereOf(item));
   }
 }
 
@@ -170,6 +175,29 @@ struct CollectionKind : ItemKind<SomeItem> {
   }
 };
 
+// The names of a kind's items, sooner than by looking at each item.
+template <class Kind>
+[[nodiscard]] std::vector<std::string> NamesOf(Session& session) {
+  std::vector<std::string> names;
+  if constexpr (requires { Kind::kCollection; }) {
+    const NameListRef list = std::invoke(Kind::kNames, *Kind::Collection(session));
+    for (int i = 1; list && i <= list->Count(); ++i) names.push_back(ToText(list->Item(i)));
+  } else {
+    for (const auto& item : Kind::All(session)) names.push_back(Kind::NameOf(item));
+  }
+  return names;
+}
+
+// Failure kUnsafe for a new name that not all systems take as it is, and for one that differs from
+// another item's in letter case only; `except` is the item's own name.
+template <class Kind>
+void RequirePortable(Session& session, std::string_view name, std::string_view except = {}) {
+  RequirePortableName(name);
+  for (const std::string& other : NamesOf<Kind>(session)) {
+    if (other != except) RequireOtherThanInCase(name, other);
+  }
+}
+
 // What the help says of an argument that names an item: "The store layer, by name or {GUID}".
 [[nodiscard]] std::string SelectorHelp(std::string_view kind);
 
@@ -182,9 +210,20 @@ void RequireDeleted(bool deleted);
 // Removes a folder that is empty, given by its path with a separator at the end.
 void RemoveEmptyFolder(FileSystem& files, std::string_view folder);
 
-// Asks on the terminal whether to go on. Failure kUsage where nobody can be asked, kRefused when
+// Asks on the terminal whether to go on. Failure kUnsafe where nobody can be asked, kRefused when
 // the answer is not yes.
-void RequireConsent(std::string_view consequence);
+void RequireConsent(std::string_view question);
+
+// A path of the component with a separator at its end; "" for none.
+[[nodiscard]] std::string WithSeparator(std::string folder);
+
+// A path as the documents need it, from one in the component's form, which stays, or the system's;
+// a relative one is below the current folder. "" stays.
+[[nodiscard]] std::string FullPath(const std::string& path);
+
+// A time as the documents need it, from that form or ISO 8601. Failure kUsage for what is none; ""
+// stays.
+[[nodiscard]] std::string TimeArgument(const std::string& text);
 
 // The text that an argument gives: itself, or standard input for "-". Line ends become LF. Failure
 // kUnreadable for input that is too long or not UTF-8, kUsage for input that can't be stored.

@@ -27,6 +27,8 @@ struct StudyAreaKind : CollectionKind<StudyAreaKind, IKVStudyArea> {
   }
 
   static Record Columns(const Ref& area) { return {{"folder", area->StudyAreaDir()}}; }
+  static std::string WhereOf(const Ref& area);
+  static void RequireChangeable(Session& session, const Ref& area);
 };
 
 struct AnalysisKind : CollectionKind<AnalysisKind, IKVAnalysis> {
@@ -88,12 +90,5 @@ struct CustLayerKind : LayerKind<CustLayerKind, IKVCustLayer> {
   static constexpr auto kFolder = &IKVCustLayerCollection::CustLayersDir;
   static constexpr bool kGuidTakesFolder = false;
 };
-
-// A sentence about the study area that the project works in, if that is not in the list: what is
-// made would go to the working directory without a word. "" when all is well.
-[[nodiscard]] std::string MissingCurrentArea(Session& session);
-void TellOfMissingArea(Session& session);
-// Failure kNotFound with that sentence.
-void RequireCurrentArea(Session& session);
 
 }  // namespace kvdm

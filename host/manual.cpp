@@ -53,6 +53,9 @@ There is no such project, item or file.
 .B 4
 The name exists, or means several items.
 .TP
+.B 5
+Refused as it may do harm; what allows it is named.
+.TP
 .B 8
 An operation of the component ended in a run\-time error.
 .TP

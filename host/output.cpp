@@ -8,11 +8,19 @@
 
 #include <kvdm/platform/error.h>
 
+#include "host/program_fields.h"
 #include "host/text.h"
 #include "safety/json.h"
 
 namespace kvdm {
 namespace {
+
+// The answer of a command such as "kvdm area list", of the version that its fields have.
+Json AnswerOf(std::string_view command, bool ok) {
+  std::string schema(command);
+  std::ranges::replace(schema, ' ', '.');
+  return {{"schema", schema + "/1"}, {"ok", ok}};
+}
 
 // Bytes that are not UTF-8 are shown as U+FFFD.
 void PrintJson(const Json& object) {
@@ -148,10 +156,17 @@ std::string Output::Table(const std::vector<Record>& rows) const {
   return table + "\n";
 }
 
-void Output::Print() const {
+void Output::Print(std::string_view command) const {
   if (options_.json) {
-    Json object = ToJson(fields_);
-    if (!list_name_.empty()) object[list_name_] = ToJson(list_);
+    Json object = AnswerOf(command, true);
+    const auto add = [&](const Record& fields, Json& to) {
+      for (const auto& [name, field] : drives_ ? ForPrograms(fields, *drives_) : fields) {
+        to[name] = ToJson(field);
+      }
+    };
+    add(fields_, object);
+    if (!list_name_.empty()) object[list_name_] = Json::array();
+    for (const Record& row : list_) add(row, object[list_name_].emplace_back(Json::object()));
     if (!messages_.empty()) object["messages"] = messages_;
     PrintJson(object);
   } else {
@@ -180,10 +195,10 @@ int Output::PrintReport(std::string_view command, const Report& report,
   Tell(fmt::format("{}: {}", command, report.sentence));
   if (!candidates.empty()) std::cerr << Table(candidates);
   if (options_.json) {
-    Json object = {{"error",
-                    {{"code", static_cast<int>(report.code)},
-                     {"message", report.sentence},
-                     {"number", ToJson(report.number)}}}};
+    Json object = AnswerOf(command, false);
+    object["error"] = {{"code", static_cast<int>(report.code)},
+                       {"message", report.sentence},
+                       {"number", ToJson(report.number)}};
     if (!candidates.empty()) object["candidates"] = ToJson(candidates);
     object["messages"] = messages_;
     PrintJson(object);

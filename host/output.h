@@ -1,6 +1,7 @@
 // Output of a command: results on standard output, everything else on standard error.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -8,6 +9,7 @@
 
 #include <kvdm/platform/error.h>
 
+#include "safety/os.h"
 #include "safety/result.h"
 
 namespace kvdm {
@@ -59,8 +61,13 @@ class Output {
 
   [[nodiscard]] const std::vector<std::string>& Messages() const { return messages_; }
 
-  // Prints the result. Failure kRefused when standard output does not take it.
-  void Print() const;
+  // The drives of the project: with them JSON has for each folder and file its path of the system,
+  // and whether it is there.
+  void UseDrives(const os::Drives& drives) { drives_ = drives; }
+
+  // Prints the result of a command such as "kvdm area list". Failure kRefused when standard output
+  // does not take it.
+  void Print(std::string_view command) const;
   // Prints an error in place of the result, and answers the exit status. `command` names the
   // command, such as "kvdm area create".
   int PrintFailure(std::string_view command, const Failure& failure) const;
@@ -84,6 +91,7 @@ class Output {
   std::string text_;
   std::vector<std::string> messages_;
   std::string noted_;
+  std::optional<os::Drives> drives_;
   bool quiet_ = false;
 };
 

@@ -41,10 +41,12 @@ ChangeLock::ChangeLock(const std::filesystem::path& project_file, Access access)
                            fmt::format("The project {}", os::ToText(project_file)))),
       registry_(access == Access::kChangeRegistry ? LockRegistry() : nullptr) {}
 
-Session::Session(const std::filesystem::path& file, Access access, Output& out)
+Session::Session(const std::filesystem::path& file, Access access, const Allowed& allowed,
+                 Output& out)
     : file_(file),
       project_(ReadProjectFile(file_)),
-      component_(Start(file_, project_, access, out)) {}
+      component_(Start(file_, project_, access, out)),
+      allowed_(allowed) {}
 
 Session::~Session() {
   for (const auto& undo : undos_) guard::Skipping(nullptr, undo);

@@ -28,10 +28,16 @@ class ChangeLock {
   std::shared_ptr<void> registry_;
 };
 
+// What people allow although it may do harm.
+struct Allowed {
+  bool foreign = false;  // to work with what belongs to another working directory
+  bool outside = false;  // to change what lies outside, and a working directory of another project
+};
+
 class Session {
  public:
   // Opens a project file and starts the component.
-  Session(const std::filesystem::path& file, Access access, Output& out);
+  Session(const std::filesystem::path& file, Access access, const Allowed& allowed, Output& out);
   // Runs what UnlessSaved was given, unless the session was saved, and takes back what was recorded
   // and not saved. Failures in that are ignored or told.
   ~Session();
@@ -48,6 +54,11 @@ class Session {
   void Record(const std::vector<std::string>& command);
   // Only while that is so.
   [[nodiscard]] Recording& GetRecording() { return *recording_; }
+
+  [[nodiscard]] const Allowed& GetAllowed() const { return allowed_; }
+
+  // What the state has by now is saved, but is no change that is recorded.
+  void LeaveStateUnrecorded() { component_.SaveStateTo(project_); }
 
   // Saves what was changed; True when the project file was written.
   bool Save();
@@ -66,6 +77,7 @@ class Session {
   std::filesystem::path file_;
   Project project_;
   HostedComponent component_;
+  Allowed allowed_;
   std::unique_ptr<Recording> recording_;
   bool is_saved_ = false;
   std::vector<std::function<void()>> undos_;

@@ -58,12 +58,13 @@ struct PlacedItem {
   ItemInFolder item;
   fs::path place;
 };
-std::vector<PlacedItem> OtherItems(XmlParser& parser, const StoredDocuments& documents,
+std::vector<PlacedItem> OtherItems(XmlParser& parser, const Documents& documents,
                                    const WorkingDirectory& working_directory,
                                    const DeletionTarget& target) {
   std::vector<ItemInFolder> items;
-  AddItems(parser, documents.metadata, items);
-  AddItems(parser, documents.catalogue, items);
+  for (const char* name : {kProjectDocument, kCatalogueDocument}) {
+    if (documents.contains(name)) AddItems(parser, documents.at(name), items);
+  }
   const auto same = std::ranges::find_if(items, [&](const ItemInFolder& item) {
     return item.kind == target.kind && item.guid == target.guid && item.name == target.name;
   });
@@ -147,7 +148,7 @@ void Examine(DeletionPlan& plan, const WorkingDirectory& working_directory,
 
 }  // namespace
 
-DeletionPlan PlanDeletion(XmlParser& parser, const StoredDocuments& documents,
+DeletionPlan PlanDeletion(XmlParser& parser, const Documents& documents,
                           const WorkingDirectory& working_directory, DeletionTarget target) {
   DeletionPlan plan;
   plan.target = std::move(target);

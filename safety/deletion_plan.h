@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "safety/changes.h"
 #include "safety/result.h"
 #include "safety/working_directory.h"
 
@@ -43,16 +44,11 @@ struct DeletionPlan {
   std::string objection;               // why it is refused, as a sentence; "" when it is not
 };
 
-// The documents in which items are listed.
-struct StoredDocuments {
-  std::string metadata;
-  std::string catalogue;
-};
-
 // A folder may go that is strictly below "StudyAreas" or "Analyses" of the working directory, is
 // reached through no link there, holds neither the working directory nor a home folder, and belongs
-// to one item alone. What is not there is not objected to, as nothing goes then.
-[[nodiscard]] DeletionPlan PlanDeletion(XmlParser& parser, const StoredDocuments& documents,
+// to one item alone. What is not there is not objected to, as nothing goes then. Items are
+// looked for in the project's metadata and the catalogue of `documents`.
+[[nodiscard]] DeletionPlan PlanDeletion(XmlParser& parser, const Documents& documents,
                                         const WorkingDirectory& working_directory,
                                         DeletionTarget target);
 

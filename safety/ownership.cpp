@@ -69,6 +69,13 @@ void WriteOwner(const fs::path& working_directory, const Owner& owner) {
   os::Replace(file, record.dump(2) + "\n");
 }
 
+void RemoveOwner(const fs::path& working_directory) {
+  const fs::path file = RecordIn(working_directory);
+  std::error_code ignored;
+  fs::remove(file, ignored);
+  fs::remove(file.parent_path(), ignored);  // Only when it is empty.
+}
+
 Owner OwnerFor(const fs::path& working_directory, const Holder& holder) {
   const fs::path relative = holder.file.lexically_relative(working_directory);
   const std::u8string project = (relative.empty() ? holder.file : relative).generic_u8string();

@@ -45,6 +45,9 @@ enum class Tenure {
 // Makes or replaces the record. std::system_error when that can't be done.
 void WriteOwner(const std::filesystem::path& working_directory, const Owner& owner);
 
+// Takes back a record that was just made. What can't be removed stays.
+void RemoveOwner(const std::filesystem::path& working_directory);
+
 // The record of `holder`, made by this person on this computer.
 [[nodiscard]] Owner OwnerFor(const std::filesystem::path& working_directory, const Holder& holder);
 

@@ -3,14 +3,14 @@
 #include "host/commands/item_commands.h"
 #include "host/commands/item_params.h"
 #include "host/deletion.h"
-#include "host/kinds.h"
+#include "host/ownership.h"
 
 namespace kvdm {
 namespace {
 
 struct Analyses : CommandKind<AnalysisKind> {
   static constexpr char kExample[] = "Sales";
-  static constexpr char kNameHelp[] = "Its name, which names its folder too; need not be unique";
+  static constexpr char kNameHelp[] = "Its name, which names its folder too";
   static constexpr char kRenameHelp[] = "Its new name; its folder keeps the old one";
 
   static Record Details(const Ref& analysis, Session&, Output&) {
@@ -19,12 +19,11 @@ struct Analyses : CommandKind<AnalysisKind> {
   }
 
   static std::vector<SettableField<Item>> SettableFields() {
-    return {{"--created", "When it was made, as a text", &SetText<&Item::SetCreationTime>},
+    return {{"--created", "When it was made", &SetCreated},
             {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
   }
 
   static Ref Create(Session& session, const std::string& name, Output& out) {
-    RequireCurrentArea(session);
     bool created = false;
     const std::string cause =
         out.CauseIn([&] { created = Collection(session)->CreateAnalysis(name); });
@@ -43,9 +42,8 @@ struct Analyses : CommandKind<AnalysisKind> {
     return fmt::format(" in {}.", analysis->AnalysisDir());
   }
 
-  static std::string Consequence(Session&, const Ref& analysis) {
-    return fmt::format(" and the folder {} with all that is in it.", analysis->AnalysisDir());
-  }
+  static std::string FolderOf(Session&, const Ref& analysis) { return analysis->AnalysisDir(); }
+  static std::string Remark(Session&, const Ref&) { return ""; }
 
   static std::string Delete(Session& session, const Ref& analysis) {
     return DeleteWithFolder(session, {fmt::format("analysis {}", analysis->Name()),
@@ -65,6 +63,42 @@ struct Analyses : CommandKind<AnalysisKind> {
   }
 };
 
+class AnalysisCreate : public ItemCreate<Analyses> {
+ public:
+  explicit AnalysisCreate(Arguments arguments) : ItemCreate(arguments) {
+    arguments.Flag("--duplicate", duplicate_, "Take a name that another analysis has");
+    arguments.Flag("--no-area", no_area_, "Make it in the working directory, in no study area");
+  }
+
+ private:
+  Analyses::Ref Create(Session& session, const std::string& name, Output& out) override {
+    if (!duplicate_) RequireNewAnalysisName(session, name);
+    if (!no_area_) {
+      RequireCurrentArea(session);
+      return Analyses::Create(session, name, out);
+    }
+    HostedComponent& component = session.Component();
+    const std::string area = component.CurrentStudyArea();
+    const std::string guid = component.CurrentStudyAreaGuid();
+    component.SetCurrentStudyArea("", "");
+    auto analysis = Analyses::Create(session, name, out);
+    component.SetCurrentStudyArea(area, guid);
+    return analysis;
+  }
+
+  static void RequireNewAnalysisName(Session& session, const std::string& name) {
+    const auto names = NamesOf<Analyses>(session);
+    if (std::find(names.begin(), names.end(), name) == names.end()) return;
+    throw Failure(ExitCode::kConflict,
+                  fmt::format("Another analysis is named {}, and each would be found by its GUID "
+                              "alone. Choose another name, or add --duplicate.",
+                              name));
+  }
+
+  bool duplicate_ = false;
+  bool no_area_ = false;
+};
+
 class AnalysisLayer : public ItemCommand<AnalysisKind, ProjectCommand> {
  public:
   explicit AnalysisLayer(Arguments arguments) : ItemCommand(arguments) {
@@ -78,9 +112,9 @@ class AnalysisLayer : public ItemCommand<AnalysisKind, ProjectCommand> {
 
   void RunOn(const AnalysisKind::Ref& analysis, Session&, Output& out) override {
     if (path_ && edit_) {
-      Required(Query<IKVLayerEdit>(analysis)).SetLayerFile(*path_);
+      Required(Query<IKVLayerEdit>(analysis)).SetLayerFile(FullPath(*path_));
     } else if (path_) {
-      analysis->SetLayerFile(*path_);
+      analysis->SetLayerFile(FullPath(*path_));
     }
     out.Text({{"name", analysis->Name()},
               {"guid", analysis->AnalysisGUID()},
@@ -97,7 +131,7 @@ class AnalysisLayer : public ItemCommand<AnalysisKind, ProjectCommand> {
 void AddAnalysisCommands(const CommandGroup& root) {
   const CommandGroup group = root.Group("analysis", "Analyses of the project");
   AddListCommand<Analyses>(group);
-  AddCreateCommand<Analyses>(group, " with its folder");
+  AddCreateCommand<Analyses, AnalysisCreate>(group, " with its folder");
   AddShowCommand<Analyses>(group);
   AddRenameCommand<Analyses>(group);
   AddDeleteCommand<Analyses>(group, " and its folder");

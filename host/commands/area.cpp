@@ -2,7 +2,7 @@
 #include "host/commands/groups.h"
 #include "host/commands/item_commands.h"
 #include "host/deletion.h"
-#include "host/kinds.h"
+#include "host/ownership.h"
 #include "util/names.h"
 
 namespace kvdm {
@@ -20,7 +20,7 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
   static constexpr ArgumentCheck kNewName = &RequireNewAreaName;
   static constexpr ArgumentCheck kKey = &RequireAreaKey;
 
-  static void TellMore(Session& session) { TellOfMissingArea(session); }
+  static void TellMore(Session& session) { TellOfCurrentArea(session); }
 
   static Record Details(const Ref& area, Session& session, Output& out) {
     return {{"layer_file", area->LayerFile()},
@@ -33,7 +33,7 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
     return {{"--folder", "Another folder, which 'kvdm area delete' then deletes; nothing is moved",
              &SetFolder},
             {"--layer-file", "Another layer file, as a layer editor sets it", &SetEditedLayerFile},
-            {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
+            {"--guid", "Another identifier, as a layer editor sets it", &SetOwnIdentifier}};
   }
 
   static Ref Create(Session& session, const std::string& name, Output& out) {
@@ -59,13 +59,15 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
 
   // The project may work in the study area by its old name.
   static void Renamed(Session& session, const std::string& old_name, const std::string& new_name) {
-    if (session.Component().CurrentStudyArea() != old_name) return;
-    session.Component().SetCurrentStudyArea(new_name);
+    HostedComponent& component = session.Component();
+    if (component.CurrentStudyArea() != old_name) return;
+    component.SetCurrentStudyArea(new_name, component.CurrentStudyAreaGuid());
   }
 
-  static std::string Consequence(Session&, const Ref& area) {
-    return fmt::format(" and the folder {} with all that is in it.", area->StudyAreaDir());
+  static std::string FolderOf(Session& session, const Ref& area) {
+    return FolderAbove(session, area) + area->StudyAreaDir();
   }
+  static std::string Remark(Session&, const Ref&) { return ""; }
 
   // By name, which closes the study area and removes its folder; by GUID, which looks for a folder
   // of that name among those of all study areas, only where the name means another one.
@@ -73,23 +75,82 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
     const auto areas = Collection(session);
     const std::string name = area->Name();
     const std::string guid = area->GUID();
-    const auto namesake = areas->GetStudyArea(name);
-    const bool by_name = namesake && namesake->GUID() == guid;
-    const std::string above =
-        by_name ? "" : session.Manager().WorkingDirectory() + sDefaultDirNames::kStudyAreas + "\\";
+    const bool by_name = IsFoundByName(session, area);
     return DeleteWithFolder(
-        session, {fmt::format("study area {}", name), guid, above + area->StudyAreaDir(), [&] {
+        session, {fmt::format("study area {}", name), guid, FolderOf(session, area), [&] {
                     return by_name ? areas->DeleteStudyArea(name)
                                    : areas->DeleteStudyAreaByGUID(guid);
                   }});
   }
 
  private:
-  // The component joins file names to the folder as it is.
-  static void SetFolder(const Ref& area, const std::string& folder) {
-    Required(Query<IKVStudyArea2>(area))
-        .SetStudyAreaDir(folder.ends_with('\\') ? folder : folder + "\\");
+  static bool IsFoundByName(Session& session, const Ref& area) {
+    const auto namesake = Collection(session)->GetStudyArea(area->Name());
+    return namesake && namesake->GUID() == area->GUID();
   }
+
+  // Where the component looks for the folder of a study area that it deletes.
+  static std::string FolderAbove(Session& session, const Ref& area) {
+    if (IsFoundByName(session, area)) return "";
+    return session.Manager().WorkingDirectory() + sDefaultDirNames::kStudyAreas + "\\";
+  }
+
+  // The project goes on working in the study area that it has open.
+  static void SetOwnIdentifier(Session& session, const Ref& area, const std::string& guid) {
+    HostedComponent& component = session.Component();
+    const bool is_open = component.CurrentStudyArea() == area->Name() &&
+                         component.CurrentStudyAreaGuid() == area->GUID();
+    SetIdentifier(session, area, guid);
+    if (is_open) component.SetCurrentStudyArea(area->Name(), guid);
+  }
+
+  // The component joins file names to the folder as it is.
+  static void SetFolder(Session& session, const Ref& area, const std::string& folder) {
+    const std::string wanted = WithSeparator(FullPath(folder));
+    if (!session.GetAllowed().outside && !DirectoryOf(session).Holds(wanted)) {
+      throw Failure(ExitCode::kUnsafe,
+                    fmt::format("The folder {} is not in the project's working directory {}: the "
+                                "study area would be no project's own. Add --outside to set it all "
+                                "the same.",
+                                wanted, WithSeparator(DirectoryOf(session).Path())));
+    }
+    Required(Query<IKVStudyArea2>(area)).SetStudyAreaDir(wanted);
+  }
+};
+
+// The project's own ones; with --all those of other working directories too.
+class AreaList : public ReadingCommand {
+ public:
+  explicit AreaList(Arguments arguments) {
+    arguments.Flag("--all", all_, "Those of other projects too, with their working directories");
+  }
+
+ private:
+  void Run(Session& session, Output& out) override {
+    const std::size_t shown = out.Messages().size();
+    const WorkingDirectory directory = DirectoryOf(session);
+    std::vector<Record> rows;
+    std::size_t others = 0;
+    for (const auto& area : StudyAreas::All(session)) {
+      const bool is_own = directory.Holds(area->StudyAreaDir());
+      others += is_own ? 0 : 1;
+      if (!is_own && !all_) continue;
+      rows.push_back(RowOf<StudyAreas>(area));
+      if (!all_) continue;
+      const std::string theirs = WorkingDirectoryOf(area->StudyAreaDir());
+      const std::string owner = is_own ? WithSeparator(directory.Path()) : theirs;
+      rows.back().emplace_back("working_directory", owner.empty() ? Field() : Field(owner));
+    }
+    if (out.Messages().size() != shown) return;  // and the command fails with that message
+    out.Items(std::move(rows), "There are no study areas.");
+    if (!all_ && others > 0) {
+      Output::Tell(
+          fmt::format("kvdm: {} of other projects; 'kvdm area list --all' shows them.", others));
+    }
+    TellOfCurrentArea(session);
+  }
+
+  bool all_ = false;
 };
 
 class AreaUse : public ChangingCommand {
@@ -104,8 +165,10 @@ class AreaUse : public ChangingCommand {
     if (none_ == name_.has_value()) {
       throw Failure(ExitCode::kUsage, "Give either a study area or --none.");
     }
-    const std::string name = none_ ? "" : StudyAreaKind::Find(session, *name_)->Name();
-    session.Component().SetCurrentStudyArea(name);
+    const auto area = none_ ? nullptr : StudyAreaKind::Find(session, *name_);
+    if (area) StudyAreaKind::RequireChangeable(session, area);
+    const std::string name = area ? area->Name() : "";
+    session.Component().SetCurrentStudyArea(name, area ? area->GUID() : "");
     out.Done({{"study_area", name}}, none_ ? "No study area is open now."
                                            : fmt::format("The study area {} is open now.", name));
   }
@@ -172,30 +235,10 @@ class AreaPropSet : public ItemCommand<StudyAreaKind, ChangingCommand> {
 
 }  // namespace
 
-std::string MissingCurrentArea(Session& session) {
-  const std::string name = session.Component().CurrentStudyArea();
-  if (name.empty() || StudyAreaKind::Collection(session)->GetStudyArea(name)) return {};
-  StudyAreaKind::RequireList(session);
-  return fmt::format(
-      "The project works in the study area {}, which is not in the list of study "
-      "areas: it was deleted or renamed. Open another one with 'kvdm area use NAME', "
-      "or none with 'kvdm area use --none'.",
-      name);
-}
-
-void TellOfMissingArea(Session& session) {
-  const std::string missing = MissingCurrentArea(session);
-  if (!missing.empty()) Output::Tell("kvdm: " + missing);
-}
-
-void RequireCurrentArea(Session& session) {
-  const std::string missing = MissingCurrentArea(session);
-  if (!missing.empty()) throw Failure(ExitCode::kNotFound, missing);
-}
-
 void AddAreaCommands(const CommandGroup& root) {
-  const CommandGroup group = root.Group("area", "Study areas, shared by all projects");
-  AddListCommand<StudyAreas>(group);
+  const CommandGroup group = root.Group("area", "Study areas of the project");
+  group.Add<AreaList>("list", "List the study areas",
+                      "kvdm area list\nkvdm area list --all --json");
   AddCreateCommand<StudyAreas>(group, " with its folder");
   AddShowCommand<StudyAreas>(group);
   AddRenameCommand<StudyAreas>(group);

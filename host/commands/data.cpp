@@ -1,4 +1,8 @@
 // kvdm data: the data items of a project.
+#include <algorithm>
+
+#include <kvdm/platform/document_tree.h>
+
 #include "host/commands/groups.h"
 #include "host/commands/item_commands.h"
 #include "host/commands/item_params.h"
@@ -98,7 +102,6 @@ struct DataItemKind : ItemKind<IKVDataItem> {
   using Ref = DataEntry;
   static constexpr char kWord[] = "data item";
   static constexpr char kCommand[] = "data";
-  static constexpr char kListFlag[] = " --all";
   static constexpr char kChosenBy[] = "its {GUID}";
 
   static std::string NameOf(const Ref& entry) { return entry.item ? entry->Name() : entry.name; }
@@ -147,7 +150,7 @@ struct DataItems : CommandKind<DataItemKind> {
   }
 
   static std::vector<SettableField<Item>> SettableFields() {
-    return {{"--layer-file", "The full path of the layer file", &SetText<&Item::SetLayerFile>},
+    return {{"--layer-file", "The path of the layer file", &SetFile<&Item::SetLayerFile>},
             {"--info", "Additional information, as a text", &SetText<&Item::SetAdditionalInfo>}};
   }
 
@@ -167,9 +170,8 @@ struct DataItems : CommandKind<DataItemKind> {
     return fmt::format(". Its file is to be {}, with an extension.", entry->LayerFile());
   }
 
-  static std::string Consequence(Session&, const Ref& entry) {
-    return fmt::format(" with its parameters. {}", Stays(entry));
-  }
+  static std::string FolderOf(Session&, const Ref&) { return ""; }
+  static std::string Remark(Session&, const Ref& entry) { return Stays(entry); }
 
   static std::string Delete(Session& session, const Ref& entry) {
     const std::string stays = Stays(entry);
@@ -200,35 +202,50 @@ struct DataItems : CommandKind<DataItemKind> {
 class DataList : public ReadingCommand {
  public:
   explicit DataList(Arguments arguments) {
-    arguments.Flag("--all", all_,
-                   "Those that stand directly in the collection too, as new ones do");
+    arguments.Flag("--all", all_, "Those of both places, which are listed anyway");
   }
 
  private:
   void Run(Session& session, Output& out) override {
-    const auto entries = all_ ? DataItems::All(session) : GroupEntries(session);
-    out.Items(RowsOf<DataItems>(entries),
-              all_ ? "There are no data items."
-                   : "There are no data items in the group of listed ones. 'kvdm data list --all' "
-                     "shows those directly in the collection too.");
+    out.Items(RowsOf<DataItems>(DataItems::All(session)), "There are no data items.");
   }
 
   bool all_ = false;
 };
 
+// A name is looked for in the group first, where the component itself deletes.
 class DataDelete : public ItemDelete<DataItems> {
  public:
   using ItemDelete::ItemDelete;
 
  private:
-  DataEntry Find(Session& session) override {
-    const auto found = DataItems::Meant(session, DataPlace::kGroup, Selector());
-    if (!found.empty()) return TheOnlyOne<DataItems>(found, Selector());
-    throw Failure(ExitCode::kRefused,
-                  fmt::format("The data item {} stays: the component deletes only items in the "
-                              "group of listed ones, and this one stands directly in the "
-                              "collection.",
-                              DataItems::Find(session, Selector()).name));
+  DataEntry Found(Session& session, const std::string& name) override {
+    const auto found = DataItems::Meant(session, DataPlace::kGroup, name);
+    return found.empty() ? DataItems::Find(session, name) : TheOnlyOne<DataItems>(found, name);
+  }
+
+  void Delete(Session& session, const DataEntry& entry, Output& out) override {
+    if (entry.place == DataPlace::kGroup) return ItemDelete::Delete(session, entry, out);
+    const Record row = RowOf<DataItems>(entry);
+    const std::string remark = Remark(session, entry);
+    session.Component().EditMetadata([&](DocumentNode& root) { Remove(root, entry); }, out);
+    out.Done(row, fmt::format("Deleted the data item {}. {}", entry.name, remark));
+  }
+
+  // The component has no operation that deletes an item directly in the collection.
+  static void Remove(DocumentNode& root, const DataEntry& entry) {
+    for (DocumentNode& collection : root.children) {
+      if (collection.name != tags::kDataCollection) continue;
+      auto& items = collection.children;
+      const auto item = std::ranges::find_if(items, [&](const DocumentNode& child) {
+        return child.name == tags::kDataItem && child.Attribute(attributes::kGuid) == entry.guid &&
+               child.Attribute(attributes::kName) == entry.name;
+      });
+      RequireDeleted(item != items.end());
+      items.erase(item);
+      return;
+    }
+    RequireDeleted(false);
   }
 };
 
@@ -236,13 +253,13 @@ class DataDelete : public ItemDelete<DataItems> {
 
 void AddDataCommands(const CommandGroup& root) {
   const CommandGroup group = root.Group("data", "Data items: named references to data files");
-  group.Add<DataList>("list", "List the data items in the group of listed ones",
-                      "kvdm data list\nkvdm data list --all");
+  group.Add<DataList>("list", "List the data items of both places",
+                      "kvdm data list\nkvdm data list --json");
   AddCreateCommand<DataItems>(group, " and reserve its file");
   AddShowCommand<DataItems>(group);
   AddSetCommand<DataItems>(group, "fields", " --layer-file 'D:\\Maps\\Streets.shp'");
   AddRenameCommand<DataItems>(group);
-  AddDeleteCommand<DataItems, DataDelete>(group, " of the group of listed ones and leave its file");
+  AddDeleteCommand<DataItems, DataDelete>(group, " and leave its file");
   AddParamCommands<DataItems>(group);
   AddFolderCommand<DataItems, ChangingCommand>(group, "the data files; makes it if it is missing");
 }

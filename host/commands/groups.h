@@ -25,6 +25,8 @@ void AddPathCommands(const CommandGroup& root);
 void AddProjectCommands(const CommandGroup& root);
 // 'kvdm undo', 'kvdm log' and 'kvdm trash'.
 void AddHistoryCommands(const CommandGroup& root);
+// One of those below 'kvdm project'.
+void AddProjectShare(const CommandGroup& project);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 

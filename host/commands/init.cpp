@@ -7,6 +7,7 @@
 #include "host/checks.h"
 #include "host/commands/groups.h"
 #include "host/os.h"
+#include "host/ownership.h"
 #include "host/project_file.h"
 #include "platform/utf8.h"
 #include "util/names.h"
@@ -46,7 +47,7 @@ void CreateFolders(const fs::path& folder) {
 
 // The working directory in the component's form; the folders above it are made. Where the system
 // has no drives, a path that names one is in that form already.
-std::string WorkingDirectory(const fs::path& path) {
+std::string WorkingFolder(const fs::path& path) {
   if (!path.has_root_name() && NamesDrive(os::ToText(path))) return os::ToText(path);
   const fs::path folder = Absolute(path);
   for (const fs::path& part : folder.relative_path()) RequireFolderName(os::ToText(part));
@@ -68,7 +69,9 @@ class Init : public Command {
     RequireNewName("The name of the project", name);
     const fs::path file = folder / os::ToPath(name + ".kvdm");
     const std::string workdir =
-        WorkingDirectory(workdir_ ? os::ToPath(*workdir_) : folder / kDefaultWorkingFolder);
+        WorkingFolder(workdir_ ? os::ToPath(*workdir_) : folder / kDefaultWorkingFolder);
+    invocation.out.UseDrives({});
+    if (!invocation.allowed.outside) RequireNobodys(workdir, file);
     CreateFolders(folder);
     const ChangeLock lock(file, Access::kMake);
     if (os::Exists(file)) {
@@ -80,6 +83,20 @@ class Init : public Command {
   }
 
  private:
+  // Failure kUnsafe when another project, which is still there, has the working directory.
+  static void RequireNobodys(const std::string& workdir, const fs::path& file) {
+    const fs::path place = WorkingDirectory({}, workdir).Place();
+    const auto owner = ReadOwner(place);
+    const Tenure tenure = TenureOf(place, owner, {Resolved(file), ""});
+    auto other = tenure == Tenure::kUnclaimed ? ProjectBeside(place) : std::nullopt;
+    if (tenure == Tenure::kForeign && !IsGone(place, *owner)) other = ProjectOf(place, *owner);
+    if (!other) return;
+    throw Failure(ExitCode::kUnsafe,
+                  fmt::format("The working directory {} belongs to the project {}. Choose another "
+                              "one, or let both work there: 'kvdm project share -p \"{}\"'.",
+                              WithSeparator(workdir), os::ToText(*other), os::ToText(*other)));
+  }
+
   static void Create(const fs::path& file, const std::string& workdir, Output& out) {
     Project project;
     project.settings[kWorkingDirectorySetting] = workdir;
@@ -89,11 +106,28 @@ class Init : public Command {
       throw Failure(ExitCode::kRefused,
                     fmt::format("The working directory {} can't be made.", workdir));
     }
-    component.SaveTo(project);
-    WriteProjectFile(file, project);
+    const fs::path place = WorkingDirectory({}, workdir).Place();
+    const auto before = ReadOwner(place);
+    Claim(component, place, before, file);
+    try {
+      component.SaveTo(project);
+      WriteProjectFile(file, project);
+    } catch (const Unconfirmed&) {
+      throw;
+    } catch (const std::exception&) {
+      if (!before) RemoveOwner(place);
+      throw;
+    }
     out.Done({{"project", os::ToText(file)}, {"working_directory", made}},
              fmt::format("Created the project {} with the working directory {}.", os::ToText(file),
                          made));
+  }
+
+  // Records the project as the owner of a working directory that is not shared.
+  static void Claim(HostedComponent& component, const fs::path& place,
+                    const std::optional<Owner>& before, const fs::path& file) {
+    const Holder holder = NewHolder(component, file);
+    if (TenureOf(place, before, holder) != Tenure::kShared) RecordOwner(place, holder);
   }
 
   std::optional<std::string> folder_;

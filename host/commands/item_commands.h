@@ -12,6 +12,7 @@
 
 #include "host/arguments.h"
 #include "host/items.h"
+#include "host/planning.h"
 
 namespace kvdm {
 
@@ -21,6 +22,7 @@ struct CommandKind : Kind {
   using Ref = typename Kind::Ref;
   static constexpr ArgumentCheck kNewName = &RequireNewName;  // of what is created
   static constexpr ArgumentCheck kKey = &RequireKey;          // of what is renamed
+  static constexpr bool kNamesFile = true;  // Whether a folder or file gets the name of a new one
 
   // Tells people what else there is to know when items are shown.
   static void TellMore(Session&) {}
@@ -29,6 +31,9 @@ struct CommandKind : Kind {
   // Does what else is to be done when an item has a new name.
   static void Renamed(Session&, const std::string& /*from*/, const std::string& /*to*/) {}
 };
+
+inline constexpr char kForceHelp[] =
+    "Take a name that some systems can't have, or that differs in letter case only";
 
 // "a store layer", "an analysis"
 [[nodiscard]] inline std::string WithArticle(std::string_view word) {
@@ -53,7 +58,10 @@ class ItemCommand : public Command {
   virtual void RunOn(const typename Kind::Ref& item, Session& session, Output& out) = 0;
   [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
   void Run(Session& session, Output& out) override {
-    RunOn(Kind::Find(session, name_), session, out);
+    const auto item = Kind::Find(session, name_);
+    const bool changes = static_cast<const ProjectCommand&>(*this).Changes();
+    if (changes) Kind::RequireChangeable(session, item);
+    RunOn(item, session, out);
   }
 
   std::string name_;
@@ -87,23 +95,30 @@ class ItemCreate : public ChangingCommand {
  public:
   explicit ItemCreate(Arguments arguments) {
     arguments.Required("NAME", name_, Kind::kNameHelp, Kind::kNewName);
+    if (Kind::kNamesFile) arguments.Flag("--force", force_, kForceHelp);
   }
 
  private:
   [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
+  virtual typename Kind::Ref Create(Session& session, const std::string& name, Output& out) {
+    return Kind::Create(session, name, out);
+  }
+
   void Run(Session& session, Output& out) override {
-    const auto item = Kind::Create(session, name_, out);
+    if (Kind::kNamesFile && !force_) RequirePortable<Kind>(session, name_);
+    const auto item = Create(session, name_, out);
     out.Done(RowOf<Kind>(item),
              fmt::format("Created the {} {}{}", Kind::kWord, name_, Kind::WhereItIs(item)));
   }
 
   std::string name_;
+  bool force_ = false;
 };
 
-template <class Kind>
+template <class Kind, class Create = ItemCreate<Kind>>
 void AddCreateCommand(const CommandGroup& group, std::string_view with = "") {
-  group.Add<ItemCreate<Kind>>("create", fmt::format("Make {}{}", WithArticle(Kind::kWord), with),
-                              ExampleOf<Kind>("create"));
+  group.Add<Create>("create", fmt::format("Make {}{}", WithArticle(Kind::kWord), with),
+                    ExampleOf<Kind>("create"));
 }
 
 // A kind has `Details(item, session, out)`, the fields that follow those in lists.
@@ -133,12 +148,14 @@ class ItemRename : public ItemCommand<Kind, ChangingCommand> {
  public:
   explicit ItemRename(Arguments arguments) : ItemCommand<Kind, ChangingCommand>(arguments) {
     arguments.Required("NEW", new_name_, Kind::kRenameHelp, Kind::kKey);
+    arguments.Flag("--force", force_, kForceHelp);
   }
 
  private:
   void RunOn(const typename Kind::Ref& item, Session& session, Output& out) override {
     const std::string old_name = item->Name();
     RequireFreeName<Kind>(Kind::Peers(session, item), new_name_, Kind::GuidOf(item));
+    if (!force_) RequirePortable<Kind>(session, new_name_, old_name);
     item->SetName(new_name_);
     if (item->Name() != new_name_) {
       throw Failure(ExitCode::kRefused,
@@ -150,6 +167,7 @@ class ItemRename : public ItemCommand<Kind, ChangingCommand> {
   }
 
   std::string new_name_;
+  bool force_ = false;
 };
 
 template <class Kind>
@@ -158,8 +176,9 @@ void AddRenameCommand(const CommandGroup& group) {
                               ExampleOf<Kind>("rename", " \"New name\""));
 }
 
-// A kind has `Consequence(session, item)`, which ends the sentence "This deletes the study area
-// North", and `Delete(session, item)`, which answers what it did in sentences.
+// A kind has `FolderOf(session, item)`, the folder that goes with an item, "" for none;
+// `Remark(session, item)`, sentences about what else becomes of it; and `Delete(session, item)`,
+// which answers what it did in sentences.
 template <class Kind>
 class ItemDelete : public DeletingCommand {
  public:
@@ -168,11 +187,14 @@ class ItemDelete : public DeletingCommand {
   }
 
  protected:
-  [[nodiscard]] const std::string& Selector() const { return name_; }
-
-  virtual typename Kind::Ref Find(Session& session) { return Kind::Find(session, name_); }
-  virtual std::string Consequence(Session& session, const typename Kind::Ref& item) {
-    return Kind::Consequence(session, item);
+  virtual typename Kind::Ref Found(Session& session, const std::string& name) {
+    return Kind::Find(session, name);
+  }
+  virtual std::string FolderOf(Session& session, const typename Kind::Ref& item) {
+    return Kind::FolderOf(session, item);
+  }
+  virtual std::string Remark(Session& session, const typename Kind::Ref& item) {
+    return Kind::Remark(session, item);
   }
   virtual void Delete(Session& session, const typename Kind::Ref& item, Output& out) {
     const Record row = RowOf<Kind>(item);
@@ -181,14 +203,32 @@ class ItemDelete : public DeletingCommand {
 
   Question ToAsk(Session& session) override {
     const auto item = Find(session);
-    return {fmt::format("This deletes the {} {}{}", Kind::kWord, item->Name(),
-                        Consequence(session, item)),
-            RowOf<Kind>(item)};
+    const DeletionPlan plan = PlanOf(session, item);
+    RequireAllowed(plan, session);
+    const std::string remark = Remark(session, item);
+    return {remark + (remark.empty() ? "" : " ") + QuestionOf(plan), RowOf<Kind>(item)};
   }
 
  private:
   [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
-  void Run(Session& session, Output& out) override { Delete(session, Find(session), out); }
+  typename Kind::Ref Find(Session& session) {
+    auto item = Found(session, name_);
+    Kind::RequireChangeable(session, item);
+    return item;
+  }
+
+  DeletionPlan PlanOf(Session& session, const typename Kind::Ref& item) {
+    return PlanFor(session,
+                   {Kind::kWord, Kind::NameOf(item), Kind::GuidOf(item), FolderOf(session, item)});
+  }
+
+  void Run(Session& session, Output& out) override {
+    const auto item = Find(session);
+    const DeletionPlan plan = PlanOf(session, item);
+    if (IsDryRun()) return ShowPlan(plan, out);
+    RequireAllowed(plan, session);
+    Delete(session, item, out);
+  }
 
   std::string name_;
 };
@@ -204,28 +244,40 @@ template <class Item>
 struct SettableField {
   const char* option;  // "--name-field"
   const char* help;
-  void (*set)(const std::shared_ptr<Item>& item, const std::string& text);
+  void (*set)(Session& session, const std::shared_ptr<Item>& item, const std::string& text);
 };
 
 // A setter of an item as `SettableField::set`.
 //
 //   {"--id-field", "...", &SetText<&IKVStoreLayer::SetIDField>}
 template <auto Setter, class Item>
-void SetText(const std::shared_ptr<Item>& item, const std::string& text) {
+void SetText(Session&, const std::shared_ptr<Item>& item, const std::string& text) {
   (item.get()->*Setter)(text);
 }
 
 // Gives an item another identifier, as a layer editor does. Failure kUsage for what is none.
 template <class Item>
-void SetIdentifier(const std::shared_ptr<Item>& item, const std::string& guid) {
+void SetIdentifier(Session&, const std::shared_ptr<Item>& item, const std::string& guid) {
   RequireGuid(guid);
   Required(Query<IKVLayerEdit>(item)).SetGUID(guid);
 }
 
-// Gives an item another layer file, as a layer editor does.
+// Gives an item another layer file; a relative path is one below the current folder.
+template <auto Setter, class Item>
+void SetFile(Session&, const std::shared_ptr<Item>& item, const std::string& path) {
+  (item.get()->*Setter)(FullPath(path));
+}
+
+// The same, as a layer editor does.
 template <class Item>
-void SetEditedLayerFile(const std::shared_ptr<Item>& item, const std::string& path) {
-  Required(Query<IKVLayerEdit>(item)).SetLayerFile(path);
+void SetEditedLayerFile(Session&, const std::shared_ptr<Item>& item, const std::string& path) {
+  Required(Query<IKVLayerEdit>(item)).SetLayerFile(FullPath(path));
+}
+
+// Says when an item was made; a date of ISO 8601 is taken, too. Failure kUsage for what is no date.
+template <class Item>
+void SetCreated(Session&, const std::shared_ptr<Item>& item, const std::string& time) {
+  item->SetCreationTime(TimeArgument(time));
 }
 
 // A kind has its `SettableFields()`, each an option.
@@ -242,11 +294,11 @@ class ItemSet : public ItemCommand<Kind, ChangingCommand> {
   }
 
  private:
-  void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {
+  void RunOn(const typename Kind::Ref& item, Session& session, Output& out) override {
     Record record = {{"name", item->Name()}};
     for (std::size_t i = 0; i < fields_.size(); ++i) {
       if (!values_[i]) continue;
-      fields_[i].set(item, *values_[i]);
+      fields_[i].set(session, item, *values_[i]);
       record.emplace_back(FieldName(fields_[i].option), *values_[i]);
     }
     if (record.size() == 1) {
@@ -312,8 +364,8 @@ void AddCommentCommand(const CommandGroup& group) {
                                    ExampleOf<Kind>("comment", " - < notes.txt"));
 }
 
-// Shows a folder of the component, which makes some when it is asked for them: those are shown by a
-// changing command.
+// Shows a folder of the component, with a separator at its end as items have theirs. The component
+// makes some when it is asked for them: those are shown by a changing command.
 template <auto Folder, class ShowingCommand>
 class FolderShow : public ShowingCommand {
  public:
@@ -321,7 +373,7 @@ class FolderShow : public ShowingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    const std::string folder = Folder(session);
+    const std::string folder = WithSeparator(Folder(session));
     out.Text({{"folder", folder}}, folder);
   }
 };

@@ -16,11 +16,23 @@ concept HasLinkField = requires(Item& item) {
 };
 
 template <class Item>
-void SetInternal(const std::shared_ptr<Item>& item, const std::string& answer) {
+void SetInternal(Session&, const std::shared_ptr<Item>& item, const std::string& answer) {
   if (answer != "yes" && answer != "no") {
     throw Failure(ExitCode::kUsage, "--internal takes yes or no.");
   }
   item->SetIsInternalData(answer == "yes");
+}
+
+// "" means none.
+template <class Item>
+void SetArea(Session& session, const std::shared_ptr<Item>& item, const std::string& name) {
+  if (!name.empty()) {
+    const auto areas = NamesOf<StudyAreaKind>(session);
+    if (std::find(areas.begin(), areas.end(), name) == areas.end()) {
+      static_cast<void>(TheOnlyOne<StudyAreaKind>({}, name));
+    }
+  }
+  item->SetStudyAreaName(name);
 }
 
 template <class Layer>
@@ -42,13 +54,13 @@ struct Layers : CommandKind<Layer> {
 
   static std::vector<SettableField<Item>> SettableFields() {
     std::vector<SettableField<Item>> fields = {
-        {"--layer-file", "The path of the layer file", &SetText<&Item::SetLayerFile>},
+        {"--layer-file", "The path of the layer file", &SetFile<&Item::SetLayerFile>},
         {"--edited-layer-file", "The same, as a layer editor sets it", &SetEditedLayerFile},
         {"--name-field", "The field that holds the names", &SetText<&Item::SetNameField>},
         {"--id-field", "The field that holds the identifiers", &SetText<&Item::SetIDField>},
         {"--internal", "Whether its data are the application's own: yes or no", &SetInternal},
-        {"--created", "When it was made, as a text", &SetText<&Item::SetCreationTime>},
-        {"--study-area", "The name of its study area", &SetText<&Item::SetStudyAreaName>},
+        {"--created", "When it was made", &SetCreated},
+        {"--study-area", "The name of its study area", &SetArea},
         {"--guid", "Another identifier, as a layer editor sets it", &SetIdentifier}};
     if constexpr (HasLinkField<Item>) {
       fields.push_back({"--link-field", "The field that links customers to stores",
@@ -70,9 +82,8 @@ struct Layers : CommandKind<Layer> {
     return fmt::format(". Its layer file is to be {}.", layer->LayerFile());
   }
 
-  static std::string Consequence(Session&, const Ref& layer) {
-    return fmt::format(" with its parameters and comments. {}", Stays(layer));
-  }
+  static std::string FolderOf(Session&, const Ref&) { return ""; }
+  static std::string Remark(Session&, const Ref& layer) { return Stays(layer); }
 
   static std::string Delete(Session& session, const Ref& layer) {
     const std::string name = layer->Name();
@@ -164,15 +175,18 @@ class StoreDelete : public ItemDelete<StoreLayers> {
   }
 
  private:
-  std::string Consequence(Session& session, const Ref& layer) override {
-    if (!exact_by_guid_) return ItemDelete::Consequence(session, layer);
+  std::string FolderOf(Session& session, const Ref& layer) override {
+    return exact_by_guid_ ? FolderTakenWith(session, layer->GUID()) : "";
+  }
+
+  std::string Remark(Session& session, const Ref& layer) override {
+    if (!exact_by_guid_) return ItemDelete::Remark(session, layer);
     const std::string folder = FolderTakenWith(session, layer->GUID());
     const bool of_all = folder.ends_with('\\');
     const FolderContent content = ContentOf(session, WithoutEnd(folder));
-    return fmt::format(
-        " and the folder {} with {}. {}{}", content.folder,
-        of_all ? "all that is in it" : "the files in it; folders in it stay, and it with them",
-        content.Sentence(), of_all ? " The files of the other layers go too." : "");
+    return fmt::format("This takes {} of the folder {}. {}{}",
+                       of_all ? "all" : "the files, but no folder,", content.folder,
+                       content.Sentence(), of_all ? " The files of the other layers go too." : "");
   }
 
   void Delete(Session& session, const Ref& layer, Output& out) override {

@@ -26,9 +26,12 @@ struct Layer {
   std::shared_ptr<IKVMetadata> exchange;
 };
 
+enum class LayerUse { kRead, kChange };
+
 template <class Kind>
-Layer LayerOf(Session& session, const std::string& name, const char* type) {
+Layer LayerOf(Session& session, const std::string& name, const char* type, LayerUse use) {
   const auto item = Kind::Find(session, name);
+  if (use == LayerUse::kChange) Kind::RequireChangeable(session, item);
   return {item->Name(), Kind::GuidOf(item), item->LayerFile(), type, Query<IKVMetadata>(item)};
 }
 
@@ -43,14 +46,15 @@ class LayerChoice {
 
   [[nodiscard]] bool IsArea() const { return area_; }
 
-  [[nodiscard]] Layer Find(Session& session, const std::string& name) const {
+  [[nodiscard]] Layer Find(Session& session, const std::string& name,
+                           LayerUse use = LayerUse::kRead) const {
     if (int{area_} + int{customer_} + int{store_} > 1) {
       throw Failure(ExitCode::kUsage, "Give at most one of --area, --customer and --store.");
     }
-    if (area_) return LayerOf<StudyAreaKind>(session, name, layer_types::kStudyArea);
-    if (customer_) return LayerOf<CustLayerKind>(session, name, layer_types::kCustLayer);
-    if (store_) return LayerOf<StoreLayerKind>(session, name, layer_types::kStoreLayer);
-    return LayerOf<AnalysisKind>(session, name, layer_types::kAnalysis);
+    if (area_) return LayerOf<StudyAreaKind>(session, name, layer_types::kStudyArea, use);
+    if (customer_) return LayerOf<CustLayerKind>(session, name, layer_types::kCustLayer, use);
+    if (store_) return LayerOf<StoreLayerKind>(session, name, layer_types::kStoreLayer, use);
+    return LayerOf<AnalysisKind>(session, name, layer_types::kAnalysis, use);
   }
 
  private:
@@ -190,7 +194,7 @@ class MetadataExport : public ChangingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    const Layer layer = choice_.Find(session, name_);
+    const Layer layer = choice_.Find(session, name_, LayerUse::kChange);
     const auto metadata = std::make_shared<WatchedMetadata>(MetadataOf(session, layer.file));
     Required(layer.exchange).ExportMetadata(metadata);
     if (!metadata->Problem().empty()) {
@@ -217,7 +221,7 @@ class MetadataImport : public ChangingCommand {
  private:
   [[nodiscard]] bool ChangesRegistry() const override { return choice_.IsArea(); }
   void Run(Session& session, Output& out) override {
-    const Layer layer = choice_.Find(session, name_);
+    const Layer layer = choice_.Find(session, name_, LayerUse::kChange);
     const auto document = ReadMetadata(*MetadataOf(session, layer.file), layer.file);
     const std::string type = TextAt(*document, metadata_paths::kLayerType);
     if (type != layer.type) {

@@ -123,6 +123,7 @@ void AddProjectCommands(const CommandGroup& root) {
                               "kvdm project restore 12");
   project.Add<ProjectShow>("show", "Show the metadata document and the study area catalogue",
                            "kvdm project show");
+  AddProjectShare(project);
 }
 
 }  // namespace kvdm

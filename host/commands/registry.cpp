@@ -15,6 +15,7 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
   static constexpr char kExample[] = "North";
   static constexpr char kNameHelp[] = "Its name";
   static constexpr ArgumentCheck kNewName = &RequireKey;
+  static constexpr bool kNamesFile = false;
 
   // The list of names leaves out what is not for people.
   static std::vector<Ref> All(Session& session) {
@@ -72,22 +73,31 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
 
   static std::string WhereItIs(const Ref&) { return "."; }
 
-  static std::string Consequence(Session& session, const Ref& item) {
-    return fmt::format(
-        ". {} {}.",
-        Rules::kHasFolder ? "The component deletes what it can of" : "It leaves the files in",
-        FolderOf(session, item));
+  // The study area's own folder; that of all layers stays.
+  static std::string FolderOf(Session& session, const Ref& item) {
+    if constexpr (Rules::kHasFolder) {
+      return session.Manager().WorkingDirectory() + item->StudyAreaDir();
+    } else {
+      return "";
+    }
+  }
+  static std::string Remark(Session& session, const Ref&) {
+    if constexpr (Rules::kHasFolder) {
+      return "";
+    } else {
+      return fmt::format("Its files in {} stay.", Folder(session));
+    }
   }
 
   static std::string Delete(Session& session, const Ref& item) {
     const std::string what = fmt::format("{} {}", Rules::kWord, item->Name());
-    const std::string folder = FolderOf(session, item);
     const auto perform = [&] { return DeleteThis(session.Component().RegisteredItems(), item); };
     if constexpr (Rules::kHasFolder) {
-      return DeleteWithFolder(session, {what, item->GUID(), folder, perform});
+      return DeleteWithFolder(session, {what, item->GUID(), FolderOf(session, item), perform});
     } else {
+      const std::string remark = Remark(session, item);
       RequireDeleted(perform());
-      return fmt::format("Deleted the {}. Its files in {} stay.", what, folder);
+      return fmt::format("Deleted the {}. {}", what, remark);
     }
   }
 
@@ -104,15 +114,6 @@ struct Registered : CommandKind<ItemKind<typename Rules::Item>>, Rules {
 
   static bool HasGuid(AreaRegistry& registry, const std::string& guid) {
     return IsGuid(guid) && std::invoke(Rules::kExistsByGuid, registry, guid);
-  }
-
-  // The study area's own folder, or that of all layers of the kind.
-  static std::string FolderOf(Session& session, const Ref& item) {
-    if constexpr (Rules::kHasFolder) {
-      return session.Manager().WorkingDirectory() + item->StudyAreaDir();
-    } else {
-      return Folder(session);
-    }
   }
 
   // By identifier, unless the first that has it is another one.

@@ -1,9 +1,11 @@
 // kvdm status: what the project and the component look like.
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "host/commands/groups.h"
-#include "host/kinds.h"
 #include "host/os.h"
+#include "host/ownership.h"
 #include "host/waiting_folders.h"
 #include "platform/xml/document.h"
 #include "util/registry_strings.h"
@@ -28,9 +30,14 @@ std::vector<Record> KeptCatalogues(const HostedComponent& component) {
   return records;
 }
 
+// The project's own ones; nothing when there is no list.
 Field StudyAreaCount(Session& session) {
   const auto areas = session.Manager().StudyAreaCollection();
-  return areas ? CountOf(areas->StudyAreasGUIDsList()) : Field();
+  if (!areas || !areas->StudyAreasGUIDsList()) return {};
+  const WorkingDirectory directory = DirectoryOf(session);
+  const auto all = StudyAreaKind::All(session);
+  return static_cast<std::int64_t>(std::ranges::count_if(
+      all, [&](const auto& area) { return directory.Holds(area->StudyAreaDir()); }));
 }
 
 class Status : public ReadingCommand {
@@ -62,7 +69,7 @@ class Status : public ReadingCommand {
     out.Section("damaged_catalogues", kept);
     if (damaged) return Output::Tell("kvdm: " + problem);
     TellOfWaitingFolders(session);
-    TellOfMissingArea(session);
+    TellOfCurrentArea(session);
   }
 };
 

@@ -3,7 +3,7 @@
 
 #include "host/commands/groups.h"
 #include "host/commands/item_commands.h"
-#include "host/kinds.h"
+#include "host/ownership.h"
 
 namespace kvdm {
 namespace {

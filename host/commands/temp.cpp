@@ -32,7 +32,7 @@ class TempClean : public ChangingCommand {
     session.Component().RequireWorkingDirectory();
     session.Manager().CleanTemp();
     const std::string folder =
-        session.Manager().WorkingDirectory() + sDefaultDirNames::kKelvaroTemp;
+        session.Manager().WorkingDirectory() + sDefaultDirNames::kKelvaroTemp + "\\";
     FileSystem& files = *session.Component().GetServices().platform.files;
     const auto left =
         files.FolderExists(folder) ? files.OpenFolder(files.FullPath(folder))->Entries().size() : 0;

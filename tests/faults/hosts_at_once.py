@@ -93,7 +93,7 @@ class Place:
             self.failures.append(("wrong", f"{name} can't be made"))
             return
         for number in range(count):
-            areas = (command("area", "list") or {}).get("items", [])
+            areas = (command("area", "list", "--all") or {}).get("items", [])
             areas = [area for area in areas if not area["name"].startswith("shared")]
             text = f"{name}-{number}"
             kind = draw.choice(["create", "set", "set", "delete"]) if areas else "create"
@@ -102,9 +102,9 @@ class Place:
                 done = command("area", "create", text)
                 if done:
                     self.changes.append(Change("create", done["guid"], "name", new=text))
-            elif kind == "set" and command("area", "prop", "set", guid, text, text):
+            elif kind == "set" and command("area", "prop", "set", "--foreign", guid, text, text):
                 self.changes.append(Change("set", guid, text, "", text))
-            elif kind == "delete" and command("area", "delete", guid, "--yes"):
+            elif kind == "delete" and command("area", "delete", guid, "--yes", "--foreign", "--outside"):
                 # What it knew is not told; it held everything that was stored when it began.
                 self.changes.append(Change("delete", guid))
 

@@ -145,6 +145,7 @@ class Judge:
         except (ValueError, KeyError):
             return  # found damaged or missing before
         listed = f'NAME="_{current}_"' in self.state.stores[CATALOGUE]
-        told = f"works in the study area {current}, which is not in the list" in said
+        told = any(f"works in the study area {current}, which is {what}" in said
+                   for what in ("not in the list", "named"))
         if current and not listed and not told:
             self.fault("wrong", f"{current} is in use, not in the catalogue, and nobody says so")

@@ -14,11 +14,10 @@ from doors import Place, part_of
 from hostile_names import COUNT, names
 
 KINDS = ["area", "analysis", "store", "customer", "data"]
-LIST = {"data": ["list", "--all"]}
 
 
 def listed(place, kind):
-    answer = place.run(kind, *LIST.get(kind, ["list"]), "--json")
+    answer = place.run(kind, "list", "--json")
     return [item["name"] for item in getattr(answer, "json", {}).get("items", [])]
 
 
@@ -43,7 +42,7 @@ def state(place, kind):
 def create(place, kind, name):
     """Whether the name was taken, and is found again."""
     before = state(place, kind)
-    if refused(place, before, kind, place.run(kind, "create", "--json", "--", name)):
+    if refused(place, before, kind, place.run(kind, "create", "--force", "--json", "--", name)):
         return False
     text = text_of(name)
     place.require(text in listed(place, kind), "lost", f"{kind} {text!r} is not listed")
@@ -55,12 +54,11 @@ def create(place, kind, name):
 def rename(place, kind, name):
     place.run(kind, "create", "Plain")
     before = state(place, kind)
-    if not refused(place, before, kind, place.run(kind, "rename", "--json", "--", "Plain", name)):
+    if not refused(place, before, kind, place.run(kind, "rename", "--force", "--json", "--", "Plain", name)):
         place.require(text_of(name) in listed(place, kind), "lost", f"{kind} {name!r}: rename is lost")
         back = place.run(kind, "rename", "--", name, "Plain")
         place.require(back.status == 0, "lost", f"not found by its new name: {back}")
-    if kind != "data":
-        place.run(kind, "delete", "--yes", "Plain")
+    place.run(kind, "delete", "--yes", "Plain")
 
 
 def key(place, kind, name):
@@ -75,8 +73,7 @@ def key(place, kind, name):
         got = place.run(kind, group, "get", "--json", "--", "Keyed", words[0])
         value = getattr(got, "json", {}).get("value")
         place.require(value == text_of(words[1]), "lost", f"{words}: {got}")
-    if kind != "data":
-        place.run(kind, "delete", "--yes", "Keyed")
+    place.run(kind, "delete", "--yes", "Keyed")
 
 
 def delete(place, kind, name):
@@ -97,11 +94,9 @@ def main():
             kinds = KINDS if asked.long else [KINDS[index % len(KINDS)]]
             for kind in kinds:
                 place.counts["tried"] += 1
-                taken = create(place, kind, name)
-                if taken and kind != "data":
+                if create(place, kind, name):
                     delete(place, kind, name)
-                if not taken or kind != "data":  # data items stay, and names with them
-                    rename(place, kind, name)
+                rename(place, kind, name)
                 key(place, kind, name)
         return place.end()
 

@@ -87,7 +87,7 @@ COMMANDS = {
     "area list": ["area", "list"],
     "analysis create": ["analysis", "create", "Traffic"],
     "analysis rename": ["analysis", "rename", "Rent", "Rents"],
-    "analysis set": ["analysis", "set", "Rent", "--created", "long ago"],
+    "analysis set": ["analysis", "set", "Rent", "--created", "2026-01-31"],
     "analysis comment": ["analysis", "comment", "Rent", "Within 500 metres"],
     "analysis delete": ["analysis", "delete", "Rent", "--yes"],
     "param set": ["analysis", "param", "set", "Sales", "Radius", "700"],
@@ -318,7 +318,7 @@ class World:
                 outside[path] = content
             elif path == REGISTRY or LITTER.search(path):
                 continue
-            elif path.endswith(".kvdm"):
+            elif path.endswith(".kvdm") and content is not None:  # the folder of that name holds records
                 stores[path] = self.once("project", content, lambda c=content: self.project(c))
             else:
                 moved = TRASH.match(path)

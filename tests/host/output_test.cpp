@@ -13,7 +13,7 @@ using ::testing::internal::GetCapturedStdout;
 
 std::string Printed(const Output& out) {
   CaptureStdout();
-  out.Print();
+  out.Print("kvdm area list");
   return GetCapturedStdout();
 }
 
@@ -45,7 +45,8 @@ TEST(OutputTest, PrintsOneJsonObject) {
   out.Section("rows", {});
 
   EXPECT_EQ(Printed(out),
-            "{\n  \"name\": \"Nörd\",\n  \"count\": 2,\n  \"open\": false,\n  \"none\": null,\n"
+            "{\n  \"schema\": \"kvdm.area.list/1\",\n  \"ok\": true,\n  \"name\": \"Nörd\",\n  "
+            "\"count\": 2,\n  \"open\": false,\n  \"none\": null,\n"
             "  \"rows\": []\n}\n");
 }
 
@@ -54,7 +55,9 @@ TEST(OutputTest, ShowsMessagesAtOnceAndKeepsThem) {
   CaptureStderr();
   out.Message("Trouble");
   EXPECT_EQ(GetCapturedStderr(), "kvdm: Trouble\n");
-  EXPECT_EQ(Printed(out), "{\n  \"messages\": [\n    \"Trouble\"\n  ]\n}\n");
+  EXPECT_EQ(Printed(out),
+            "{\n  \"schema\": \"kvdm.area.list/1\",\n  \"ok\": true,\n  \"messages\": [\n    "
+            "\"Trouble\"\n  ]\n}\n");
 }
 
 TEST(OutputTest, KeepsExpectedMessagesQuiet) {

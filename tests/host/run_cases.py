@@ -35,7 +35,7 @@ HERE = pathlib.Path(__file__).absolute().parent
 
 GUID = re.compile(r"\{[0-9A-F]{8}(?:-[0-9A-F]{4}){3}-[0-9A-F]{12}\}")
 TIMES = re.compile(
-    r"\d{1,2}/\d{1,2}/\d{4} \d{1,2}:\d\d:\d\d [AP]M|\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ"
+    r"\d{1,2}/\d{1,2}/\d{4} \d{1,2}:\d\d:\d\d [AP]M|\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ?"
 )
 REGISTRY = re.compile(
     r"TMP/\.data/kvdm/registry\.db|HKEY_LOCAL_MACHINE(\\\\?)Software\1Velk\1Kelvaro"

@@ -34,11 +34,12 @@ class DeletionPlanTest : public testing::Test {
   [[nodiscard]] DeletionPlan PlanFor(const std::string& folder,
                                      const std::string& guid = "{N}") const {
     const MemoryPlatform platform;
-    return PlanDeletion(*platform.xml_parser,
-                        {"<KVDATACOLLECTION><ANALYSISCOLLECTION>" + metadata_ +
-                             "</ANALYSISCOLLECTION></KVDATACOLLECTION>",
-                         "<STUDYAREACOLLECTION>" + catalogue_ + "</STUDYAREACOLLECTION>"},
-                        place_.Directory(), {"study area", "North", guid, folder});
+    Documents documents;
+    documents[kProjectDocument] = "<KVDATACOLLECTION><ANALYSISCOLLECTION>" + metadata_ +
+                                  "</ANALYSISCOLLECTION></KVDATACOLLECTION>";
+    documents[kCatalogueDocument] = "<STUDYAREACOLLECTION>" + catalogue_ + "</STUDYAREACOLLECTION>";
+    return PlanDeletion(*platform.xml_parser, documents, place_.Directory(),
+                        {"study area", "North", guid, folder});
   }
 
   WorkPlace place_;

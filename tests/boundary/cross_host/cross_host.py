@@ -43,6 +43,7 @@ COMMANDS = [
 GUID = re.compile(r"\{[0-9A-F]{8}(?:-[0-9A-F]{4}){3}-[0-9A-F]{12}\}")
 TIME = re.compile(r"\d{1,2}/\d{1,2}/\d{4} \d{1,2}:\d\d:\d\d [AP]M")
 CHECKSUM = re.compile(r"crc32:[0-9a-f]{8}")
+RECORDER = re.compile(r'"(person|machine)": ".*"')  # of a working directory's record
 
 
 class Host:
@@ -91,6 +92,7 @@ def comparable(text, folder):
         text = text.replace(place, "TMP")
     guids = list(dict.fromkeys(GUID.findall(text)))
     text = GUID.sub(lambda found: f"GUID{guids.index(found.group())}", text)
+    text = RECORDER.sub(r'"\1": "SOMEBODY"', text)
     return CHECKSUM.sub("CHECKSUM", TIME.sub("TIME", text))
 
 

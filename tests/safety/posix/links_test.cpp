@@ -15,8 +15,7 @@ namespace fs = std::filesystem;
 
 DeletionPlan PlanFor(const WorkingDirectory& directory, const std::string& folder) {
   const MemoryPlatform platform;
-  return PlanDeletion(*platform.xml_parser, {"", ""}, directory,
-                      {"study area", "North", "{N}", folder});
+  return PlanDeletion(*platform.xml_parser, {}, directory, {"study area", "North", "{N}", folder});
 }
 
 TEST(LinksTest, FolderThroughALinkIsRefused) {
