@@ -98,7 +98,7 @@ class Place {
                               {"-p", kProject, "data", "create", "Roads"},
                               {"-p", kProject, "area", "create", "North"},
                               {"-p", kProject, "area", "use", "North"},
-                              {"-p", kProject, "analysis", "create", "Sales"},
+                              {"-p", kProject, "analysis", "create", "Sales", "--duplicate"},
                               {"-p", kProject, "store", "create", "Shops"},
                               {"-p", kProject, "customer", "create", "Buyers"}};
     for (const Words& words : commands) Require(Run(words).status == 0);
@@ -199,8 +199,9 @@ bool OwesJson(const Words& words) {
 
 void CheckAnswer(const Words& words, const Answer& answer) {
   constexpr std::array kStatuses = {
-      ExitCode::kDone,     ExitCode::kRefused,      ExitCode::kUsage,     ExitCode::kNotFound,
-      ExitCode::kConflict, ExitCode::kRuntimeError, ExitCode::kUnreadable};
+      ExitCode::kDone,         ExitCode::kRefused,   ExitCode::kUsage,    ExitCode::kNotFound,
+      ExitCode::kConflict,     ExitCode::kUnsafe,    ExitCode::kFindings, ExitCode::kBusy,
+      ExitCode::kRuntimeError, ExitCode::kUnreadable};
   Require(std::ranges::count(kStatuses, static_cast<ExitCode>(answer.status)) == 1);
   if (!words.empty() && OwesJson(words)) Require(ParseJson(answer.out).is_object());
 }
