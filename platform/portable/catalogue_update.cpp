@@ -8,8 +8,8 @@
 #include <set>
 #include <utility>
 
-#include <kvdm/platform/catalogue_update.h>
 #include <kvdm/platform/error.h>
+#include <kvdm/platform/platform.h>
 
 #include "platform/file_names.h"
 #include "platform/xml/document.h"

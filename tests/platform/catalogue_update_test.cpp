@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include <kvdm/platform/catalogue_update.h>
-
 #include "platform/memory/memory_platform.h"
 #include "platform/xml/limits.h"
 #include "platform/xml_parser.h"

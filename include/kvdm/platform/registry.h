@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,8 @@
 #include <kvdm/export.h>
 
 namespace kvdm {
+
+struct Platform;
 
 /// The roots that keys stand under. The component uses the machine's.
 enum class RegistryRoot {
@@ -170,5 +173,13 @@ inline constexpr std::size_t kMostKeptValues = 1000;
 
 /// How many bytes they may have together.
 inline constexpr std::size_t kMostKeptBytes = std::size_t{256} << 20U;
+
+/// The change that leads from the catalogue `base`, as it was read, to `wanted`, for
+/// Registry::Update. Study areas that others changed, added or deleted since stay as they left
+/// them; of one that was changed here and there `wanted` stands, and what was stored is kept. An
+/// empty `wanted` changes nothing. It keeps what it needs of `platform`.
+[[nodiscard]] KVDM_EXPORT std::shared_ptr<TextUpdate> MakeCatalogueUpdate(const Platform& platform,
+                                                                          std::string_view base,
+                                                                          std::string wanted);
 
 }  // namespace kvdm
