@@ -5,6 +5,7 @@
 #include "platform/file_names.h"
 #include "platform/utf8.h"
 #include "platform/xml/xml_text.h"
+#include "safety/history.h"
 #include "safety/result.h"
 #include "studyarea/kv_study_area.h"
 
@@ -127,6 +128,13 @@ void RequireOtherThanInCase(std::string_view name, std::string_view other) {
 void RequireAreaKey(std::string_view what, std::string_view name) {
   RequireKey(what, name);
   RequireOtherThanUnlisted(what, name);
+}
+
+int ListNumber(std::string_view text) {
+  const int number = NumberIn(text).value_or(0);
+  if (number > 0) return number;
+  throw Failure(ExitCode::kUsage,
+                fmt::format("{} is no number of those that are listed. Those count from 1.", text));
 }
 
 }  // namespace kvdm

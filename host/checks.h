@@ -39,4 +39,7 @@ void RequireOtherThanInCase(std::string_view name, std::string_view other);
 // For a name that can be a folder's, and leads to no folder elsewhere.
 void RequireFolderName(std::string_view name);
 
+// The number of a row that a list shows, from 1. Failure kUsage for another text.
+[[nodiscard]] int ListNumber(std::string_view text);
+
 }  // namespace kvdm

@@ -63,7 +63,7 @@ void ProjectCommand::StartChange(std::optional<Session>& session, const std::fil
     session->Record(invocation.words);
   };
   open();
-  if (session->GetRecording().Recover()) open();
+  if (session->GetRecording().Recover(invocation.allowed.outside)) open();
   if (NeedsTenure()) RecordTenure(*session);
   if (!UsesTrash()) session->GetRecording().LeaveTrash();
   BringBackWaitingFolders(*session);

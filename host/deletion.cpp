@@ -6,6 +6,7 @@
 
 #include "host/items.h"
 #include "host/os.h"
+#include "safety/working_directory.h"
 
 namespace kvdm {
 namespace {
@@ -43,9 +44,12 @@ std::string DeleteWithFolder(Session& session, const Deletion& deletion) {
   RequireDeleted(perform());
   session.Save();
   if (in_trash) {
+    const bool is_inside =
+        WorkingDirectory(drives, session.GetPlace().working_directory).Holds(folder);
     return fmt::format(
-        "Deleted the {}. Its folder {} is in the trash: 'kvdm undo' brings both back.", item,
-        folder);
+        "Deleted the {}. Its folder {} is in the trash: 'kvdm undo{}' brings both "
+        "back.",
+        item, folder, is_inside ? "" : " --outside");
   }
   if (!was_there) {
     return fmt::format("Deleted the {}. Its folder {} was not found, so no files were deleted.",

@@ -114,4 +114,15 @@ std::optional<Backups> CatalogueBackups() {
   return Backups(lock->parent_path() / "catalogue.xml");
 }
 
+std::vector<Record> RowsOf(const Backups& backups) {
+  std::vector<Record> rows;
+  for (const int number : backups.Numbers()) {
+    rows.push_back({{"number", std::int64_t{number}},
+                    {"kept", backups.When(number)},
+                    {"bytes", static_cast<std::int64_t>(backups.Read(number).size())},
+                    {"file", os::ToText(backups.FileOf(number))}});
+  }
+  return rows;
+}
+
 }  // namespace kvdm

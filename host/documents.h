@@ -10,6 +10,9 @@
 
 namespace kvdm {
 
+// The states of a file that are kept, for a list.
+[[nodiscard]] std::vector<Record> RowsOf(const Backups& backups);
+
 // A JSON object: the names of what the component calls customer and store layers.
 inline constexpr char kAliasesDocument[] = "aliases";
 

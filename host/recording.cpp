@@ -191,13 +191,14 @@ bool Recording::IsOurs(const ChangeRecord& record) const {
   return same_project && (same_person || !AreInRegistry(record.changes));
 }
 
-bool Recording::Recover() {
+bool Recording::Recover(bool outside) {
   bool changed = false;
   for (const int number : history_.Begun()) {
     const ChangeRecord record = history_.Read(number);
     if (!IsOurs(record)) continue;
-    changed = true;
     try {
+      if (!outside) trash_.RequireInside(record.moves);
+      changed = true;
       Settle(record);
     } catch (const Failure& failure) {
       Output::Tell(fmt::format("kvdm: {} was interrupted and can't be taken back: {}",

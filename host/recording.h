@@ -34,9 +34,10 @@ class Recording {
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
 
-  // Finishes or takes back what commands that were ended left half done, and tells of it. True when
-  // there was any: then stored documents may have changed, and this records nothing more.
-  bool Recover();
+  // Finishes or takes back what commands that were ended left half done, and tells of it: with
+  // `outside` also where that moves folders that are not in the working directory. True when there
+  // was any: then stored documents may have changed, and this records nothing more.
+  bool Recover(bool outside);
 
   // Notes that the folder of an item goes, and moves it into the trash. False when there is no
   // folder of that very name. Failure kUnsafe when it can't be moved.

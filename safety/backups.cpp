@@ -19,10 +19,8 @@ std::vector<int> Backups::Numbers() const {
   for (const auto& other : os::FilesIn(file_.parent_path())) {
     const std::string name = os::ToText(other.filename());
     if (!name.starts_with(start) || !name.ends_with('~')) continue;
-    const std::string digits = name.substr(start.size(), name.size() - start.size() - 1);
-    const bool is_number = !digits.empty() && digits.size() < 10 &&
-                           digits.find_first_not_of("0123456789") == std::string::npos;
-    if (is_number) numbers.push_back(std::stoi(digits));
+    const auto number = NumberIn(name.substr(start.size(), name.size() - start.size() - 1));
+    if (number) numbers.push_back(*number);
   }
   std::ranges::sort(numbers);
   return numbers;

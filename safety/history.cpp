@@ -39,8 +39,14 @@ Json JsonOf(const Move& move) {
           {"back", move.back}};
 }
 
+// The name in the trash is one that leads nowhere else: records may come from anywhere.
 Move MoveIn(const Json& json) {
-  return {json.at("folder"), json.at("trash"), json.at("name"), json.at("guid"), json.at("back")};
+  Move move{json.at("folder"), json.at("trash"), json.at("name"), json.at("guid"), json.at("back")};
+  if (move.name.find_first_of("\\/:") != std::string::npos || move.name == "." ||
+      move.name == "..") {
+    Unreadable("It names a folder outside of the trash.");
+  }
+  return move;
 }
 
 template <class Parts>
@@ -125,6 +131,22 @@ std::string UtcText(std::time_t time) {
 
 std::string NumberName(int number) { return fmt::format("{:06}", number); }
 
+std::optional<int> NumberOfName(std::string_view name) {
+  return name.size() < NumberName(0).size() ? std::nullopt : NumberIn(name);
+}
+
+std::optional<int> NumberIn(std::string_view digits) {
+  const bool is_number = !digits.empty() && digits.size() < 10 &&
+                         digits.find_first_not_of("0123456789") == std::string_view::npos;
+  return is_number ? std::optional(std::stoi(std::string(digits))) : std::nullopt;
+}
+
+std::optional<ChangeRecord> TryRead(const History& history, int number) try {
+  return history.Read(number);
+} catch (const Failure&) {
+  return std::nullopt;
+}
+
 std::vector<int> UndoneIn(const std::vector<ChangeRecord>& records) {
   std::vector<int> undone;
   for (const ChangeRecord& record : records) {
@@ -200,10 +222,8 @@ std::vector<int> FolderHistory::Numbers(const char* suffix) const {
   std::vector<int> numbers;
   if (!os::Exists(records_)) return numbers;
   for (const fs::path& file : os::FilesIn(records_)) {
-    const std::string stem = os::ToText(file.stem());
-    const bool is_number = stem.size() >= NumberName(0).size() && stem.size() < 10 &&
-                           stem.find_first_not_of("0123456789") == std::string::npos;
-    if (is_number && file.extension() == suffix) numbers.push_back(std::stoi(stem));
+    const auto number = NumberOfName(os::ToText(file.stem()));
+    if (number && file.extension() == suffix) numbers.push_back(*number);
   }
   std::ranges::sort(numbers);
   return numbers;

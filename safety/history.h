@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "safety/changes.h"
@@ -110,8 +111,15 @@ class FolderHistory final : public History {
   std::filesystem::path trash_;
 };
 
-// The name of a number in a history: "000012".
+// The name of a number in a history: "000012"; and the number of such a name, nothing for another.
 [[nodiscard]] std::string NumberName(int number);
+[[nodiscard]] std::optional<int> NumberOfName(std::string_view name);
+
+// The number that up to nine digits are; nothing for another text.
+[[nodiscard]] std::optional<int> NumberIn(std::string_view digits);
+
+// A record; nothing for one that is damaged, or that a newer version wrote.
+[[nodiscard]] std::optional<ChangeRecord> TryRead(const History& history, int number);
 
 // The numbers of the changes that others have taken back, by records in any order.
 [[nodiscard]] std::vector<int> UndoneIn(const std::vector<ChangeRecord>& records);

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "safety/result.h"
+#include "safety/working_directory.h"
 
 namespace kvdm {
 namespace {
@@ -28,6 +29,17 @@ std::vector<Move> Trash::Plan(const std::string& folder, const std::string& guid
 void Trash::Perform(const Move& move) const { move.back ? PutBack(move) : Take(move); }
 void Trash::Revert(const Move& move) const { move.back ? Take(move) : PutBack(move); }
 
+void Trash::RequireInside(const std::vector<Move>& moves) const {
+  const WorkingDirectory directory(drives_, working_directory_);
+  for (const Move& move : moves) {
+    if (directory.Holds(move.folder)) continue;
+    throw Failure(ExitCode::kUnsafe,
+                  fmt::format("The folder {} is not in the working directory {}. Add --outside to "
+                              "move it all the same.",
+                              move.folder, working_directory_));
+  }
+}
+
 bool Trash::Has(const Move& move) const {
   return os::FindSameFolder(drives_, PlaceOf(move)).has_value();
 }
@@ -38,9 +50,7 @@ std::vector<int> Trash::Numbers() const {
   std::vector<int> numbers;
   const std::string trash = working_directory_ + kTrash;
   for (const std::string& name : os::FoldersIn(drives_, trash, "")) {
-    const bool is_number = name.size() >= NumberName(0).size() && name.size() < 10 &&
-                           name.find_first_not_of("0123456789") == std::string::npos;
-    if (is_number) numbers.push_back(std::stoi(name));
+    if (const auto number = NumberOfName(name)) numbers.push_back(*number);
   }
   std::ranges::sort(numbers);
   return numbers;

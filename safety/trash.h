@@ -26,6 +26,10 @@ class Trash {
   void Perform(const Move& move) const;
   void Revert(const Move& move) const;
 
+  // Failure kUnsafe when a move is of a folder that is not in the working directory: whoever wrote
+  // a record can name any folder there.
+  void RequireInside(const std::vector<Move>& moves) const;
+
   // Whether the trash has what a move moved away.
   [[nodiscard]] bool Has(const Move& move) const;
   // Whether a place is taken.

@@ -5,7 +5,7 @@
 
 #include <kvdm/platform/document_tree.h>
 
-#include "host/commands/backup_rows.h"
+#include "host/checks.h"
 #include "host/commands/groups.h"
 #include "host/documents.h"
 #include "host/os.h"
@@ -158,7 +158,7 @@ class CatalogueRestore : public CatalogueReplacement {
 
  private:
   [[nodiscard]] std::string NewText() const override {
-    return KeptCatalogues().Read(NumberIn(number_));
+    return KeptCatalogues().Read(ListNumber(number_));
   }
 
   std::string number_;

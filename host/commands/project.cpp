@@ -1,7 +1,7 @@
 // kvdm project: the project file itself.
 #include <fmt/format.h>
 
-#include "host/commands/backup_rows.h"
+#include "host/checks.h"
 #include "host/commands/groups.h"
 #include "host/os.h"
 #include "host/project_file.h"
@@ -78,7 +78,7 @@ class ProjectRestore : public AskingCommand {
   }
 
   [[nodiscard]] std::string Kept(Session& session) const {
-    return Backups(session.File()).Read(NumberIn(number_));
+    return Backups(session.File()).Read(ListNumber(number_));
   }
 
   std::string number_;

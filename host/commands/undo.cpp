@@ -1,28 +1,155 @@
 // kvdm undo, kvdm trash, kvdm log: what changes did, and taking it back.
-#include "host/undo.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <map>
+#include <set>
 
-#include "host/commands/backup_rows.h"
+#include "host/checks.h"
 #include "host/commands/groups.h"
 #include "host/items.h"
 #include "host/os.h"
+#include "util/kvdm_utils.h"
 
 namespace kvdm {
 namespace {
 
-std::string CommandOf(const ChangeRecord& record) {
-  return fmt::format("{}", fmt::join(record.command, " "));
+struct Undone {
+  ChangeRecord record;       // what was taken back
+  std::vector<Record> left;  // what is not as it left it, and so was not touched
+};
+
+using Refused = Changes;
+
+bool HasGuid(const Refused& refused, const std::string& guid) {
+  return !guid.empty() && std::ranges::find(refused, guid, &Change::guid) != refused.end();
 }
 
-std::vector<ChangeRecord> Records(const History& history, const std::vector<int>& numbers) {
-  std::vector<ChangeRecord> records;
-  for (const int number : numbers) records.push_back(history.Read(number));
-  return records;
+// The folders that return, and those of what it made, which go.
+std::vector<Move> MovesBack(const ChangeRecord& record, const Refused& refused,
+                            const Trash& trash) {
+  std::vector<Move> moves;
+  for (Move move : record.moves) {
+    if (HasGuid(refused, move.guid)) continue;
+    move.back = !move.back;
+    if (move.back && !trash.Has(move)) {
+      throw Failure(ExitCode::kNotFound,
+                    fmt::format("{} can't be undone: its folder {} is no longer in the trash.",
+                                NameOf(record), move.folder));
+    }
+    moves.push_back(std::move(move));
+  }
+  for (const Move& made : record.made) {
+    if (HasGuid(refused, made.guid)) continue;
+    std::ranges::move(trash.Plan(made.folder, made.guid), std::back_inserter(moves));
+  }
+  return moves;
+}
+
+// The last change after `record` that changed the same; nothing when it is not known.
+std::optional<ChangeRecord> LastThatChanged(const Change& change, const ChangeRecord& record,
+                                            const History& history) {
+  auto numbers = history.Ended();
+  std::ranges::reverse(numbers);
+  for (const int number : numbers) {
+    if (number <= record.number) break;
+    auto later = TryRead(history, number);
+    const bool did = later && std::ranges::any_of(later->changes, [&](const Change& other) {
+                       return other.document == change.document && other.guid == change.guid &&
+                              (!change.guid.empty() || other.name == change.name);
+                     });
+    if (did) return later;
+  }
+  return std::nullopt;
+}
+
+std::vector<Record> Rows(const Refused& refused, const ChangeRecord& record,
+                         const History& history) {
+  std::vector<Record> rows;
+  for (const Change& change : refused) {
+    const auto later = LastThatChanged(change, record, history);
+    rows.push_back({{"document", change.document},
+                    {"name", UnwrapName(change.name)},
+                    {"guid", change.guid},
+                    {"changed_by", later ? Field(later->person) : Field()},
+                    {"change", later ? Field(std::int64_t{later->number}) : Field()}});
+  }
+  return rows;
+}
+
+bool IsOfThisProject(const ChangeRecord& record, const std::filesystem::path& file) {
+  const auto project = os::ToPath(record.project);
+  return project == file || !os::Exists(project);
+}
+
+ChangeRecord ToUndo(Session& session, int number, const History& history) {
+  const auto ended = history.Ended();
+  if (std::ranges::find(ended, number) == ended.end()) {
+    throw Failure(
+        ExitCode::kNotFound,
+        fmt::format("There is no change {}. 'kvdm log' shows those that there are.", number));
+  }
+  ChangeRecord record = history.Read(number);
+  if (!IsOfThisProject(record, session.File())) {
+    throw Failure(ExitCode::kUnsafe, fmt::format("{} is one of the project {}. Undo it there.",
+                                                 NameOf(record), record.project));
+  }
+  for (const int later : ended) {
+    const auto other = later > number ? TryRead(history, later) : std::nullopt;
+    if (!other || other->undoes != number) continue;
+    throw Failure(ExitCode::kConflict,
+                  fmt::format("{} is undone already, by change {}.", NameOf(record), later));
+  }
+  return record;
+}
+
+// The number of the last change of this person in this project that is not undone. Failure
+// kNotFound when there is none.
+int LastChange(Session& session) {
+  const FolderHistory history = session.GetPlace().GetHistory();
+  const std::string person = os::Person();
+  auto numbers = history.Ended();
+  std::ranges::reverse(numbers);
+  std::set<int> undone;
+  for (const int number : numbers) {
+    const auto record = TryRead(history, number);
+    if (!record) continue;
+    undone.insert(record->undoes);
+    const bool counts = record->undoes == 0 && record->person == person && !undone.contains(number);
+    if (counts && IsOfThisProject(*record, session.File())) return number;
+  }
+  throw Failure(ExitCode::kNotFound, "There is no change of yours left to undo.");
+}
+
+// Takes back a change, as a change of its own. Elements that are no longer as it left them stay as
+// they are, and so do their folders. Failure kNotFound for a number that there is not, kConflict
+// when nothing could be taken back or something is in the place of a folder.
+Undone Undo(Session& session, int number) {
+  const FolderHistory history = session.GetPlace().GetHistory();
+  const Trash trash = session.GetPlace().GetTrash();
+  const ChangeRecord record = ToUndo(session, number, history);
+  const Platform& platform = session.Component().GetServices().platform;
+  const Documents stored =
+      StoredDocuments(session.File(), *platform.registry, AreInRegistry(record.changes));
+  const auto applied = Apply(*platform.xml_parser, stored, Inverse(record.changes));
+  auto left = Rows(applied.refused, record, history);
+  if (!left.empty() && left.size() == record.changes.size()) {
+    throw Failure(ExitCode::kConflict,
+                  fmt::format("{} can't be undone: what it changed was changed again since. Undo "
+                              "the later change first, or change it by hand.",
+                              NameOf(record)),
+                  std::move(left));
+  }
+  const auto moves = MovesBack(record, applied.refused, trash);
+  if (!session.GetAllowed().outside) trash.RequireInside(moves);
+  session.Store(stored, applied.documents, moves, number);
+  return {record, std::move(left)};
+}
+
+std::string CommandOf(const ChangeRecord& record) {
+  return fmt::format("{}", fmt::join(record.command, " "));
 }
 
 void Report(const Undone& undone, Output& out) {
@@ -40,7 +167,7 @@ class UndoCommand : public ChangingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    const int number = number_ ? NumberIn(*number_) : LastChange(session);
+    const int number = number_ ? ListNumber(*number_) : LastChange(session);
     Report(Undo(session, number), out);
   }
   [[nodiscard]] bool ChangesRegistry() const override { return true; }
@@ -55,26 +182,26 @@ class HistoryLog : public ReadingCommand {
  private:
   void Run(Session& session, Output& out) override {
     const FolderHistory history = session.GetPlace().GetHistory();
-    const auto ended = Records(history, history.Ended());
-    const auto undone = UndoneIn(ended);
-    std::vector<Record> rows;
-    for (const ChangeRecord& record : ended) {
-      const bool is_undone = std::ranges::find(undone, record.number) != undone.end();
-      rows.push_back(RowOf(record, is_undone ? "undone" : "done"));
+    std::map<int, std::string> states;
+    for (const int number : history.Ended()) states[number] = "done";
+    for (const int number : history.Begun()) states[number] = "unfinished";
+    std::map<int, std::optional<ChangeRecord>> records;
+    for (auto& [number, state] : states) {
+      const auto& record = records[number] = TryRead(history, number);
+      if (!record) state = "unreadable";
+      if (record && record->undoes != 0) states[record->undoes] = "undone";
     }
-    for (const ChangeRecord& record : Records(history, history.Begun())) {
-      rows.push_back(RowOf(record, "unfinished"));
+    std::vector<Record> rows;
+    for (const auto& [number, record] : records) {
+      rows.push_back(RowOf(number, record.value_or(ChangeRecord()), states[number]));
     }
     out.Items(std::move(rows), "Nothing was changed yet.");
   }
 
-  static Record RowOf(const ChangeRecord& record, const char* state) {
-    return {{"number", std::int64_t{record.number}},
-            {"when", record.when},
-            {"person", record.person},
-            {"machine", record.machine},
-            {"state", std::string(state)},
-            {"command", CommandOf(record)}};
+  static Record RowOf(int number, const ChangeRecord& record, const std::string& state) {
+    return {
+        {"number", std::int64_t{number}}, {"when", record.when}, {"person", record.person},
+        {"machine", record.machine},      {"state", state},      {"command", CommandOf(record)}};
   }
 };
 
@@ -84,8 +211,9 @@ std::vector<ChangeRecord> Trashed(const Place& place) {
   const FolderHistory history = place.GetHistory();
   const auto ended = history.Ended();
   for (const int number : place.GetTrash().Numbers()) {
-    const bool is_known = std::ranges::find(ended, number) != ended.end();
-    if (is_known) records.push_back(history.Read(number));
+    const bool has_ended = std::ranges::find(ended, number) != ended.end();
+    auto record = has_ended ? TryRead(history, number) : std::nullopt;
+    if (record) records.push_back(*std::move(record));
   }
   return records;
 }
@@ -120,7 +248,7 @@ class TrashRestore : public ChangingCommand {
 
  private:
   void Run(Session& session, Output& out) override {
-    const int number = NumberIn(id_);
+    const int number = ListNumber(id_);
     const auto trashed = Trashed(session.GetPlace());
     if (std::ranges::find(trashed, number, &ChangeRecord::number) == trashed.end()) {
       throw Failure(ExitCode::kNotFound,
@@ -138,10 +266,7 @@ class TrashRestore : public ChangingCommand {
 // The age "30d" in days. Failure kUsage for another text.
 int DaysIn(const std::string& text) {
   if (text.ends_with('d') && text.size() < 7) {
-    const std::string digits = text.substr(0, text.size() - 1);
-    const bool is_number =
-        !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos;
-    if (is_number) return std::stoi(digits);
+    if (const auto days = NumberIn(std::string_view(text).substr(0, text.size() - 1))) return *days;
   }
   throw Failure(ExitCode::kUsage,
                 fmt::format("{} is no number of days. One looks like 30d.", text));
