@@ -143,7 +143,8 @@ std::optional<int> NumberIn(std::string_view digits) {
 
 std::optional<ChangeRecord> TryRead(const History& history, int number) try {
   return history.Read(number);
-} catch (const Failure&) {
+} catch (const Failure& failure) {
+  if (failure.code() != ExitCode::kUnreadable) throw;
   return std::nullopt;
 }
 
@@ -183,9 +184,8 @@ ChangeRecord FolderHistory::Read(int number) const {
                   fmt::format("The record {} in the history can't be used. {}", os::ToText(file),
                               failure.what()));
   } catch (const std::system_error& error) {
-    throw Failure(ExitCode::kUnreadable,
-                  fmt::format("The record {} in the history can't be read: {}.", os::ToText(file),
-                              error.code().message()));
+    throw Failure(ExitCode::kRefused, fmt::format("The record {} in the history can't be read: {}.",
+                                                  os::ToText(file), error.code().message()));
   }
 }
 

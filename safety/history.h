@@ -55,7 +55,7 @@ struct ChangeRecord {
 [[nodiscard]] ChangeRecord RecordIn(const Json& json);
 
 // Where records are kept. Whoever changes anything holds its lock. Failures are kRefused when it
-// can't be written, kUnreadable when a record can't be read.
+// can't be written or read, kUnreadable when a record is damaged or of a newer version.
 class History {
  public:
   History() = default;
@@ -118,7 +118,8 @@ class FolderHistory final : public History {
 // The number that up to nine digits are; nothing for another text.
 [[nodiscard]] std::optional<int> NumberIn(std::string_view digits);
 
-// A record; nothing for one that is damaged, or that a newer version wrote.
+// A record; nothing for one that is damaged or of a newer version. Whether one is can't be told
+// when it can't be read: then this fails.
 [[nodiscard]] std::optional<ChangeRecord> TryRead(const History& history, int number);
 
 // The numbers of the changes that others have taken back, by records in any order.
