@@ -2,20 +2,10 @@
 
 #include <kvdm/platform/error.h>
 
+#include "safety/paths.h"
+
 namespace kvdm {
 namespace {
-
-// A path with one "\" between names and none at its end.
-std::string Plain(std::string_view path) {
-  std::string plain;
-  for (const char character : path) {
-    const bool separates = character == '\\' || character == '/';
-    if (separates && plain.ends_with('\\')) continue;
-    plain += separates ? '\\' : character;
-  }
-  if (plain.ends_with('\\')) plain.pop_back();
-  return plain;
-}
 
 // Remembers for each folder on the way what would have been deleted in it.
 class ReadOnlyDirectory : public Directory {
@@ -57,17 +47,17 @@ void ReadOnlyFiles::AllowChanges() {
 }
 
 bool ReadOnlyFiles::FolderExists(std::string_view path) {
-  return made_.contains(Plain(path)) || files_->FolderExists(path);
+  return made_.contains(paths::Plain(path)) || files_->FolderExists(path);
 }
 
 void ReadOnlyFiles::CreateFolder(std::string_view path) {
   if (changes_) return files_->CreateFolder(path);
   if (FolderExists(path)) throw RuntimeError(kFileExists);
-  made_.insert(Plain(path));
+  made_.insert(paths::Plain(path));
 }
 
 std::string ReadOnlyFiles::FullPath(std::string_view path) {
-  std::string plain = Plain(path);
+  std::string plain = paths::Plain(path);
   return made_.contains(plain) ? plain : files_->FullPath(path);
 }
 

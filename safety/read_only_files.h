@@ -35,6 +35,12 @@ class ReadOnlyFiles : public FileSystem {
     return files_->ReadFile(path);
   }
   void WriteFile(std::string_view path, std::string_view bytes) override;
+  std::string FreeFolderName(std::string_view parent, std::string_view name) override {
+    return files_->FreeFolderName(parent, name);
+  }
+  std::string FreeFileName(std::string_view folder, std::string_view name) override {
+    return files_->FreeFileName(folder, name);
+  }
 
  private:
   std::shared_ptr<FileSystem> files_;
