@@ -61,7 +61,8 @@ Finding& Findings::Add(const Survey& survey, std::size_t index, std::string_view
 const std::vector<const Rule*>& Rules() {
   static const std::vector<const Rule*> rules = [] {
     std::vector<const Rule*> all;
-    for (const auto group : {DocumentRules(), PathRules()}) {
+    for (const auto group : {DocumentRules(), IdentityRules(), DiskRules(), PathRules(),
+                             ProjectRules(), MetadataRules()}) {
       for (const Rule& rule : group) all.push_back(&rule);
     }
     return all;
