@@ -49,6 +49,11 @@ void Arguments::Flag(const std::string& name, bool& value, const std::string& he
   app_->add_flag(name, value, help);
 }
 
+void Arguments::List(const std::string& name, std::vector<std::string>& values,
+                     const std::string& help) {
+  app_->add_option(name, values, help)->option_text("...");
+}
+
 const CLI::App& Arguments::Root() const {
   const CLI::App* root = app_;
   while (root->get_parent() != nullptr) root = root->get_parent();

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "host/checks.h"
 #include "host/command.h"
@@ -31,6 +32,8 @@ class Arguments {
   void Optional(const std::string& name, std::optional<std::string>& value, const std::string& help,
                 ArgumentCheck check = nullptr);
   void Flag(const std::string& name, bool& value, const std::string& help);
+  // Any number of texts, none too.
+  void List(const std::string& name, std::vector<std::string>& values, const std::string& help);
 
   // The whole command line, for commands that describe it.
   [[nodiscard]] const CLI::App& Root() const;

@@ -116,7 +116,7 @@ int RunCommand(const CommandGroup::Chosen& chosen, const Invocation& invocation)
   try {
     chosen.command->Execute(invocation);
     invocation.out.Print(chosen.path);
-    return static_cast<int>(ExitCode::kDone);
+    return static_cast<int>(invocation.out.Status());
   } catch (const Failure& failure) {
     return invocation.out.PrintFailure(chosen.path, failure);
   } catch (const std::system_error& error) {

@@ -121,6 +121,13 @@ void Output::Text(Record fields, std::string_view text) {
   if (!text_.empty() && text_.back() != '\n') text_ += '\n';
 }
 
+void Output::Lines(Record fields, std::string_view name, std::vector<Record> rows,
+                   std::string_view lines) {
+  Text(std::move(fields), lines);
+  list_name_ = name;
+  list_ = std::move(rows);
+}
+
 void Output::Message(std::string_view text) {
   if (quiet_) {
     Note(text);

@@ -34,6 +34,9 @@ class Output {
   void Section(std::string_view name, std::vector<Record> rows);
   // Work done. JSON: the fields. People get the sentence.
   void Done(Record fields, std::string_view sentence);
+  // Lines for people. JSON: the fields, and "name": [...].
+  void Lines(Record fields, std::string_view name, std::vector<Record> rows,
+             std::string_view lines);
   // A bare value. JSON: the fields. People get the text alone.
   void Text(Record fields, std::string_view text);
 
@@ -58,6 +61,10 @@ class Output {
     return noted_.empty() ? "" : ": " + noted_;
   }
   static void Tell(std::string_view text);
+
+  // The exit status of a command that ends with a result.
+  void EndWith(ExitCode status) { status_ = status; }
+  [[nodiscard]] ExitCode Status() const { return status_; }
 
   [[nodiscard]] const std::vector<std::string>& Messages() const { return messages_; }
 
@@ -93,6 +100,7 @@ class Output {
   std::string noted_;
   std::optional<os::Drives> drives_;
   bool quiet_ = false;
+  ExitCode status_ = ExitCode::kDone;
 };
 
 }  // namespace kvdm

@@ -15,9 +15,9 @@ namespace fs = std::filesystem;
 constexpr char kProjectGuidProperty[] = "Project GUID";
 constexpr char kFolderBeside[] = "KVData";
 
-std::string WorkingDirectorySetting(const Project& project) {
-  const auto found = project.settings.find(kWorkingDirectorySetting);
-  const bool is_set = found != project.settings.end() && found->second.IsText();
+std::string TextIn(const PropertySetMap::Properties& properties, const char* name) {
+  const auto found = properties.find(name);
+  const bool is_set = found != properties.end() && found->second.IsText();
   return is_set ? ToText(found->second) : "";
 }
 
@@ -35,8 +35,7 @@ std::optional<fs::path> FolderBeside(const fs::path& working_directory, const Ho
 bool WorksIn(const fs::path& project_file, const fs::path& working_directory) {
   return guard::Quiet(nullptr, [&] {
     const Project project = ReadProjectFile(project_file);
-    const WorkingDirectory its(project.drives, WorkingDirectorySetting(project));
-    return os::AreSame(its.Place(), working_directory);
+    return os::AreSame(DirectoryOf(project).Place(), working_directory);
   });
 }
 
@@ -87,9 +86,14 @@ void RecordCurrentArea(Session& session) {
 
 }  // namespace
 
-WorkingDirectory DirectoryOf(Session& session) {
-  const Project& project = session.GetProject();
-  return {project.drives, WorkingDirectorySetting(project)};
+WorkingDirectory DirectoryOf(const Project& project) {
+  return {project.drives, TextIn(project.settings, kWorkingDirectorySetting)};
+}
+
+WorkingDirectory DirectoryOf(Session& session) { return DirectoryOf(session.GetProject()); }
+
+Holder HolderOf(const fs::path& file, const Project& project) {
+  return {file, TextIn(project.state, kProjectGuidProperty)};
 }
 
 Holder HolderOf(Session& session) {
@@ -97,8 +101,10 @@ Holder HolderOf(Session& session) {
 }
 
 std::string TenureProblem(Session& session) {
-  const WorkingDirectory directory = DirectoryOf(session);
-  const Holder holder = HolderOf(session);
+  return TenureProblem(DirectoryOf(session), HolderOf(session));
+}
+
+std::string TenureProblem(const WorkingDirectory& directory, const Holder& holder) {
   const auto owner = ReadOwner(directory.Place());
   const Tenure tenure = TenureOf(directory.Place(), owner, holder);
   if (tenure == Tenure::kOwn || tenure == Tenure::kShared) return "";

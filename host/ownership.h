@@ -11,14 +11,17 @@
 namespace kvdm {
 
 // The working directory of the project's settings.
+[[nodiscard]] WorkingDirectory DirectoryOf(const Project& project);
 [[nodiscard]] WorkingDirectory DirectoryOf(Session& session);
 
 // The project as records know it.
+[[nodiscard]] Holder HolderOf(const std::filesystem::path& file, const Project& project);
 [[nodiscard]] Holder HolderOf(Session& session);
 
 // What speaks against changing anything: the working directory belongs to another project, or lies
 // elsewhere although one lies beside the project file, as with a copy. A sentence with the ways
 // out; "" when nothing does. Failure kUnreadable for a record that can't be read.
+[[nodiscard]] std::string TenureProblem(const WorkingDirectory& directory, const Holder& holder);
 [[nodiscard]] std::string TenureProblem(Session& session);
 
 // Tells that problem, or that it can't be told.

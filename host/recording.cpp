@@ -147,6 +147,7 @@ void Recording::Store(const Documents& stored, const Documents& wanted,
   const Platform& platform = place_.services->platform;
   record_.changes = ChangesBetween(*platform.xml_parser, stored, wanted);
   record_.moves = moves;
+  for (const std::string& folder : made_) record_.made.push_back({folder, 0, "", ""});
   record_.undoes = undoes;
   record_.is_complete = true;
   place_.services->registry->SetNote(nullptr);

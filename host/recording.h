@@ -45,7 +45,7 @@ class Recording {
   // Folders are deleted for ever: they are not moved away.
   void LeaveTrash() { uses_trash_ = false; }
   [[nodiscard]] bool UsesTrash() const { return uses_trash_; }
-  // Notes folders that were made; those of new items count.
+  // Notes folders that were made; those of new items count, and with Store all.
   void Made(std::string_view folder) { made_.emplace_back(folder); }
   // Notes how a project is about to change, with all that was noted before.
   void NoteProject(const Project& before, const Project& after);

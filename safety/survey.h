@@ -29,6 +29,8 @@ struct Subject {
   std::string place = {};
   // The other project that the working directory belongs to; "" for none.
   std::string other_owner = {};
+  // Why it can't be told whose the working directory is; "" when it can.
+  std::string owner_problem = {};
 
   std::string registry = {};         // where the catalogue is, for people
   bool has_catalogue = true;         // whether it could be read

@@ -27,6 +27,8 @@ void AddProjectCommands(const CommandGroup& root);
 void AddHistoryCommands(const CommandGroup& root);
 // One of those below 'kvdm project'.
 void AddProjectShare(const CommandGroup& project);
+void AddCheckCommand(const CommandGroup& root);
+void AddDoctorCommand(const CommandGroup& root);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 
@@ -35,10 +37,11 @@ void AddSystemCommands(const CommandGroup& root);
 
 // In the order of the help text.
 inline constexpr auto kCommandGroups = {
-    &AddInitCommand,       &AddStatusCommand,    &AddAreaCommands,   &AddAnalysisCommands,
-    &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,   &AddTableCommands,
-    &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,   &AddRegistryCommands,
-    &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,   &AddProjectCommands,
-    &AddHistoryCommands,   &AddGenerateCommands, &AddVersionCommand, &AddSystemCommands};
+    &AddInitCommand,       &AddStatusCommand,    &AddAreaCommands,    &AddAnalysisCommands,
+    &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,    &AddTableCommands,
+    &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
+    &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,    &AddProjectCommands,
+    &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands, &AddGenerateCommands,
+    &AddVersionCommand,    &AddSystemCommands};
 
 }  // namespace kvdm

@@ -82,7 +82,16 @@ void FindSharedDirectory(const Survey& survey, Findings& findings) {
       .Add(fmt::format("The working directory {} belongs to the project {}.",
                        survey.WorkingDirectory(), owner))
       .At(survey.WorkingDirectory())
-      .By("project share");
+      .By(fmt::format("project share -p {}", paths::Quoted(owner)));
+}
+
+void FindUnreadableOwner(const Survey& survey, Findings& findings) {
+  const std::string& problem = survey.About().owner_problem;
+  if (problem.empty()) return;
+  findings
+      .Add(fmt::format("Whose the working directory {} is can't be told: {}",
+                       survey.WorkingDirectory(), problem))
+      .At(survey.WorkingDirectory());
 }
 
 void FindMissingParts(const Survey& survey, Findings& findings) {
@@ -158,6 +167,8 @@ constexpr Rule kProjectRules[] = {
      false, &FindDirectoryElsewhere},
     {"workdir.shared", kError, "the working directory belongs to another project", "", false,
      &FindSharedDirectory},
+    {"workdir.owner-unreadable", kError,
+     "the record of the working directory's owner can't be read", "", false, &FindUnreadableOwner},
     {"workdir.missing-folders", kWarning, "the working directory lacks folders", "makes them", true,
      &FindMissingParts, &MakePart},
     {"current-area.dangling", kError, "the open study area is not in the list",

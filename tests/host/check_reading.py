@@ -78,6 +78,7 @@ ARGUMENTS = {
     "registry store create": ["Stores"],
     "registry store delete": ["Stores"],
     "alias set": ["customer", "Client"],
+    "doctor": ["--all-safe"],
     "path split": ["Z:\\maps\\a.shp"],
 }
 
