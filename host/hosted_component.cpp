@@ -183,8 +183,9 @@ std::string HostedComponent::CatalogueProblem() const {
     return problem + " It can be neither shown nor changed. Put a copy from a backup in its place.";
   }
   return problem +
-         " The next change keeps its text in the history of the registry and starts a new list: "
-         "'kvdm project save' does that.";
+         " 'kvdm doctor --fix catalogue.unparsable' puts the newest good one that was kept in its "
+         "place, 'kvdm project save' starts a new one; its text stays in the history of the "
+         "registry.";
 }
 
 void HostedComponent::RequireRegistryForStudyArea() {

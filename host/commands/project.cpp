@@ -15,7 +15,13 @@ namespace fs = std::filesystem;
 class ProjectSave : public ChangingCommand {
   [[nodiscard]] bool ChangesRegistry() const override { return true; }
   void Run(Session& session, Output& out) override {
+    const bool starts_new_list = !session.Component().CatalogueProblem().empty();
     const bool written = session.Save();
+    if (starts_new_list && session.Component().CatalogueProblem().empty()) {
+      Output::Tell(
+          "kvdm: Started a new list of study areas. The damaged one is in the history of "
+          "the registry.");
+    }
     const std::string file = os::ToText(session.File());
     out.Done(
         {{"project", file}, {"written", written}},
