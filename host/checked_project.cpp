@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "host/items.h"
@@ -14,6 +16,8 @@
 
 namespace kvdm {
 namespace {
+
+constexpr bool kMarksFolders = std::filesystem::path::preferred_separator == '/';
 
 // What a project file holds, or why it can't be read.
 struct ReadAttempt {
@@ -48,6 +52,12 @@ CheckedProject::CheckedProject(std::filesystem::path file, Access access, Output
   subject_.platform = services_.platform;
   subject_.place = os::ComponentPath(file_.parent_path());
   subject_.registry = RegistryPlace();
+  subject_.is_read_only = [drives = project_.drives](const std::string& path) {
+    const auto place = os::NativePlace(drives, path);
+    // A folder that is marked so on Windows can be written all the same.
+    const bool counts = place && (kMarksFolders || !std::filesystem::is_directory(*place));
+    return counts && os::IsReadOnly(*place);
+  };
   ReadProject();
   ReadCatalogue();
   ReadOwnership();
@@ -67,6 +77,8 @@ void CheckedProject::ReadCatalogue() {
   try {
     const auto stored = registry.Read(root, kRegistryKey, kStudyAreaCollectionValue);
     if (stored) subject_.stored.catalogue = UpToNul(stored->data);
+    const auto presets = registry.Read(root, kRegistryKey, kPresetDataDirectoryValue);
+    if (presets) subject_.preset_folder = UpToNul(presets->data);
     subject_.kept = registry.Kept(root, kRegistryKey, kStudyAreaCollectionValue);
   } catch (const RuntimeError&) {
     subject_.has_catalogue = false;  // The condition says why.
@@ -120,7 +132,11 @@ void CheckedProject::Store(const Repair& repair, const std::vector<std::string>&
   Recording recording(GetPlace(), command);
   MakeFolders(services_.platform, repair);
   for (const std::string& folder : repair.folders) recording.Made(folder);
-  recording.Store(DocumentsIn(subject_.stored), DocumentsIn(repair.wanted), {});
+  std::vector<Move> moves;
+  for (const std::string& folder : repair.trashed) {
+    std::ranges::move(GetPlace().GetTrash().Plan(folder, ""), std::back_inserter(moves));
+  }
+  recording.Store(DocumentsIn(subject_.stored), DocumentsIn(repair.wanted), moves);
   ChangeIdentities(services_.platform, repair);
 }
 

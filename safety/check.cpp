@@ -61,8 +61,9 @@ Finding& Findings::Add(const Survey& survey, std::size_t index, std::string_view
 const std::vector<const Rule*>& Rules() {
   static const std::vector<const Rule*> rules = [] {
     std::vector<const Rule*> all;
-    for (const auto group : {DocumentRules(), IdentityRules(), DiskRules(), PathRules(),
-                             ProjectRules(), MetadataRules()}) {
+    for (const auto group :
+         {DocumentRules(), IdentityRules(), NameRules(), DiskRules(), FolderRules(), PathRules(),
+          PathFormRules(), ProjectRules(), MetadataRules(), ValueRules()}) {
       for (const Rule& rule : group) all.push_back(&rule);
     }
     return all;
@@ -128,6 +129,7 @@ void MakeFolders(const Platform& platform, const Repair& repair) {
       }
     }
   }
+  for (const std::string& folder : repair.hidden) platform.files->HideFolder(folder);
 }
 
 void ChangeIdentities(const Platform& platform, const Repair& repair) {

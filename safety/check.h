@@ -46,6 +46,8 @@ struct Repair {
   std::vector<std::string> steps = {};
   Holdings wanted = {};
   std::vector<std::string> folders = {};  // to be made, by full paths
+  std::vector<std::string> hidden = {};   // folders to be hidden
+  std::vector<std::string> trashed = {};  // folders that go to the trash
   // Layer files whose metadata get another GUID.
   std::vector<std::pair<std::string, std::string>> identities = {};
 };
@@ -92,8 +94,8 @@ struct Rule {
 // nothing.
 [[nodiscard]] Repair PlanRepair(const Subject& subject, const Rule& rule, bool only_safe);
 
-// Makes the folders of a repair, and changes the metadata of layers. What holds the documents is
-// stored by whoever has it.
+// Makes and hides the folders of a repair, and changes the metadata of layers. What holds the
+// documents is stored, and the trash filled, by whoever has them.
 void MakeFolders(const Platform& platform, const Repair& repair);
 void ChangeIdentities(const Platform& platform, const Repair& repair);
 

@@ -48,6 +48,22 @@ std::string TextAt(NamedValueSet& metadata, const char* path) {
   return values.empty() || values.front().IsNull() ? "" : ToText(values.front());
 }
 
+std::set<std::string> ParametersIn(NamedValueSet& metadata) {
+  constexpr std::string_view kParameters = "Velk/Kelvaro8/AnalysisParams/";
+  std::set<std::string> parameters;
+  for (const std::string& path : metadata.ListAll().names) {
+    if (path.starts_with(kParameters)) parameters.insert(path.substr(kParameters.size()));
+  }
+  return parameters;
+}
+
+// Whether a side-car holds a document of another kind.
+bool IsForeign(const Platform& platform, const std::string& sidecar) {
+  const auto text = platform.files->ReadFile(sidecar);
+  const auto tree = text ? ReadDocumentTree(*platform.xml_parser, *text) : std::nullopt;
+  return tree && tree->Root() != nullptr && tree->Root()->name != "LAYERMETADATA";
+}
+
 bool MayHaveMetadata(const DiskView& disk, const std::string& file) {
   const std::string base(paths::WithoutExtension(paths::LastName(file)));
   return disk.HasFile(file + ".xml") || disk.HasFile(file + ".kvdm.xml") ||
@@ -140,12 +156,20 @@ const LayerDescription& Survey::DescriptionOf(const std::string& file) const {
   LayerDescription& description = found->second;
   if (!is_new || file.empty() || !MayHaveMetadata(disk_, file)) return description;
   try {
+    description.is_foreign = IsForeign(subject_.platform, file + ".xml");
     const auto metadata = MakeSidecarMetadata(subject_.platform, file)->ReadDocument();
-    description = {true, "", TextAt(*metadata, kTypePath), TextAt(*metadata, kNamePath),
-                   TextAt(*metadata, kGuidPath)};
+    description = {true,
+                   description.is_foreign,
+                   "",
+                   TextAt(*metadata, kTypePath),
+                   TextAt(*metadata, kNamePath),
+                   TextAt(*metadata, kGuidPath),
+                   ParametersIn(*metadata)};
   } catch (const RuntimeError& error) {
     const bool has_none = error.number() == kFileNotFound;
-    if (!has_none) description = {.is_there = true, .problem = error.what()};
+    if (has_none) return description;
+    description.is_there = true;
+    description.problem = error.what();
   }
   return description;
 }

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +33,13 @@ struct Subject {
   std::string other_owner = {};
   // Why it can't be told whose the working directory is; "" when it can.
   std::string owner_problem = {};
+
+  // What an embedding host has of the holdings and may not have stored yet.
+  std::optional<Holdings> held = {};
+  // Whether nobody may write a file or folder, by the component's path; unset where that is
+  // unknown.
+  std::function<bool(const std::string& path)> is_read_only = {};
+  std::string preset_folder = {};  // where the preset data are; "" for nowhere
 
   std::string registry = {};         // where the catalogue is, for people
   bool has_catalogue = true;         // whether it could be read
@@ -74,10 +83,12 @@ struct SurveyItem {
 // The metadata of a layer, as far as they tell whose they are.
 struct LayerDescription {
   bool is_there = false;
+  bool is_foreign = false;   // whether those of another program stand in their place
   std::string problem = {};  // why they can't be read
   std::string type = {};
   std::string name = {};
   std::string guid = {};
+  std::set<std::string> parameters = {};
 };
 
 // The items of a subject. Their elements may be changed; then Wanted has the changes.

@@ -111,6 +111,11 @@ void FindOrphans(const Survey& survey, Findings& findings) {
   }
 }
 
+void TrashFolder(Survey& /*survey*/, const Finding& finding, Repair& repair) {
+  repair.steps.push_back(fmt::format("the folder {}: goes to the trash", finding.path));
+  repair.trashed.push_back(finding.path);
+}
+
 void FindLostAnalyses(const Survey& survey, Findings& findings) {
   if (!survey.HasWorkingDirectory()) return;
   const auto folders = FoldersOfItems(survey);
@@ -224,7 +229,8 @@ constexpr Rule kDiskRules[] = {
     {"folder.missing", kError, "the folder of a study area or analysis is not there",
      "finds it beside its place by the identifier in its layer's metadata, else makes it", false,
      &FindMissingFolders, &FindOrMakeFolder},
-    {"folder.orphan", kWarning, "a folder of no study area or analysis", "", false, &FindOrphans},
+    {"folder.orphan", kWarning, "a folder of no study area or analysis",
+     "moves it to the trash, for those that are not adopted", false, &FindOrphans, &TrashFolder},
     {"layerfile.missing", kError, "a layer file is not there; a note in the first day",
      "finds it in its folder by the identifier in its metadata", false, &FindMissingFiles,
      &FindFile},

@@ -228,6 +228,36 @@ void ReplaceIllegalCharacters(Survey& /*survey*/, const Finding& finding, Repair
   for (const Illegal& place : places) text.replace(place.place, place.length, kReplacement);
 }
 
+// What another program stored since an embedding host read it, and what that has not stored yet.
+void FindStaleCatalogue(const Survey& survey, Findings& findings) {
+  const Subject& subject = survey.About();
+  const bool is_stale =
+      subject.held && subject.has_catalogue && subject.held->catalogue != subject.stored.catalogue;
+  if (!is_stale) return;
+  findings.Add(
+      "The list of study areas is not as it was read: another program changed it, or it is not "
+      "saved. A save keeps what both changed.");
+}
+
+void FindUnsavedProject(const Survey& survey, Findings& findings) {
+  const Subject& subject = survey.About();
+  if (!subject.held || subject.held->metadata == subject.stored.metadata) return;
+  findings.Add("The metadata document has changes that are not saved.").By("project save");
+}
+
+void FindUnlistedData(const Survey& survey, Findings& findings) {
+  const auto* collection = survey.Metadata() ? survey.Metadata()->Child("DATACOLLECTION") : nullptr;
+  if (collection == nullptr) return;
+  const auto count = std::ranges::count_if(
+      collection->children, [](const DocumentNode& child) { return child.name == "DATAITEM"; });
+  if (count == 0) return;
+  findings
+      .Add(fmt::format("Data items, in number {}, stand where programs that embed the component do "
+                       "not list them.",
+                       count))
+      .By("data list");
+}
+
 void FindUnknown(const DocumentNode& collection, std::string_view tag, Findings& findings) {
   for (const DocumentNode& child : collection.children) {
     const bool is_known = child.kind != DocumentNode::Kind::kElement || child.name == tag ||
@@ -277,6 +307,12 @@ constexpr Rule kDocumentRules[] = {
      "the state before the last change", false, &FindUnparsableProject, &RestoreProject},
     {"project.missing-collection", kInformation, "the metadata document lacks a collection",
      "adds it", true, &FindMissingCollection, &AddCollection},
+    {"catalogue.stale", kWarning, "the list of study areas is not as a program read it", "", false,
+     &FindStaleCatalogue},
+    {"project.unsaved", kInformation, "changes that a program has not saved", "", false,
+     &FindUnsavedProject},
+    {"data.unlisted", kInformation, "data items that the component's lists leave out", "", false,
+     &FindUnlistedData},
     {"element.unknown", kWarning, "an element that nothing knows", "", false,
      &FindUnknownElements}};
 

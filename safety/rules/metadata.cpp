@@ -1,6 +1,8 @@
 // Rules of layers' metadata: whether they are there, and describe the item.
 #include <fmt/format.h>
 
+#include <set>
+
 #include "safety/paths.h"
 #include "safety/rules/rules.h"
 
@@ -33,10 +35,34 @@ void FindMissingMetadata(const Survey& survey, Findings& findings) {
 
 void FindUnreadableMetadata(const Survey& survey, Findings& findings) {
   ForEachLayer(survey, [&](std::size_t i, const SurveyItem& item, const LayerDescription& said) {
-    if (said.problem.empty()) return;
+    if (said.problem.empty() || said.is_foreign) return;
     findings.Add(survey, i, fmt::format("has metadata that can't be read: {}.", said.problem))
         .At(item.file)
         .By(ExportOf(item));
+  });
+}
+
+void FindForeignMetadata(const Survey& survey, Findings& findings) {
+  ForEachLayer(survey, [&](std::size_t i, const SurveyItem& item, const LayerDescription& said) {
+    if (!said.is_foreign) return;
+    findings
+        .Add(survey, i, fmt::format("has the metadata of another program in {}.xml.", item.file))
+        .At(item.file + ".xml")
+        .By(said.problem.empty() ? "" : ExportOf(item));
+  });
+}
+
+void FindStaleParameters(const Survey& survey, Findings& findings) {
+  ForEachLayer(survey, [&](std::size_t i, const SurveyItem& item, const LayerDescription& said) {
+    std::set<std::string> stale = said.parameters;
+    for (const DocumentNode& child : item.element->children) stale.erase(child.Attribute("NAME"));
+    if (item.kind->tag != "ANALYSIS" || stale.empty()) return;
+    findings
+        .Add(survey, i,
+             fmt::format("has metadata with parameters that it no longer has: {}. An import would "
+                         "bring them back.",
+                         fmt::join(stale, ", ")))
+        .At(item.file);
   });
 }
 
@@ -78,6 +104,10 @@ constexpr Rule kMetadataRules[] = {
     {"metadata.missing", kWarning, "a layer without metadata", "", false, &FindMissingMetadata},
     {"metadata.unreadable", kError, "metadata of a layer that can't be read", "", false,
      &FindUnreadableMetadata},
+    {"metadata.foreign", kWarning, "metadata of another program in the place of ours", "", false,
+     &FindForeignMetadata},
+    {"metadata.stale-parameter", kWarning, "metadata with parameters that the analysis has not", "",
+     false, &FindStaleParameters},
     {"metadata.type-mismatch", kError, "metadata of another kind of layer", "", false,
      &FindOtherType},
     {"metadata.guid-mismatch", kError, "metadata with another identifier", "", false,

@@ -106,6 +106,7 @@ void FindMissingParts(const Survey& survey, Findings& findings) {
 void MakePart(Survey& /*survey*/, const Finding& finding, Repair& repair) {
   repair.steps.push_back(fmt::format("the folder {}: is made", finding.path));
   repair.folders.push_back(finding.path);
+  if (finding.path.ends_with("Temp")) repair.hidden.push_back(finding.path);
 }
 
 // The study area that the project works in, by the identifier that it kept; null for none.

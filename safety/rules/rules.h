@@ -11,7 +11,11 @@ namespace kvdm {
 [[nodiscard]] std::span<const Rule> DocumentRules();  // the registry and the documents
 [[nodiscard]] std::span<const Rule> IdentityRules();  // identifiers and names
 [[nodiscard]] std::span<const Rule> DiskRules();      // the disk against the documents
-[[nodiscard]] std::span<const Rule> PathRules();      // stored paths
+[[nodiscard]] std::span<const Rule> PathRules();      // stored paths that mislead
+[[nodiscard]] std::span<const Rule> NameRules();      // names in paths
+[[nodiscard]] std::span<const Rule> PathFormRules();  // how paths are stored
+[[nodiscard]] std::span<const Rule> ValueRules();     // parameters, comments, times
+[[nodiscard]] std::span<const Rule> FolderRules();    // what belongs to no item
 [[nodiscard]] std::span<const Rule> ProjectRules();   // what a project keeps of its own
 [[nodiscard]] std::span<const Rule> MetadataRules();  // layers' metadata
 

@@ -21,15 +21,13 @@ const char kMetadata[] =
     R"(<ANALYSIS NAME="_Rent_" GUID="{00000000-0000-4000-8000-00000000000D}" )"
     R"(DIRNAME="D:\Work\Analyses\Rent\" LAYERFILE="D:\Work\Analyses\Rent\Analysis.lyr" )"
     R"(CREATIONTIME="11/2/2026 9:00:00 PM"/></ANALYSISCOLLECTION><DATACOLLECTION>)"
-    R"(<DATAITEM NAME="Streets" GUID="{00000000-0000-4000-8000-00000000000E}" FILE="Streets" )"
-    R"(PATHTYPE="RELATIVE"/></DATACOLLECTION></KVDATACOLLECTION>)";
+    R"(<SADATACOLLECTION><DATAITEM NAME="Streets" GUID="{00000000-0000-4000-8000-00000000000E}" FILE="Streets" )"
+    R"(PATHTYPE="RELATIVE"/></SADATACOLLECTION></DATACOLLECTION></KVDATACOLLECTION>)";
 const char kCatalogue[] =
     R"(<STUDYAREACOLLECTION>)"
     R"(<STUDYAREA NAME="_North_" GUID="{00000000-0000-4000-8000-00000000000F}" )"
     R"(DIRNAME="D:\Work\StudyAreas\North\" LAYERFILE="D:\Work\StudyAreas\North\StudyArea.lyr" )"
     R"(CREATIONTIME="11/1/2026 9:00:00 AM"/>)"
-    R"(<STUDYAREA NAME="_Other_" GUID="{00000000-0000-4000-8000-000000000010}" )"
-    R"(DIRNAME="E:\Theirs\StudyAreas\Other\" LAYERFILE="E:\Theirs\StudyAreas\Other\StudyArea.lyr"/>)"
     R"(</STUDYAREACOLLECTION>)";
 
 std::string Described(const char* type, const char* name, const char* last_digit) {
@@ -62,6 +60,7 @@ CheckedWorld::CheckedWorld() {
   layer(R"(D:\Work\StudyAreas\North\StudyArea.lyr)", Described("Study Area", "North", "F"));
   memory.files->AddFile(R"(D:\Work\Data\Streets.shp)");
   memory.files->AddFolder(R"(D:\Work\KelvaroTemp)");
+  memory.files->HideFolder(R"(D:\Work\KelvaroTemp)");
   subject.platform = memory.Bundle();
   subject.place = R"(D:\Projects)";
   subject.registry = "the registry";
