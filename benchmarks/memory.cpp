@@ -51,13 +51,14 @@ char* Copied(const char* text) {
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Compilers that see the bytes in front of a block take them for somebody else's.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   void* memory = Take(size);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
-void operator delete(void* memory) noexcept { Give(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { Give(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { Give(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }
 
 namespace kvdm::bench {
 namespace {
