@@ -94,10 +94,15 @@ bool Document::Load(XmlParser& parser, std::string_view bytes) {
 }
 
 bool Document::Parse(XmlParser& parser, std::string_view text, XmlEncoding encoding) {
-  const Node loaded = Node::InNewTree(NodeType::kDocument);
+  Node loaded = Node::InNewTree(NodeType::kDocument);
   Node empty = Node::InNewTree(NodeType::kDocument);
   earlier_changes_ = Changes() + 1;
   level_ = std::move(empty);
+  if (loaded.Home().Load(text, loaded.number())) {
+    level_ = loaded;
+    return true;
+  }
+  loaded = Node::InNewTree(NodeType::kDocument);
   TreeBuilder builder(loaded.Home(), loaded.number());
   if (StartsWithDeclaration(text)) loaded.Home().Declare();
   if (!parser.Parse(text, encoding, builder)) return false;

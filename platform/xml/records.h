@@ -27,7 +27,7 @@ struct NodeRecord {
   Number attributes = 0;  // the first
   Number index = 0;       // over the children
   Number holds = 0;       // by handles
-  Piece text;             // of a node without children
+  Piece text;             // of a node without children; what an element is written as, if known
   Number run = 0;         // the bytes of a text and of the texts right before it
   NodeType type = NodeType::kElement;
 };
@@ -50,6 +50,34 @@ struct Records {
       attribute = attributes[attribute].next;
     }
     return attribute;
+  }
+
+  // Makes `child`, which has no parent, the last child.
+  void Attach(Number parent, Number child) {
+    NodeRecord& above = nodes[parent];
+    NodeRecord& record = nodes[child];
+    record.parent = parent;
+    record.previous = above.last;
+    (above.last == 0 ? above.first : nodes[above.last].next) = child;
+    above.last = child;
+    CountRun(child);
+  }
+
+  void CountRun(Number number) {
+    NodeRecord& record = nodes[number];
+    if (record.type != NodeType::kText) return;
+    record.run = record.text.size + (record.previous == 0 ? 0 : nodes[record.previous].run);
+  }
+
+  // A new attribute after `last`, the last that the element has.
+  Number AttachAttribute(Number element, Number last, Number name, Piece value) {
+    const Number number = attributes.Take();
+    AttributeRecord& record = attributes[number];
+    record.owner = element;
+    record.name = name;
+    record.value = value;
+    (last == 0 ? nodes[element].attributes : attributes[last].next) = number;
+    return number;
   }
 
   Pool<NodeRecord> nodes;

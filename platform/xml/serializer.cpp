@@ -12,33 +12,6 @@
 namespace kvdm::xml {
 namespace {
 
-// Where a text stands decides what can't stand there as it is.
-enum class Place { kAttribute, kText, kRemark };
-
-// How a character that is not plain is written; "" for as it is.
-std::string_view WrittenAs(char character, Place place) {
-  const bool in_attribute = place == Place::kAttribute;
-  const bool is_remark = place == Place::kRemark;
-  switch (character) {
-    case '<':
-      return is_remark ? "" : "&lt;";
-    case '>':
-      return is_remark ? "" : "&gt;";
-    case '&':
-      return is_remark ? "" : "&amp;";
-    case '"':
-      return in_attribute ? "&quot;" : "";
-    case '\t':
-      return in_attribute ? "&#9;" : "";
-    case '\n':
-      return in_attribute ? "&#10;" : kLineEnd;
-    case '\r':
-      return in_attribute ? "&#13;" : kLineEnd;
-    default:
-      return {};
-  }
-}
-
 // Puts the text form of `text` into `sink`. Outside attributes CR LF is one line end.
 template <class Sink>
 void PutEscaped(std::string_view text, Place place, Sink& sink) {
@@ -122,6 +95,8 @@ class Serializer {
 
   void WriteElement(Number number) {
     const NodeRecord& record = tree_.node(number);
+    const std::string_view written = tree_.TextOf(record.text);
+    if (!written.empty() && IsHeld(written)) return output_.Put(written);
     const Name& tag = CheckedName(record.name);
     output_.Put('<');
     output_.Put(tag.text);
@@ -148,10 +123,12 @@ class Serializer {
   // Names can't have references.
   [[nodiscard]] const Name& CheckedName(Number number) const {
     const Name& name = tree_.NameAt(number);
-    if (holds_ != nullptr && !HeldRun(name.text).ends_with(name.text)) {
-      throw RuntimeError(kInvalidCall);
-    }
+    if (!IsHeld(name.text)) throw RuntimeError(kInvalidCall);
     return name;
+  }
+
+  [[nodiscard]] bool IsHeld(std::string_view text) const {
+    return holds_ == nullptr || HeldRun(text).size() == text.size();
   }
 
   void PutText(std::string_view text, Place place) {
@@ -189,6 +166,29 @@ class Serializer {
 };
 
 }  // namespace
+
+std::string_view WrittenAs(char character, Place place) {
+  const bool in_attribute = place == Place::kAttribute;
+  const bool is_remark = place == Place::kRemark;
+  switch (character) {
+    case '<':
+      return is_remark ? "" : "&lt;";
+    case '>':
+      return is_remark ? "" : "&gt;";
+    case '&':
+      return is_remark ? "" : "&amp;";
+    case '"':
+      return in_attribute ? "&quot;" : "";
+    case '\t':
+      return in_attribute ? "&#9;" : "";
+    case '\n':
+      return in_attribute ? "&#10;" : kLineEnd;
+    case '\r':
+      return in_attribute ? "&#13;" : kLineEnd;
+    default:
+      return {};
+  }
+}
 
 std::string TextForm(const Tree& tree, Number number, const std::function<bool(char32_t)>* holds) {
   const bool is_all = tree.node(number).type == NodeType::kDocument;

@@ -15,6 +15,14 @@ class Tree;
 inline constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n";
 inline constexpr std::string_view kLineEnd = "\r\n";
 
+// Where a text stands decides what can't stand there as it is: in an attribute's value, in an
+// element, or in a comment or instruction.
+enum class Place { kAttribute, kText, kRemark };
+
+// All characters that are written otherwise somewhere; and how one is, "" for as it is.
+inline constexpr std::string_view kSpecial = "\n<>&\"\t\r";
+[[nodiscard]] std::string_view WrittenAs(char character, Place place);
+
 // The text form of `number` and all below it. Characters beyond ASCII for which `holds` answers
 // false are written as numeric references, in comments and instructions as "?"; a null `holds`
 // replaces none. Run-time error 5 when a name can't be held.

@@ -6,6 +6,13 @@
 
 namespace kvdm::xml {
 
+std::string_view Texts::Load(std::string_view text) {
+  constexpr std::size_t kBehind = 8;
+  loaded_.reserve(text.size() + kBehind);
+  loaded_.assign(text).append(kBehind, '\0');
+  return std::string_view(loaded_).substr(0, text.size());
+}
+
 Piece Texts::Add(std::string_view text) {
   const std::size_t end = added_.size() + text.size();
   if (end >= kAdded) throw RuntimeError(kOutOfMemory);

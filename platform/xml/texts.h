@@ -27,6 +27,12 @@ class Texts {
     return {(added ? added_.data() - kAdded : loaded_.data()) + piece.at, piece.size};
   }
 
+  // Makes `text` the one that was loaded. Behind it are eight zeros at least.
+  std::string_view Load(std::string_view text);
+  [[nodiscard]] Piece PieceOf(const char* begin, const char* end) const {
+    return {static_cast<Number>(begin - loaded_.data()), static_cast<Number>(end - begin)};
+  }
+
   // Adds `text`. Run-time error 7 when there is too much.
   Piece Add(std::string_view text);
   // Whether `text` can be written over `piece`; and writes it there.

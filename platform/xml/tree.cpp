@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/xml/serializer.h"
+#include "platform/xml/written_form.h"
 
 namespace kvdm::xml {
 
@@ -40,6 +41,14 @@ bool Tree::HasContent(Number parent, Number except) const {
   return child != 0;
 }
 
+bool Tree::Load(std::string_view text, Number top) {
+  if (text.size() > kMaxDocumentBytes || !ReadWrittenForm(text, records_, top)) return false;
+  bytes_ = text.size();
+  is_declared_ = text.starts_with(kDeclaration);
+  ++changes_;
+  return true;
+}
+
 Number Tree::NewNode(NodeType type, std::string_view name, std::string_view text) {
   const Number tag = name.empty() ? 0 : records_.names.Add(name);
   const Piece piece = NewText(text);
@@ -56,14 +65,9 @@ Number Tree::AddAttribute(Number element, Number last, std::string_view name,
                           std::string_view value) {
   const Number name_number = records_.names.Add(name);
   const Piece piece = NewText(value);
-  const Number number = records_.attributes.Take();
-  AttributeRecord& record = records_.attributes[number];
-  record.owner = element;
-  record.name = name_number;
-  record.value = piece;
-  (last == 0 ? records_.nodes[element].attributes : records_.attributes[last].next) = number;
+  const Number number = records_.AttachAttribute(element, last, name_number, piece);
   bytes_ += AttributeBytes(number);
-  ++changes_;
+  Changed(element);
   if (ChildIndex* index = IndexOver(element)) index->AddAttribute(records_, number);
   return number;
 }
@@ -78,7 +82,7 @@ void Tree::ChangeAttribute(Number attribute, std::string_view value) {
   if (!fits) records_.texts.Drop(record.value);
   record.value = fits ? records_.texts.Overwrite(record.value, value) : added;
   bytes_ += AttributeBytes(attribute);
-  ++changes_;
+  Changed(record.owner);
   if (index != nullptr) index->AddAttribute(records_, attribute);
 }
 
@@ -89,7 +93,7 @@ void Tree::EraseAttribute(Number attribute) noexcept {
   while (*link != attribute) link = &records_.attributes[*link].next;
   *link = AttributeAt(attribute).next;
   bytes_ -= AttributeBytes(attribute);
-  ++changes_;
+  Changed(owner);
   FreeAttribute(attribute);
 }
 
@@ -100,16 +104,10 @@ void Tree::Declare() {
 }
 
 void Tree::Link(Number parent, Number child) noexcept {
-  NodeRecord& above = records_.nodes[parent];
-  NodeRecord& record = records_.nodes[child];
   bytes_ += LinkBytes(parent, IsEmptyText(child));
-  record.parent = parent;
-  record.previous = above.last;
-  (above.last == 0 ? above.first : records_.nodes[above.last].next) = child;
-  above.last = child;
-  CountRun(child);
-  ++changes_;
-  if (above.index != 0) indexes_[above.index].Add(records_, child);
+  records_.Attach(parent, child);
+  Changed(parent);
+  if (const Number index = node(parent).index) indexes_[index].Add(records_, child);
 }
 
 void Tree::Unlink(Number child) noexcept {
@@ -121,16 +119,16 @@ void Tree::Unlink(Number child) noexcept {
   (record.next == 0 ? above.last : records_.nodes[record.next].previous) = record.previous;
   for (Number next = record.next; next != 0 && node(next).type == NodeType::kText;
        next = node(next).next) {
-    CountRun(next);
+    records_.CountRun(next);
   }
-  ++changes_;
+  Changed(record.parent);
   Orphan(child);
 }
 
 void Tree::UnlinkChildren(Number parent) noexcept {
   if (node(parent).first == 0) return;
   DropIndex(parent);
-  ++changes_;
+  Changed(parent);
   NodeRecord& record = records_.nodes[parent];
   while (record.first != 0) {
     const Number child = record.first;
@@ -200,10 +198,12 @@ Piece Tree::NewText(std::string_view text) {
   return records_.texts.Add(text);
 }
 
-void Tree::CountRun(Number text) noexcept {
-  NodeRecord& record = records_.nodes[text];
-  if (record.type != NodeType::kText) return;
-  record.run = record.text.size + (record.previous == 0 ? 0 : node(record.previous).run);
+// Where the written form of an element is not known, it isn't known of those above it either.
+void Tree::Changed(Number number) noexcept {
+  ++changes_;
+  for (; number != 0 && IsWritten(number); number = node(number).parent) {
+    records_.nodes[number].text = {};
+  }
 }
 
 Number Tree::Import(Tree& from, Number number) {
@@ -223,7 +223,9 @@ Number Tree::Copy(Tree& from, Number number, std::vector<Move>& moves) {
   const NodeRecord& record = from.node(number);
   const std::string_view name =
       record.name == 0 ? std::string_view() : from.NameAt(record.name).text;
-  const Number copy = NewNode(record.type, name, from.TextOf(record.text));
+  const std::string_view text =
+      record.type == NodeType::kElement ? std::string_view() : from.TextOf(record.text);
+  const Number copy = NewNode(record.type, name, text);
   try {
     if (record.holds != 0) {
       moves.push_back({number, this, copy});

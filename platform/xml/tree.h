@@ -40,12 +40,20 @@ class Tree {
   // The first of them with the value `key` of the attribute.
   [[nodiscard]] Number FindChild(Number parent, Number tag, Number attribute, std::string_view key);
 
+  // Whether its text form is kept.
+  [[nodiscard]] bool IsWritten(Number element) const {
+    return node(element).type == NodeType::kElement && node(element).text.size != 0;
+  }
   // Of which nothing is written.
   [[nodiscard]] bool IsEmptyText(Number number) const {
     return node(number).type == NodeType::kText && node(number).text.size == 0;
   }
   // Whether it has a child, other than `except`, that is no empty text.
   [[nodiscard]] bool HasContent(Number parent, Number except = 0) const;
+
+  // Makes `text` the tree, below the record `top`, which is all that there is. False when it is not
+  // written as trees are: the tree is then of no use.
+  bool Load(std::string_view text, Number top);
 
   // A new record without a parent. `name` is an element's tag or an instruction's target.
   Number NewNode(NodeType type, std::string_view name = {}, std::string_view text = {});
@@ -113,7 +121,8 @@ class Tree {
   void FreeAttribute(Number attribute) noexcept;
   [[nodiscard]] ChildIndex* IndexOver(Number child);
   Piece NewText(std::string_view text);
-  void CountRun(Number text) noexcept;
+  // Something that the text form of `number` shows is another now.
+  void Changed(Number number) noexcept;
   // The text form without children.
   [[nodiscard]] std::size_t OwnBytes(Number number) const;
   [[nodiscard]] std::size_t AttributeBytes(Number attribute) const;

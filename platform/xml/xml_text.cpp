@@ -1,7 +1,6 @@
 #include "platform/xml/xml_text.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include <kvdm/platform/error.h>
 
@@ -22,19 +21,6 @@ constexpr CodePointRange kNameStarts[] = {
 constexpr CodePointRange kNameTails[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
 };
-
-constexpr std::uint64_t Each(std::uint64_t byte) { return byte * 0x0101010101010101U; }
-
-// Marks the first byte of `word` that is below `least`, which is at most 0x80.
-constexpr std::uint64_t Below(std::uint64_t word, std::uint64_t least) {
-  return (word - Each(least)) & ~word & Each(0x80);
-}
-
-// Marks the first byte of `word` that is not plain. "<" and ">" differ in one bit.
-constexpr std::uint64_t Markup(std::uint64_t word) {
-  return Below(word, 0x20) | Below(word ^ Each('"'), 1) | Below(word ^ Each('&'), 1) |
-         Below((word | Each(2)) ^ Each('>'), 1);
-}
 
 bool IsPrintableAscii(char character) { return character >= 0x20; }
 

@@ -1,6 +1,7 @@
 // Which texts and names XML can hold, and steps through a text.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,21 @@ namespace kvdm::xml {
 inline constexpr std::string_view kXmlNamespace = "http://www.w3.org/XML/1998/namespace";
 
 [[nodiscard]] bool IsXmlCharacter(char32_t character);
+
+// The number that has `byte` eight times.
+constexpr std::uint64_t Each(std::uint64_t byte) { return byte * 0x0101010101010101U; }
+
+// Marks the first byte of `word` that is below `least`, which is at most 0x80.
+constexpr std::uint64_t Below(std::uint64_t word, std::uint64_t least) {
+  return (word - Each(least)) & ~word & Each(0x80);
+}
+
+// Marks the first byte of `word` that is a control character, ", &, < or >. "<" and ">" differ in
+// one bit.
+constexpr std::uint64_t Markup(std::uint64_t word) {
+  return Below(word, 0x20) | Below(word ^ Each('"'), 1) | Below(word ^ Each('&'), 1) |
+         Below((word | Each(2)) ^ Each('>'), 1);
+}
 
 // How many bytes at the start of `text` stand for themselves wherever they are written: up to the
 // first control character, ", &, < or >.

@@ -1,5 +1,5 @@
-// Random changes of several trees at once, with handles kept and dropped, beside plain trees of
-// pointers on which the same is done.
+// Random changes of several trees at once, built and loaded ones, with handles kept and dropped,
+// beside plain trees of pointers on which the same is done.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/xml/node.h"
+#include "tests/platform/xml/parsed.h"
 
 namespace kvdm::xml {
 namespace {
@@ -34,6 +35,12 @@ struct Plain {
 };
 
 using PlainRef = std::shared_ptr<Plain>;
+
+PlainRef Copy(const Plain& plain, Plain* parent = nullptr) {
+  auto copy = std::make_shared<Plain>(Plain{plain.tag, plain.text, plain.attributes, {}, parent});
+  for (const auto& child : plain.children) copy->children.push_back(Copy(*child, copy.get()));
+  return copy;
+}
 
 bool IsAtOrAbove(const Plain* above, const Plain* node) {
   while (node != nullptr && node != above) node = node->parent;
@@ -78,6 +85,8 @@ class RandomTrees {
         return Append(held_[Below(std::min<std::size_t>(held_.size(), 3))]);
       case 8:
         return Append(held_[Below(held_.size())]);
+      case 9:
+        return Reload(held_[Below(std::min<std::size_t>(held_.size(), 3))]);
       default:
         return SetAttribute(element, plain);
     }
@@ -123,6 +132,13 @@ class RandomTrees {
     Attach(*plain, plain_child);
   }
 
+  // From what a document is written as, so that the tree keeps the text.
+  void Reload(std::pair<Element, PlainRef>& held) {
+    held = {Parsed(held.second->Xml() + "\r\n"), Copy(*held.second)};
+    const auto [element, plain] = held;
+    Descend(element, plain);
+  }
+
   void SetText(const Element& element, const PlainRef& plain) {
     const std::string text(Below(40), 't');
     element.SetText(text);
@@ -140,7 +156,9 @@ class RandomTrees {
 
   void Descend(const Element& element, const PlainRef& plain) {
     const Element child(element.FirstChild());
-    if (child) held_.emplace_back(child, plain->children.front());
+    if (!child) return;
+    held_.emplace_back(child, plain->children.front());
+    if (Below(2) == 0) Descend(child, PlainRef(plain->children.front()));
   }
 
   void SetAttribute(const Element& element, const PlainRef& plain) {
