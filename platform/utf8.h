@@ -33,17 +33,28 @@ template <class Mark>
 [[nodiscard]] std::size_t RunWithoutMarks(std::string_view text, const Mark& mark) {
   static_assert(std::endian::native == std::endian::little);
   constexpr std::size_t kWord = sizeof(std::uint64_t);
-  const auto marked = [&](const char* bytes, std::size_t count) {
-    std::uint64_t word = 0x6161616161616161U;  // letters, which nobody marks
-    std::memcpy(&word, bytes, count);
-    return static_cast<std::size_t>(std::countr_zero(mark(word))) / kWord;  // kWord for none
+  // kWord for none.
+  const auto first = [&](std::uint64_t word) {
+    return static_cast<std::size_t>(std::countr_zero(mark(word))) / kWord;
   };
-  std::size_t size = 0;
-  for (; text.size() - size >= kWord; size += kWord) {
-    const std::size_t first = marked(text.data() + size, kWord);
-    if (first < kWord) return size + first;
+  const auto word_at = [&](std::size_t place) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + place, kWord);
+    return word;
+  };
+  if (text.size() < kWord) {
+    std::uint64_t word = 0x6161616161616161U;  // letters, which nobody marks
+    for (std::size_t i = text.size(); i != 0; --i) {
+      word = word << kWord | static_cast<unsigned char>(text[i - 1]);
+    }
+    return std::min(text.size(), first(word));
   }
-  return std::min(text.size(), size + marked(text.data() + size, text.size() - size));
+  const std::size_t last = text.size() - kWord;
+  for (std::size_t place = 0; place < last; place += kWord) {
+    const std::size_t run = first(word_at(place));
+    if (run < kWord) return place + run;
+  }
+  return last + first(word_at(last));
 }
 
 // How many bytes at the start of `text` are ASCII.

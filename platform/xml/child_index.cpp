@@ -12,19 +12,29 @@ constexpr std::size_t kMaxTables = 16;
 
 std::size_t few_children = 32;
 
-// Multiplies eight bytes at a time into the hash.
+// Multiplies eight bytes at a time into the hash, the last ones with some of those before.
 std::uint32_t HashOf(std::string_view text) {
   constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15U;
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
   std::uint64_t hash = text.size() * kFactor;
-  while (!text.empty()) {
-    std::uint64_t word = 0;
-    const std::size_t size = std::min(text.size(), sizeof word);
-    std::memcpy(&word, text.data(), size);
+  const auto mix = [&hash](std::uint64_t word) {
     hash = (hash ^ word) * kFactor;
     hash ^= hash >> 29U;
-    text.remove_prefix(size);
+  };
+  const auto mix_at = [&](std::size_t place) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + place, kWord);
+    mix(word);
+  };
+  if (text.size() < kWord) {
+    std::uint64_t word = 0;
+    for (const char character : text) word = word << kWord | static_cast<unsigned char>(character);
+    mix(word);
+  } else {
+    for (std::size_t at = 0; at + kWord < text.size(); at += kWord) mix_at(at);
+    mix_at(text.size() - kWord);
   }
-  return static_cast<std::uint32_t>(hash >> 8U);
+  return static_cast<std::uint32_t>(hash >> kWord);
 }
 
 }  // namespace
@@ -37,14 +47,15 @@ std::size_t ChildIndex::Table::PlaceOf(const Records& records, std::uint32_t has
   std::size_t place = Home(hash);
   for (;; place = Next(place)) {
     const Entry& entry = entries_[place];
-    if (entry.attribute == 0) return place;
+    if (entry.owner == 0) return place;
     if (entry.hash != hash) continue;
-    if (records.texts[records.attributes[entry.attribute].value] == key) return place;
+    records.nodes.WillNeed(entry.owner);
+    if (records.texts[entry.key] == key) return place;
   }
 }
 
 Number ChildIndex::Table::Find(const Records& records, std::string_view key) const {
-  return entries_[PlaceOf(records, HashOf(key), key)].attribute;
+  return entries_[PlaceOf(records, HashOf(key), key)].owner;
 }
 
 void ChildIndex::Table::Insert(Records& records, Number attribute) {
@@ -53,14 +64,15 @@ void ChildIndex::Table::Insert(Records& records, Number attribute) {
   const std::string_view key = records.texts[record.value];
   const std::uint32_t hash = HashOf(key);
   Entry& entry = entries_[PlaceOf(records, hash, key)];
-  if (entry.attribute == 0) {
-    entry = {hash, attribute};
+  if (entry.owner == 0) {
+    entry = {hash, record.owner, record.value};
     ++used_;
     record.next_alike = record.previous_alike = attribute;
     return;
   }
-  AttributeRecord& first = records.attributes[entry.attribute];
-  record.next_alike = entry.attribute;
+  const Number alike = records.FindAttribute(entry.owner, attribute_);
+  AttributeRecord& first = records.attributes[alike];
+  record.next_alike = alike;
   record.previous_alike = first.previous_alike;
   records.attributes[first.previous_alike].next_alike = attribute;
   first.previous_alike = attribute;
@@ -71,7 +83,12 @@ void ChildIndex::Table::Erase(Records& records, Number attribute) noexcept {
   const std::string_view key = records.texts[record.value];
   const std::size_t place = PlaceOf(records, HashOf(key), key);
   if (record.next_alike == attribute) return Clear(place);
-  if (entries_[place].attribute == attribute) entries_[place].attribute = record.next_alike;
+  Entry& entry = entries_[place];
+  if (entry.owner == record.owner) {
+    const AttributeRecord& second = records.attributes[record.next_alike];
+    entry.owner = second.owner;
+    entry.key = second.value;
+  }
   records.attributes[record.next_alike].previous_alike = record.previous_alike;
   records.attributes[record.previous_alike].next_alike = record.next_alike;
 }
@@ -80,9 +97,9 @@ void ChildIndex::Table::Grow() {
   std::vector<Entry> entries(2 * entries_.size());
   entries_.swap(entries);
   for (const Entry& entry : entries) {
-    if (entry.attribute == 0) continue;
+    if (entry.owner == 0) continue;
     std::size_t place = Home(entry.hash);
-    while (entries_[place].attribute != 0) place = Next(place);
+    while (entries_[place].owner != 0) place = Next(place);
     entries_[place] = entry;
   }
 }
@@ -90,7 +107,7 @@ void ChildIndex::Table::Grow() {
 // Entries after a free place are not found from places before it: those that belong there move up.
 void ChildIndex::Table::Clear(std::size_t place) noexcept {
   --used_;
-  for (std::size_t later = Next(place); entries_[later].attribute != 0; later = Next(later)) {
+  for (std::size_t later = Next(place); entries_[later].owner != 0; later = Next(later)) {
     const std::size_t home = Home(entries_[later].hash);
     const bool stays =
         place < later ? place < home && home <= later : place < home || home <= later;
@@ -103,8 +120,7 @@ void ChildIndex::Table::Clear(std::size_t place) noexcept {
 
 Number ChildIndex::Find(Records& records, Number parent, Number tag, Number attribute,
                         std::string_view key) {
-  const Number found = TableFor(records, parent, tag, attribute).Find(records, key);
-  return found == 0 ? 0 : records.attributes[found].owner;
+  return TableFor(records, parent, tag, attribute).Find(records, key);
 }
 
 ChildIndex::Table& ChildIndex::TableFor(Records& records, Number parent, Number tag,

@@ -10,8 +10,9 @@
 namespace kvdm::xml {
 
 // A table for a pair of tag and attribute is made when it is first asked for, and from then on kept
-// up to date. It has no copy of the values. Tables can be remade at any time, so there are never
-// more than a few, and none after memory ran out.
+// up to date. It knows where the values are, and has no copy of them: where they are moved, all
+// tables are to go. Tables can be remade at any time, so there are never more than a few, and none
+// after memory ran out.
 class ChildIndex {
  public:
   // The first child, in document order, with the tag and with `key` as the attribute's value; 0
@@ -29,10 +30,12 @@ class ChildIndex {
   Number next = 0;  // of those that are free
 
  private:
-  // One for each value: the first attribute that has it. The others follow in its ring.
+  // One for each value: the first element that has it, the attributes of the others follow in the
+  // ring of its own, and where the value is, so that a look-up need not go by the attribute.
   struct Entry {
     std::uint32_t hash = 0;
-    Number attribute = 0;
+    Number owner = 0;
+    Piece key;
   };
 
   // Open addressing: an entry stands where its hash says or in the next place that was free.
@@ -43,7 +46,7 @@ class ChildIndex {
     [[nodiscard]] bool IsOf(Number tag, Number attribute) const {
       return tag_ == tag && attribute_ == attribute;
     }
-    // The first attribute with the value; 0 when there is none.
+    // The first element with the value; 0 when there is none.
     [[nodiscard]] Number Find(const Records& records, std::string_view key) const;
     // The attribute comes after all with the same value.
     void Insert(Records& records, Number attribute);

@@ -254,15 +254,19 @@ Element Element::Child(std::string_view tag) const {
   return ElementAt(name == 0 ? 0 : Home().FindChild(number(), name));
 }
 
+// What is not clean is no value of an attribute as it is.
 Element Element::Child(std::string_view tag, std::string_view attribute,
                        std::string_view key) const {
+  if (key.find('"') != std::string_view::npos) throw RuntimeError(kAutomationFailure);
   Tree& tree = Home();
-  const Sanitized value(key);
-  const bool is_plain = PlainRun(key) == key.size();
-  if (!is_plain && key.find('"') != std::string_view::npos) throw RuntimeError(kAutomationFailure);
   const Number name = Known(tree, tag);
   const Number own = Known(tree, attribute);
-  return ElementAt(name == 0 || own == 0 ? 0 : tree.FindChild(number(), name, own, value));
+  if (name == 0 || own == 0) return nullptr;
+  Number found = tree.FindChild(number(), name, own, key);
+  if (found == 0 && !IsPlainAscii(key)) {
+    found = tree.FindChild(number(), name, own, Sanitized(key));
+  }
+  return ElementAt(found);
 }
 
 std::string Element::Xml() const { return TextForm(Home(), number()); }

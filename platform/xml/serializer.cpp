@@ -1,7 +1,11 @@
 #include "platform/xml/serializer.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include <kvdm/platform/error.h>
 
@@ -16,9 +20,7 @@ namespace {
 template <class Sink>
 void PutEscaped(std::string_view text, Place place, Sink& sink) {
   while (true) {
-    const std::size_t plain = PlainRun(text);
-    sink.Put(text.substr(0, plain));
-    text.remove_prefix(plain);
+    text.remove_prefix(sink.PutPlain(text));
     if (text.empty()) return;
     const std::string_view written = WrittenAs(text.front(), place);
     const bool is_pair = written == kLineEnd && text.starts_with(kLineEnd);
@@ -29,6 +31,11 @@ void PutEscaped(std::string_view text, Place place, Sink& sink) {
 
 struct Count {
   void Put(std::string_view text) { bytes += text.size(); }
+  std::size_t PutPlain(std::string_view text) {
+    const std::size_t plain = PlainRun(text);
+    bytes += plain;
+    return plain;
+  }
   std::size_t bytes = 0;
 };
 
@@ -38,25 +45,89 @@ std::size_t EscapedBytes(std::string_view text, Place place) {
   return count.bytes;
 }
 
-// A text that grows at its end.
+// A text that grows at its end, by small pieces that are put together first.
 class Buffer {
  public:
-  explicit Buffer(std::size_t expected) : text_(expected, '\0') {}
+  explicit Buffer(std::size_t expected) { text_.reserve(expected); }
 
-  void Put(std::string_view text) {
-    if (text.size() > text_.size() - used_) text_.resize(2 * text_.size() + text.size());
-    std::memcpy(text_.data() + used_, text.data(), text.size());
-    used_ += text.size();
+  void Put(char character) {
+    MakeRoom();
+    *end_++ = character;
   }
-  void Put(char character) { Put(std::string_view(&character, 1)); }
+  void Put(std::string_view text) {
+    if (text.size() > kRoom) return PutLong(text);
+    MakeRoom();
+    Copy(text.data(), text.size());
+  }
+  // Puts the plain run at the start of `text`; its size.
+  std::size_t PutPlain(std::string_view text) {
+    std::size_t plain = 0;
+    while (plain < text.size()) {
+      MakeRoom();
+      const std::string_view part = text.substr(plain, kRoom);
+      const std::size_t run = CopyPlain(part);
+      plain += run;
+      if (run < part.size()) break;
+    }
+    return plain;
+  }
   std::string Take() {
-    text_.resize(used_);
+    Flush();
     return std::move(text_);
   }
 
  private:
+  static constexpr std::size_t kWord = sizeof(std::uint64_t);
+  static constexpr std::size_t kRoom = 256;
+
+  void MakeRoom() {
+    if (pieces_.data() + pieces_.size() - end_ < static_cast<std::ptrdiff_t>(kRoom)) Flush();
+  }
+  void Flush() {
+    text_.append(pieces_.data(), end_);
+    end_ = pieces_.data();
+  }
+  void PutLong(std::string_view text) {
+    Flush();
+    text_ += text;
+  }
+  std::uint64_t CopyWord(const char* from, std::size_t at) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, from + at, kWord);
+    std::memcpy(end_ + at, &word, kWord);
+    return word;
+  }
+  // The last word is copied twice in part.
+  void Copy(const char* from, std::size_t size) {
+    if (size < kWord) {
+      std::copy_n(from, size, end_);
+    } else {
+      for (std::size_t at = 0; at < size - kWord; at += kWord) CopyWord(from, at);
+      CopyWord(from, size - kWord);
+    }
+    end_ += size;
+  }
+  // Stops at what is not plain.
+  std::size_t CopyPlain(std::string_view text) {
+    std::size_t run = text.size();
+    if (run < kWord) {
+      run = PlainRun(text);
+      std::copy_n(text.data(), run, end_);
+    } else {
+      const std::size_t last = run - kWord;
+      for (std::size_t at = 0;; at = std::min(at + kWord, last)) {
+        const std::uint64_t marks = Markup(CopyWord(text.data(), at));
+        if (marks != 0) run = at + static_cast<std::size_t>(std::countr_zero(marks)) / kWord;
+        if (marks != 0 || at == last) break;
+      }
+    }
+    end_ += run;
+    return run;
+  }
+
+  std::array<char, 8192> pieces_;
+  char* end_ = pieces_.data();
   std::string text_;
-  std::size_t used_ = 0;
 };
 
 class Serializer {
@@ -98,8 +169,7 @@ class Serializer {
     const std::string_view written = tree_.TextOf(record.text);
     if (!written.empty() && IsHeld(written)) return output_.Put(written);
     const Name& tag = CheckedName(record.name);
-    output_.Put('<');
-    output_.Put(tag.text);
+    output_.Put(tag.start_tag);
     for (Number own = record.attributes; own != 0; own = tree_.AttributeAt(own).next) {
       const AttributeRecord& attribute = tree_.AttributeAt(own);
       output_.Put(CheckedName(attribute.name).attribute);

@@ -35,18 +35,9 @@ void Texts::Drop(Piece piece) noexcept {
 Name::Name(std::string_view name)
     : text(name),
       attribute(" " + text + "=\""),
+      start_tag("<" + text),
       end_tag("</" + text + ">"),
       is_prefixed(!PrefixOf(name).empty() || IsNamespaceDeclaration(name)) {}
-
-Number Names::Find(std::string_view text) const {
-  if (text.empty()) return 0;
-  Number& recent =
-      recent_[(text.size() * 5 + static_cast<unsigned char>(text.back())) % recent_.size()];
-  if (recent != 0 && names_[recent - 1]->text == text) return recent;
-  const auto found = numbers_.find(text);
-  if (found == numbers_.end()) return 0;
-  return recent = found->second;
-}
 
 Number Names::Add(std::string_view text) {
   if (const Number known = Find(text)) return known;

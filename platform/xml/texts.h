@@ -77,6 +77,7 @@ struct Name {
 
   std::string text;
   std::string attribute;  // ` name="`
+  std::string start_tag;  // `<name`
   std::string end_tag;    // `</name>`
   bool is_prefixed;       // or declares a prefix or the default namespace
 };
@@ -86,13 +87,25 @@ class Names {
  public:
   const Name& operator[](Number number) const { return *names_[number - 1]; }
   // The number of a name; 0 when it is none of these.
-  [[nodiscard]] Number Find(std::string_view text) const;
+  [[nodiscard]] Number Find(std::string_view text) const {
+    if (text.empty()) return 0;
+    const auto last = static_cast<unsigned char>(text.back());
+    Number& recent = recent_[(text.size() * 5 + last) % recent_.size()];
+    if (recent != 0 && names_[recent - 1]->text == text) return recent;
+    const Number found = FindAny(text);
+    return found == 0 ? 0 : recent = found;
+  }
   // The number of a name, which is added when it is missing.
   Number Add(std::string_view text);
   // Whether one of them has to do with prefixes.
   [[nodiscard]] bool HavePrefixes() const { return have_prefixes_; }
 
  private:
+  [[nodiscard]] Number FindAny(std::string_view text) const {
+    const auto found = numbers_.find(text);
+    return found == numbers_.end() ? 0 : found->second;
+  }
+
   std::vector<std::unique_ptr<const Name>> names_;
   std::unordered_map<std::string_view, Number> numbers_;
   mutable std::array<Number, 64> recent_{};  // by size and last character

@@ -20,19 +20,19 @@ Number Tree::FindChild(Number parent, Number tag) const {
 }
 
 Number Tree::FindChild(Number parent, Number tag, Number attribute, std::string_view key) {
-  Number& index = records_.nodes[parent].index;
-  if (index == 0) {
-    std::size_t few = FewChildren();
-    Number child = node(parent).first;
-    for (; child != 0 && few != 0; child = node(child).next, --few) {
-      if (node(child).type != NodeType::kElement || node(child).name != tag) continue;
-      const Number own = FindAttribute(child, attribute);
-      if (own != 0 && TextOf(AttributeAt(own).value) == key) return child;
+  const Number index = node(parent).index;
+  if (index != 0) return indexes_[index].Find(records_, parent, tag, attribute, key);
+  std::size_t few = FewChildren();
+  for (Number child = node(parent).first; child != 0; child = node(child).next) {
+    if (few-- == 0) {
+      records_.nodes[parent].index = indexes_.Take();
+      return FindChild(parent, tag, attribute, key);
     }
-    if (child == 0) return 0;
-    index = indexes_.Take();
+    if (node(child).type != NodeType::kElement || node(child).name != tag) continue;
+    const Number own = FindAttribute(child, attribute);
+    if (own != 0 && TextOf(AttributeAt(own).value) == key) return child;
   }
-  return indexes_[index].Find(records_, parent, tag, attribute, key);
+  return 0;
 }
 
 bool Tree::HasContent(Number parent, Number except) const {
@@ -190,6 +190,7 @@ ChildIndex* Tree::IndexOver(Number child) {
 Piece Tree::NewText(std::string_view text) {
   if (text.empty()) return {};
   if (records_.texts.IsWasteful()) {
+    for (Number i = 1; i < records_.nodes.End(); ++i) DropIndex(i);
     records_.texts.MoveTogether([&](const auto& move) {
       for (Number i = 1; i < records_.nodes.End(); ++i) move(records_.nodes[i].text);
       for (Number i = 1; i < records_.attributes.End(); ++i) move(records_.attributes[i].value);

@@ -161,7 +161,7 @@ class WrittenReader {
     while (true) {
       std::uint64_t word = 0;
       std::memcpy(&word, at_, sizeof word);
-      const std::uint64_t marks = Markup(word) | (word & Each(0x80));
+      const std::uint64_t marks = MarkupOrForeign(word);
       if (marks != 0) {
         at_ += static_cast<std::size_t>(std::countr_zero(marks)) / sizeof word;
         return;

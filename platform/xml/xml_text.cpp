@@ -31,10 +31,17 @@ bool IsXmlCharacter(char32_t character) {
   return character != 0xFFFE && character != 0xFFFF;
 }
 
-std::size_t PlainRun(std::string_view text) { return RunWithoutMarks(text, Markup); }
+std::size_t PlainRun(std::string_view text) {
+  return RunWithoutMarks(text, [](std::uint64_t word) { return Markup(word); });
+}
+
+bool IsPlainAscii(std::string_view text) {
+  return RunWithoutMarks(text, [](std::uint64_t word) { return MarkupOrForeign(word); }) ==
+         text.size();
+}
 
 Sanitized::Sanitized(std::string_view text) : view_(text) {
-  if (PlainRun(text) == text.size() && AsciiRun(text) == text.size()) return;
+  if (IsPlainAscii(text)) return;
   replaced_.reserve(text.size());
   while (!text.empty()) {
     const auto special = std::ranges::find_if_not(text, IsPrintableAscii);

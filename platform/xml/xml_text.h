@@ -15,21 +15,28 @@ inline constexpr std::string_view kXmlNamespace = "http://www.w3.org/XML/1998/na
 // The number that has `byte` eight times.
 constexpr std::uint64_t Each(std::uint64_t byte) { return byte * 0x0101010101010101U; }
 
-// Marks the first byte of `word` that is below `least`, which is at most 0x80.
-constexpr std::uint64_t Below(std::uint64_t word, std::uint64_t least) {
-  return (word - Each(least)) & ~word & Each(0x80);
-}
-
-// Marks the first byte of `word` that is a control character, ", &, < or >. "<" and ">" differ in
-// one bit.
+// Mark the first byte of `word` that may be written otherwise somewhere: a control character, ", &,
+// < or >; the second one also the first that is not ASCII, and is faster. " and & differ in one
+// bit, as < and > do. What is below a number gets its high bit when that is subtracted.
 constexpr std::uint64_t Markup(std::uint64_t word) {
-  return Below(word, 0x20) | Below(word ^ Each('"'), 1) | Below(word ^ Each('&'), 1) |
-         Below((word | Each(2)) ^ Each('>'), 1);
+  const std::uint64_t quoting = (word | Each(4)) ^ Each('&');
+  const std::uint64_t bracket = (word | Each(2)) ^ Each('>');
+  return (((word - Each(0x20)) & ~word) | ((quoting - Each(1)) & ~quoting) |
+          ((bracket - Each(1)) & ~bracket)) &
+         Each(0x80);
+}
+constexpr std::uint64_t MarkupOrForeign(std::uint64_t word) {
+  const std::uint64_t quoting = (word | Each(4)) ^ Each('&');
+  const std::uint64_t bracket = (word | Each(2)) ^ Each('>');
+  return (word | (word - Each(0x20)) | (quoting - Each(1)) | (bracket - Each(1))) & Each(0x80);
 }
 
 // How many bytes at the start of `text` stand for themselves wherever they are written: up to the
 // first control character, ", &, < or >.
 [[nodiscard]] std::size_t PlainRun(std::string_view text);
+
+// Whether all of `text` is ASCII that stands for itself wherever it is written.
+[[nodiscard]] bool IsPlainAscii(std::string_view text);
 
 // A text with U+FFFD for every character that XML forbids and every byte that is not UTF-8. Lives
 // no longer than `text`, of which it is a view where nothing is replaced.
