@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <utility>
+#include <vector>
 
 #include <kvdm/platform/error.h>
 
@@ -155,7 +156,11 @@ std::string Document::Xml(const std::function<bool(char32_t)>& holds) const { re
 
 std::string Document::Xml(const std::function<bool(char32_t)>* holds) const {
   if (!DocumentElement()) return {};
-  return TextForm(level_.Home(), level_.number(), holds);
+  if (holds != nullptr) return TextForm(level_.Home(), level_.number(), holds);
+  std::vector<WrittenElement> fresh;
+  std::string text = TextForm(level_.Home(), level_.number(), nullptr, &fresh);
+  level_.Home().Keep(text, fresh);
+  return text;
 }
 
 bool IsWellFormed(XmlParser& parser, std::string_view text) {

@@ -176,7 +176,7 @@ void Element::SetAttribute(std::string_view name, const Value& value) const {
   const Number own = known == 0 ? 0 : tree.FindAttribute(number(), known);
   if (own == 0) return AddAttribute(key, text);
   const std::string_view old = tree.TextOf(tree.AttributeAt(own).value);
-  const auto more = AttributeBytes(key, text) - AttributeBytes(key, old);
+  const auto more = EscapedBytes(text, Place::kAttribute) - EscapedBytes(old, Place::kAttribute);
   if (!tree.HasRoom(static_cast<std::ptrdiff_t>(more))) throw RuntimeError(kOutOfMemory);
   tree.ChangeAttribute(own, text);
 }
@@ -190,8 +190,8 @@ void Element::AddAttribute(std::string_view name, std::string_view text) const {
     last = own;
     ++count;
   }
-  if (count == kMaxAttributes ||
-      !tree.HasRoom(static_cast<std::ptrdiff_t>(AttributeBytes(name, text)))) {
+  if (count == kMaxAttributes || !tree.HasRoom(static_cast<std::ptrdiff_t>(AttributeBytes(
+                                     name, EscapedBytes(text, Place::kAttribute))))) {
     throw RuntimeError(kOutOfMemory);
   }
   tree.AddAttribute(number(), last, name, text);
@@ -226,7 +226,8 @@ std::string Element::Text() const {
 void Element::SetText(std::string_view text) const {
   const SanitizedValue value(text);
   Tree& tree = Home();
-  const std::size_t content = text.empty() ? 0 : ClosingBytes(Tag()) + TextBytes(value);
+  const std::size_t content =
+      text.empty() ? 0 : ClosingBytes(Tag()) + EscapedBytes(value, Place::kText);
   if (!tree.HasRoom(static_cast<std::ptrdiff_t>(content - tree.ContentBytes(number())))) {
     throw RuntimeError(kOutOfMemory);
   }

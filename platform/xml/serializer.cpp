@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <utility>
@@ -20,7 +19,9 @@ namespace {
 template <class Sink>
 void PutEscaped(std::string_view text, Place place, Sink& sink) {
   while (true) {
-    text.remove_prefix(sink.PutPlain(text));
+    const std::size_t plain = PlainRun(text);
+    sink.Put(text.substr(0, plain));
+    text.remove_prefix(plain);
     if (text.empty()) return;
     const std::string_view written = WrittenAs(text.front(), place);
     const bool is_pair = written == kLineEnd && text.starts_with(kLineEnd);
@@ -31,45 +32,28 @@ void PutEscaped(std::string_view text, Place place, Sink& sink) {
 
 struct Count {
   void Put(std::string_view text) { bytes += text.size(); }
-  std::size_t PutPlain(std::string_view text) {
-    const std::size_t plain = PlainRun(text);
-    bytes += plain;
-    return plain;
-  }
   std::size_t bytes = 0;
 };
-
-std::size_t EscapedBytes(std::string_view text, Place place) {
-  Count count;
-  PutEscaped(text, place, count);
-  return count.bytes;
-}
 
 // A text that grows at its end, by small pieces that are put together first.
 class Buffer {
  public:
   explicit Buffer(std::size_t expected) { text_.reserve(expected); }
 
-  void Put(char character) {
-    MakeRoom();
-    *end_++ = character;
-  }
-  void Put(std::string_view text) {
-    if (text.size() > kRoom) return PutLong(text);
-    MakeRoom();
-    Copy(text.data(), text.size());
-  }
-  // Puts the plain run at the start of `text`; its size.
-  std::size_t PutPlain(std::string_view text) {
-    std::size_t plain = 0;
-    while (plain < text.size()) {
-      MakeRoom();
-      const std::string_view part = text.substr(plain, kRoom);
-      const std::size_t run = CopyPlain(part);
-      plain += run;
-      if (run < part.size()) break;
+  template <class... Texts>
+  void Put(const Texts&... texts) {
+    const std::size_t size = (texts.size() + ...);
+    if (size > static_cast<std::size_t>(pieces_.data() + pieces_.size() - end_)) Flush();
+    if (size > pieces_.size()) {
+      (text_.append(texts), ...);
+    } else {
+      char* end = end_;
+      ((end = Copied(texts, end)), ...);
+      end_ = end;
     }
-    return plain;
+  }
+  [[nodiscard]] std::size_t Size() const {
+    return text_.size() + static_cast<std::size_t>(end_ - pieces_.data());
   }
   std::string Take() {
     Flush();
@@ -77,52 +61,32 @@ class Buffer {
   }
 
  private:
-  static constexpr std::size_t kWord = sizeof(std::uint64_t);
-  static constexpr std::size_t kRoom = 256;
-
-  void MakeRoom() {
-    if (pieces_.data() + pieces_.size() - end_ < static_cast<std::ptrdiff_t>(kRoom)) Flush();
-  }
   void Flush() {
     text_.append(pieces_.data(), end_);
     end_ = pieces_.data();
   }
-  void PutLong(std::string_view text) {
-    Flush();
-    text_ += text;
-  }
-  std::uint64_t CopyWord(const char* from, std::size_t at) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, from + at, kWord);
-    std::memcpy(end_ + at, &word, kWord);
-    return word;
-  }
-  // The last word is copied twice in part.
-  void Copy(const char* from, std::size_t size) {
-    if (size < kWord) {
-      std::copy_n(from, size, end_);
-    } else {
-      for (std::size_t at = 0; at < size - kWord; at += kWord) CopyWord(from, at);
-      CopyWord(from, size - kWord);
+  // Copies `text`, a short one in two blocks of one size, which may overlap; where it ends then.
+  [[gnu::always_inline]] static char* Copied(std::string_view text, char* to) {
+    if (text.size() > 64) {
+      std::memcpy(to, text.data(), text.size());
+    } else if (text.size() > 16) {
+      text.size() > 32 ? CopyTwice<32>(text, to) : CopyTwice<16>(text, to);
+    } else if (text.size() >= 8) {
+      CopyTwice<8>(text, to);
+    } else if (text.size() >= 4) {
+      CopyTwice<4>(text, to);
+    } else if (!text.empty()) {
+      to[0] = text.front();
+      to[text.size() / 2] = text[text.size() / 2];
+      to[text.size() - 1] = text.back();
     }
-    end_ += size;
+    return to + text.size();
   }
-  // Stops at what is not plain.
-  std::size_t CopyPlain(std::string_view text) {
-    std::size_t run = text.size();
-    if (run < kWord) {
-      run = PlainRun(text);
-      std::copy_n(text.data(), run, end_);
-    } else {
-      const std::size_t last = run - kWord;
-      for (std::size_t at = 0;; at = std::min(at + kWord, last)) {
-        const std::uint64_t marks = Markup(CopyWord(text.data(), at));
-        if (marks != 0) run = at + static_cast<std::size_t>(std::countr_zero(marks)) / kWord;
-        if (marks != 0 || at == last) break;
-      }
-    }
-    end_ += run;
-    return run;
+  template <std::size_t block>
+  static void CopyTwice(std::string_view text, char* to) {
+    const std::size_t second = text.size() - block;
+    std::memcpy(to, text.data(), block);
+    std::memcpy(to + second, text.data() + second, block);
   }
 
   std::array<char, 8192> pieces_;
@@ -132,8 +96,9 @@ class Buffer {
 
 class Serializer {
  public:
-  Serializer(const Tree& tree, std::size_t expected, const std::function<bool(char32_t)>* holds)
-      : tree_(tree), holds_(holds), output_(expected) {}
+  Serializer(const Tree& tree, std::size_t expected, const std::function<bool(char32_t)>* holds,
+             std::vector<WrittenElement>* fresh)
+      : tree_(tree), holds_(holds), fresh_(fresh), output_(expected) {}
 
   void Write(Number number) {
     const NodeRecord& record = tree_.node(number);
@@ -141,21 +106,25 @@ class Serializer {
       case NodeType::kDocument:
         return WriteDocument(record);
       case NodeType::kElement:
-        return WriteElement(number);
+        return WriteElement(number, record);
       case NodeType::kText:
-        return PutText(tree_.TextOf(record.text), Place::kText);
+        return PutText("", record.text, Place::kText, "");
       case NodeType::kComment:
-        output_.Put("<!--");
-        PutText(tree_.TextOf(record.text), Place::kRemark);
-        return output_.Put("-->");
+        return PutText("<!--", record.text, Place::kRemark, "-->");
       default:
-        return WriteInstruction(record);
+        output_.Put(kInstruction, CheckedName(record.name).text);
+        return PutText(record.text.size == 0 ? "" : " ", record.text, Place::kRemark, "?>");
     }
   }
 
   std::string Take() { return output_.Take(); }
 
  private:
+  static constexpr std::string_view kInstruction = "<?";
+  static constexpr std::string_view kQuote = "\"";
+  // Of an element whose form is worth keeping: not so large that a change costs too much.
+  static constexpr std::size_t kMostKept = 4096;
+
   void WriteDocument(const NodeRecord& record) {
     if (tree_.IsDeclared()) output_.Put(kDeclaration);
     for (Number child = record.first; child != 0; child = tree_.node(child).next) {
@@ -164,57 +133,72 @@ class Serializer {
     }
   }
 
-  void WriteElement(Number number) {
-    const NodeRecord& record = tree_.node(number);
+  void WriteElement(Number number, const NodeRecord& record) {
     const std::string_view written = tree_.TextOf(record.text);
     if (!written.empty() && IsHeld(written)) return output_.Put(written);
+    const std::size_t start = output_.Size();
     const Name& tag = CheckedName(record.name);
     output_.Put(tag.start_tag);
-    for (Number own = record.attributes; own != 0; own = tree_.AttributeAt(own).next) {
+    for (Number own = record.attributes; own != 0;) {
       const AttributeRecord& attribute = tree_.AttributeAt(own);
-      output_.Put(CheckedName(attribute.name).attribute);
-      PutText(tree_.TextOf(attribute.value), Place::kAttribute);
-      output_.Put('"');
+      PutText(CheckedName(attribute.name).attribute, attribute.value, Place::kAttribute, kQuote);
+      own = attribute.next;
     }
-    if (!tree_.HasContent(number)) return output_.Put("/>");
-    output_.Put('>');
+    const bool has_content = tree_.HasContent(number);
+    output_.Put(std::string_view(has_content ? ">" : "/>"));
     for (Number child = record.first; child != 0; child = tree_.node(child).next) Write(child);
-    output_.Put(tag.end_tag);
+    if (has_content) output_.Put(tag.end_tag);
+    if (fresh_ != nullptr) Note(number, start);
   }
 
-  void WriteInstruction(const NodeRecord& record) {
-    output_.Put("<?");
-    output_.Put(CheckedName(record.name).text);
-    if (record.text.size != 0) output_.Put(' ');
-    PutText(tree_.TextOf(record.text), Place::kRemark);
-    output_.Put("?>");
+  void Note(Number element, std::size_t start) {
+    const std::size_t size = output_.Size() - start;
+    if (size > kMostKept) return;
+    while (!fresh_->empty() && fresh_->back().at > start) fresh_->pop_back();
+    fresh_->push_back({element, start, size});
   }
 
   // Names can't have references.
   [[nodiscard]] const Name& CheckedName(Number number) const {
     const Name& name = tree_.NameAt(number);
-    if (!IsHeld(name.text)) throw RuntimeError(kInvalidCall);
+    if (holds_ != nullptr) Check(name);
     return name;
+  }
+  void Check(const Name& name) const {
+    if (!IsHeld(name.text)) throw RuntimeError(kInvalidCall);
   }
 
   [[nodiscard]] bool IsHeld(std::string_view text) const {
     return holds_ == nullptr || HeldRun(text).size() == text.size();
   }
 
-  void PutText(std::string_view text, Place place) {
-    if (holds_ == nullptr) return PutEscaped(text, place, output_);
-    while (true) {
+  // The text with what is around it.
+  void PutText(std::string_view before, Piece piece, Place place, std::string_view after) {
+    const std::string_view text = tree_.TextOf(piece);
+    if (piece.is_plain && holds_ == nullptr) {
+      output_.Put(before, text, after);
+    } else {
+      PutSpecial(before, text, place, after);
+    }
+  }
+  void PutSpecial(std::string_view before, std::string_view text, Place place,
+                  std::string_view after) {
+    output_.Put(before);
+    while (holds_ != nullptr) {
       const std::string_view held = HeldRun(text);
       PutEscaped(held, place, output_);
       text.remove_prefix(held.size());
-      if (text.empty()) return;
+      if (text.empty()) break;
       PutReplacement(TakeCodePoint(text).value, place, text);
     }
+    PutEscaped(text, place, output_);
+    output_.Put(after);
   }
 
   // "?>" would end an instruction.
   void PutReplacement(char32_t character, Place place, std::string_view rest) {
-    if (place == Place::kRemark) return output_.Put(rest.starts_with('>') ? '_' : '?');
+    if (place == Place::kRemark)
+      return output_.Put(std::string(1, rest.starts_with('>') ? '_' : '?'));
     output_.Put("&#" + std::to_string(static_cast<unsigned long>(character)) + ";");
   }
 
@@ -232,6 +216,7 @@ class Serializer {
 
   const Tree& tree_;
   const std::function<bool(char32_t)>* holds_;
+  std::vector<WrittenElement>* fresh_;
   Buffer output_;
 };
 
@@ -260,15 +245,22 @@ std::string_view WrittenAs(char character, Place place) {
   }
 }
 
-std::string TextForm(const Tree& tree, Number number, const std::function<bool(char32_t)>* holds) {
+std::string TextForm(const Tree& tree, Number number, const std::function<bool(char32_t)>* holds,
+                     std::vector<WrittenElement>* fresh) {
   const bool is_all = tree.node(number).type == NodeType::kDocument;
-  Serializer serializer(tree, is_all ? tree.Bytes() : 0, holds);
+  Serializer serializer(tree, is_all ? tree.Bytes() : 0, holds, fresh);
   serializer.Write(number);
   return serializer.Take();
 }
 
-std::size_t AttributeBytes(std::string_view name, std::string_view value) {
-  return std::string_view(R"( ="")").size() + name.size() + EscapedBytes(value, Place::kAttribute);
+std::size_t EscapedBytes(std::string_view text, Place place) {
+  Count count;
+  PutEscaped(text, place, count);
+  return count.bytes;
+}
+
+std::size_t AttributeBytes(std::string_view name, std::size_t value) {
+  return std::string_view(R"( ="")").size() + name.size() + value;
 }
 
 std::size_t EmptyElementBytes(std::string_view tag) {
@@ -280,19 +272,11 @@ std::size_t ClosingBytes(std::string_view tag) {
   return std::string_view("</>").size() + tag.size() - std::string_view("/").size();
 }
 
-std::size_t TextBytes(std::string_view text) { return EscapedBytes(text, Place::kText); }
+std::size_t CommentBytes(std::size_t text) { return std::string_view("<!---->").size() + text; }
 
-std::size_t CommentBytes(std::string_view text) {
-  return std::string_view("<!---->").size() + EscapedBytes(text, Place::kRemark);
-}
-
-std::size_t InstructionBytes(std::string_view target, std::string_view data) {
-  const std::size_t blank = data.empty() ? 0 : 1;
-  return std::string_view(
-             "<?"
-             "?>")
-             .size() +
-         target.size() + blank + EscapedBytes(data, Place::kRemark);
+std::size_t InstructionBytes(std::string_view target, std::size_t data) {
+  constexpr std::size_t kAround = 4;  // "<?" and what ends it
+  return kAround + target.size() + (data == 0 ? 0 : 1) + data;
 }
 
 }  // namespace kvdm::xml

@@ -14,6 +14,12 @@ std::string_view Texts::Load(std::string_view text) {
 }
 
 Piece Texts::Add(std::string_view text) {
+  Piece piece = AddForm(text);
+  piece.is_plain = PlainRun(text) == text.size();
+  return piece;
+}
+
+Piece Texts::AddForm(std::string_view text) {
   const std::size_t end = added_.size() + text.size();
   if (end >= kAdded) throw RuntimeError(kOutOfMemory);
   if (end > added_.capacity()) added_.reserve(end + end / 4);
@@ -25,7 +31,7 @@ Piece Texts::Add(std::string_view text) {
 Piece Texts::Overwrite(Piece piece, std::string_view text) noexcept {
   text.copy(added_.data() + (piece.at - kAdded), text.size());
   dropped_ += piece.size - text.size();
-  return {piece.at, static_cast<Number>(text.size())};
+  return {piece.at, static_cast<Number>(text.size()), PlainRun(text) == text.size()};
 }
 
 void Texts::Drop(Piece piece) noexcept {

@@ -16,7 +16,8 @@ namespace kvdm::xml {
 // Where a text stands among the texts of a tree.
 struct Piece {
   Number at = 0;
-  Number size = 0;
+  Number size : 31 = 0;
+  Number is_plain : 1 = 0;  // stands for itself wherever it is written
 };
 
 // The text that was loaded, which stays as it is, and what was added since.
@@ -29,12 +30,18 @@ class Texts {
 
   // Makes `text` the one that was loaded. Behind it are eight zeros at least.
   std::string_view Load(std::string_view text);
-  [[nodiscard]] Piece PieceOf(const char* begin, const char* end) const {
-    return {static_cast<Number>(begin - loaded_.data()), static_cast<Number>(end - begin)};
+  [[nodiscard]] Piece PieceOf(const char* begin, const char* end, bool is_plain) const {
+    return {static_cast<Number>(begin - loaded_.data()), static_cast<Number>(end - begin),
+            is_plain};
   }
 
-  // Adds `text`. Run-time error 7 when there is too much.
+  // Adds `text`, and what an element is written as. Run-time error 7 when there is too much.
   Piece Add(std::string_view text);
+  Piece AddForm(std::string_view form);
+  // Whether there is room for much more than that.
+  [[nodiscard]] bool HasRoomFor(std::size_t size) const {
+    return added_.size() + size < kAdded / 2;
+  }
   // Whether `text` can be written over `piece`; and writes it there.
   [[nodiscard]] bool Fits(Piece piece, std::string_view text) const {
     return piece.at >= kAdded && text.size() <= piece.size;
@@ -43,9 +50,9 @@ class Texts {
   // Nothing stands for `piece` any more.
   void Drop(Piece piece) noexcept;
 
-  // Whether most of what was added stands for nothing, and is worth the room.
+  // Whether much of all that is here stands for nothing.
   [[nodiscard]] bool IsWasteful() const {
-    return dropped_ > kWaste && dropped_ > added_.size() / 2;
+    return dropped_ > kWaste && dropped_ > (loaded_.size() + added_.size()) / 2;
   }
   // Moves what was added together. `each` calls what it is given with all pieces in use.
   template <class Each>

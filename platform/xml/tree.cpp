@@ -187,7 +187,7 @@ ChildIndex* Tree::IndexOver(Number child) {
   return index == 0 ? nullptr : &indexes_[index];
 }
 
-Piece Tree::NewText(std::string_view text) {
+Piece Tree::NewText(std::string_view text, bool is_form) {
   if (text.empty()) return {};
   if (records_.texts.IsWasteful()) {
     for (Number i = 1; i < records_.nodes.End(); ++i) DropIndex(i);
@@ -196,14 +196,20 @@ Piece Tree::NewText(std::string_view text) {
       for (Number i = 1; i < records_.attributes.End(); ++i) move(records_.attributes[i].value);
     });
   }
-  return records_.texts.Add(text);
+  return is_form ? records_.texts.AddForm(text) : records_.texts.Add(text);
 }
 
-// Where the written form of an element is not known, it isn't known of those above it either.
 void Tree::Changed(Number number) noexcept {
   ++changes_;
-  for (; number != 0 && IsWritten(number); number = node(number).parent) {
-    records_.nodes[number].text = {};
+  for (; number != 0; number = node(number).parent) {
+    records_.texts.Drop(std::exchange(records_.nodes[number].text, {}));
+  }
+}
+
+void Tree::Keep(std::string_view text, const std::vector<WrittenElement>& fresh) {
+  for (const auto& [element, at, size] : fresh) {
+    if (!records_.texts.HasRoomFor(size)) return;
+    records_.nodes[element].text = NewText(text.substr(at, size), true);
   }
 }
 
@@ -252,11 +258,11 @@ std::size_t Tree::OwnBytes(Number number) const {
   const NodeRecord& record = node(number);
   switch (record.type) {
     case NodeType::kText:
-      return TextBytes(TextOf(record.text));
+      return BytesOf(record.text, Place::kText);
     case NodeType::kComment:
-      return CommentBytes(TextOf(record.text));
+      return CommentBytes(BytesOf(record.text, Place::kRemark));
     case NodeType::kInstruction:
-      return InstructionBytes(NameAt(record.name).text, TextOf(record.text));
+      return InstructionBytes(NameAt(record.name).text, BytesOf(record.text, Place::kRemark));
     case NodeType::kElement:
       break;
     default:
@@ -271,7 +277,11 @@ std::size_t Tree::OwnBytes(Number number) const {
 
 std::size_t Tree::AttributeBytes(Number attribute) const {
   const AttributeRecord& record = AttributeAt(attribute);
-  return xml::AttributeBytes(NameAt(record.name).text, TextOf(record.value));
+  return xml::AttributeBytes(NameAt(record.name).text, BytesOf(record.value, Place::kAttribute));
+}
+
+std::size_t Tree::BytesOf(Piece text, Place place) const {
+  return text.is_plain ? text.size : EscapedBytes(TextOf(text), place);
 }
 
 std::size_t Tree::ContentBytes(Number number) const {

@@ -14,6 +14,7 @@
 #include "platform/xml/child_index.h"
 #include "platform/xml/limits.h"
 #include "platform/xml/records.h"
+#include "platform/xml/serializer.h"
 
 namespace kvdm::xml {
 
@@ -40,10 +41,6 @@ class Tree {
   // The first of them with the value `key` of the attribute.
   [[nodiscard]] Number FindChild(Number parent, Number tag, Number attribute, std::string_view key);
 
-  // Whether its text form is kept.
-  [[nodiscard]] bool IsWritten(Number element) const {
-    return node(element).type == NodeType::kElement && node(element).text.size != 0;
-  }
   // Of which nothing is written.
   [[nodiscard]] bool IsEmptyText(Number number) const {
     return node(number).type == NodeType::kText && node(number).text.size == 0;
@@ -54,6 +51,9 @@ class Tree {
   // Makes `text` the tree, below the record `top`, which is all that there is. False when it is not
   // written as trees are: the tree is then of no use.
   bool Load(std::string_view text, Number top);
+
+  // Keeps the forms of elements that are unchanged since `text` was written, to copy them.
+  void Keep(std::string_view text, const std::vector<WrittenElement>& fresh);
 
   // A new record without a parent. `name` is an element's tag or an instruction's target.
   Number NewNode(NodeType type, std::string_view name = {}, std::string_view text = {});
@@ -120,12 +120,13 @@ class Tree {
   void DropIndex(Number parent) noexcept;
   void FreeAttribute(Number attribute) noexcept;
   [[nodiscard]] ChildIndex* IndexOver(Number child);
-  Piece NewText(std::string_view text);
+  Piece NewText(std::string_view text, bool is_form = false);
   // Something that the text form of `number` shows is another now.
   void Changed(Number number) noexcept;
   // The text form without children.
   [[nodiscard]] std::size_t OwnBytes(Number number) const;
   [[nodiscard]] std::size_t AttributeBytes(Number attribute) const;
+  [[nodiscard]] std::size_t BytesOf(Piece text, Place place) const;
 
   Records records_;
   Pool<ChildIndex> indexes_;

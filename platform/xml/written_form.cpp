@@ -55,7 +55,7 @@ class WrittenReader {
     const Number element = Add(NodeType::kElement);
     records_.nodes[element].name = tag;
     if (!ReadAttributes(element, std::exchange(seen_[tag].latest, element))) return false;
-    records_.nodes[element].text = records_.texts.PieceOf(start, at_);
+    records_.nodes[element].text = records_.texts.PieceOf(start, at_, false);
     if (Take("/>")) return End(element);
     ++depth_;
     current_ = element;
@@ -73,7 +73,7 @@ class WrittenReader {
 
   bool End(Number element) {
     Piece& written = records_.nodes[element].text;
-    written.size = records_.texts.PieceOf(at_, at_).at - written.at;
+    written.size = records_.texts.PieceOf(at_, at_, false).at - written.at;
     return true;
   }
 
@@ -151,7 +151,7 @@ class WrittenReader {
     const auto size = static_cast<std::size_t>(at_ - start);
     if (at_ == end_ || size > kMaxValueBytes) return false;
     if (!is_plain) return Decode({start, size}, place, text);
-    text = records_.texts.PieceOf(start, at_);
+    text = records_.texts.PieceOf(start, at_, true);
     return true;
   }
 
@@ -188,7 +188,7 @@ class WrittenReader {
       rest.remove_prefix(std::max<std::size_t>(1, WrittenAs(*special, place).size()));
     }
     const char* const start = written.data();
-    text = decoded == written ? records_.texts.PieceOf(start, start + written.size())
+    text = decoded == written ? records_.texts.PieceOf(start, start + written.size(), false)
                               : records_.texts.Add(decoded);
     return true;
   }
