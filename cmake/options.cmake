@@ -1,6 +1,6 @@
 # How every target of the project is compiled, and small helpers.
 
-option(KVDM_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
+option(KVDM_WARNINGS_AS_ERRORS "Treat compiler warnings as errors, as the presets do" OFF)
 option(KVDM_SANITIZE "Build with the address, undefined-behaviour and leak sanitizers" OFF)
 option(KVDM_COVERAGE "Build for measuring test coverage" OFF)
 
