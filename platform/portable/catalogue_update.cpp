@@ -12,6 +12,7 @@
 #include <kvdm/platform/platform.h>
 
 #include "platform/file_names.h"
+#include "platform/portable/element_change.h"
 #include "platform/xml/document.h"
 #include "platform/xml/limits.h"
 
@@ -32,126 +33,6 @@ std::string OverLimits() {
          " attributes at one element, " + std::to_string(xml::kMaxDepth) +
          " elements within each other";
 }
-
-std::string TextOf(const Element& element, const char* attribute) {
-  const Value value = element.GetAttribute(attribute);
-  return value.IsNull() ? std::string() : ToText(value);
-}
-
-std::vector<Element> ElementsIn(const Element& parent) {
-  std::vector<Element> elements;
-  for (auto node = parent.FirstChild(); node; node = node.Next()) {
-    if (const Element element(node); element) elements.push_back(element);
-  }
-  return elements;
-}
-
-// Canonical text of an element: the same for any order of attributes and elements and any way of
-// writing; without the attribute `ignored`. The marks between the parts can't be in an XML
-// text.
-std::string Canonical(const Element& element, const char* ignored = "") {
-  std::map<std::string, std::string> attributes;
-  for (const auto& [name, value] : element.Attributes()) {
-    if (name != ignored) attributes.emplace(name, value);
-  }
-  std::string text = '\1' + element.Tag();
-  for (const auto& [name, value] : attributes) {
-    text.append("\2").append(name).append("\3").append(value);
-  }
-  std::multiset<std::string> children;
-  for (const auto& child : ElementsIn(element)) children.insert(Canonical(child));
-  if (children.empty()) text += '\4' + element.Text();
-  for (const std::string& child : children) text += child;
-  return text + '\5';
-}
-
-// The elements in `parent`, in their order, each with what tells it from the others: tag, name, and
-// a number where these repeat.
-std::vector<std::pair<std::string, Element>> Keyed(const Element& parent) {
-  std::vector<std::pair<std::string, Element>> keyed;
-  std::map<std::string, int> numbers;
-  for (const auto& child : ElementsIn(parent)) {
-    const std::string key = child.Tag() + '\1' + TextOf(child, kName) + '\1';
-    keyed.emplace_back(key + std::to_string(numbers[key]++), child);
-  }
-  return keyed;
-}
-
-std::map<std::string, Element> ByKey(const Element& parent) {
-  const auto keyed = Keyed(parent);
-  return {keyed.begin(), keyed.end()};
-}
-
-Element Find(const std::map<std::string, Element>& elements, const std::string& key) {
-  const auto found = elements.find(key);
-  return found == elements.end() ? nullptr : found->second;
-}
-
-// Carries what changed from `base` to `wanted` over to `target`.
-class Change {
- public:
-  // Whether `target` had changed in the same places to something else, which is lost then.
-  static bool Apply(const Element& base, const Element& wanted, const Element& target) {
-    Change change;
-    change.Elements(base, wanted, target);
-    return change.collides_;
-  }
-
- private:
-  // Notes that `now` gives way to `wanted`. Whether there is anything to do.
-  template <class Text>
-  bool Replaces(const Text& base, const Text& wanted, const Text& now) {
-    if (wanted == base || wanted == now) return false;
-    collides_ = collides_ || now != base;
-    return true;
-  }
-
-  void Elements(const Element& base, const Element& wanted, const Element& target) {
-    Attributes(base, wanted, target);
-    const bool are_leaves =
-        ElementsIn(base).empty() && ElementsIn(wanted).empty() && ElementsIn(target).empty();
-    if (are_leaves && Replaces(base.Text(), wanted.Text(), target.Text())) {
-      target.SetText(wanted.Text());
-    }
-    Children(base, wanted, target);
-  }
-
-  void Attributes(const Element& base, const Element& wanted, const Element& target) {
-    for (const auto& [name, value] : wanted.Attributes()) {
-      if (Replaces(base.GetAttribute(name), Value(value), target.GetAttribute(name))) {
-        target.SetAttribute(name, value);
-      }
-    }
-    for (const auto& [name, value] : base.Attributes()) {
-      if (wanted.GetAttribute(name).IsNull() &&
-          Replaces(Value(value), Value(Null()), target.GetAttribute(name))) {
-        target.RemoveAttribute(name);
-      }
-    }
-  }
-
-  void Children(const Element& base, const Element& wanted, const Element& target) {
-    const auto old = ByKey(base);
-    const auto now = ByKey(target);
-    const auto kept = ByKey(wanted);
-    for (const auto& [key, child] : Keyed(wanted)) {
-      Child(Find(old, key), child, Find(now, key), target);
-    }
-    for (const auto& [key, before] : old) {
-      const auto there = Find(kept, key) ? nullptr : Find(now, key);
-      if (there && Canonical(there) == Canonical(before)) target.Remove(there);
-    }
-  }
-
-  void Child(const Element& base, const Element& wanted, const Element& now,
-             const Element& target) {
-    if (base && Canonical(base) == Canonical(wanted)) return;
-    if (now) return Elements(base ? base : Element::Create(wanted.Tag()), wanted, now);
-    target.Append(wanted);
-  }
-
-  bool collides_ = false;
-};
 
 // A study area of a text, and what tells it from the others there.
 struct Area {
@@ -174,22 +55,27 @@ std::string NameOf(const Element& area) {
   return is_wrapped ? stored.substr(1, stored.size() - 2) : stored;
 }
 
+std::vector<Area> AreasIn(const Element& root) {
+  const auto elements = root.Children(kArea);
+  std::map<std::string, int> uses;
+  for (const auto& element : elements) ++uses[TextOf(element, kGuid)];
+  std::map<std::string, int> numbers;
+  std::vector<Area> areas;
+  for (const auto& element : elements) {
+    const std::string guid = TextOf(element, kGuid);
+    const std::string name = TextOf(element, kName);
+    areas.push_back({element, uses[guid] == 1 ? guid : std::string(),
+                     name + '\1' + std::to_string(numbers[name]++)});
+  }
+  return areas;
+}
+
 // The study areas of a catalogue text.
 class Catalogue {
  public:
   // Empty when the text has no root or can't be loaded.
   Catalogue(XmlParser& parser, std::string_view text) {
-    if (!document_.LoadXml(parser, UpToNul(text))) return;
-    const auto elements = document_.DocumentElement().Children(kArea);
-    std::map<std::string, int> uses;
-    for (const auto& element : elements) ++uses[TextOf(element, kGuid)];
-    std::map<std::string, int> numbers;
-    for (const auto& element : elements) {
-      const std::string guid = TextOf(element, kGuid);
-      const std::string name = TextOf(element, kName);
-      areas_.push_back({element, uses[guid] == 1 ? guid : std::string(),
-                        name + '\1' + std::to_string(numbers[name]++)});
-    }
+    if (document_.LoadXml(parser, UpToNul(text))) areas_ = AreasIn(document_.DocumentElement());
   }
 
   [[nodiscard]] Element Root() const { return document_.DocumentElement(); }
@@ -209,14 +95,20 @@ AreaRefs RefsTo(const std::vector<Area>& areas) {
   return refs;
 }
 
-// Which study areas of two texts are the same: those with one GUID; of the rest those that differ
-// in nothing else; those with one folder; and where a GUID is missing those with one name.
+// How sure it must be that two study areas are the same.
+enum class Identity { kCertain, kLikely };
+
+// Which study areas of two texts are the same: those with one GUID; where it need only be likely,
+// of the rest those that differ in nothing else and those with one folder; and where a GUID is
+// missing those with one name.
 class Pairs {
  public:
-  Pairs(const AreaRefs& before, const AreaRefs& after) {
+  Pairs(const AreaRefs& before, const AreaRefs& after, Identity identity = Identity::kLikely) {
     Match(before, after, [](const Area& area) { return area.guid; });
-    Match(before, after, [](const Area& area) { return Canonical(area.element, kGuid); });
-    Match(before, after, FolderOf);
+    if (identity == Identity::kLikely) {
+      Match(before, after, [](const Area& area) { return Canonical(area.element, kGuid); });
+      Match(before, after, FolderOf);
+    }
     Match(
         before, after, [](const Area& area) { return area.name; },
         [](const Area& a, const Area& b) { return a.guid.empty() || b.guid.empty(); });
@@ -276,7 +168,14 @@ class Merge {
     }
   }
 
-  std::vector<std::string> kept;  // stored study areas that gave way
+  // A stored study area that gave way.
+  struct GaveWay {
+    const Area* stored;
+    const Area* base;  // null when it was added since
+    std::string text;  // as it was stored
+    std::string note;
+  };
+  std::vector<GaveWay> gave_way;
   std::vector<std::string> notes;
 
  private:
@@ -294,9 +193,11 @@ class Merge {
     const Element& target = stored->element;
     const std::string before = target.Xml();
     const auto none = base ? nullptr : Element::Create(kArea);
-    if (!Change::Apply(base ? base->element : none, wanted.element, target)) return;
-    kept.push_back(before);
-    Note(target, "was changed elsewhere too; what was stored is kept in the history.");
+    if (!ApplyChange(base ? base->element : none, wanted.element, target)) return;
+    gave_way.push_back({stored, base, before,
+                        NoteOn(target,
+                               "was changed elsewhere too; what was stored is kept in the "
+                               "history.")});
   }
 
   // Study areas other than `owner` that got `folder` elsewhere give way: no two share one.
@@ -306,21 +207,23 @@ class Merge {
       if (stored == owner || !stored->element.Parent() || FolderOf(*stored) != folder) continue;
       const Area* base = there_.Before(*stored);
       if (base && FolderOf(*base) == folder) continue;
-      kept.push_back(stored->element.Xml());
-      Note(stored->element,
-           "has a folder that belongs to another one now; it is kept in the "
-           "history.");
+      gave_way.push_back({stored, base, stored->element.Xml(),
+                          NoteOn(stored->element,
+                                 "has a folder that belongs to another one now; "
+                                 "it is kept in the history.")});
       root_.Remove(stored->element);
     }
   }
 
   void Append(const Element& wanted, bool was_there) {
-    if (was_there) Note(wanted, "was deleted elsewhere while it was changed here; it stays.");
+    if (was_there) {
+      notes.push_back(NoteOn(wanted, "was deleted elsewhere while it was changed here; it stays."));
+    }
     const std::string name = TextOf(wanted, kName);
     const bool has_twin = std::ranges::any_of(stored_, [&](const Area* area) {
       return area->element.Parent() && TextOf(area->element, kName) == name;
     });
-    if (has_twin) Note(wanted, "has the name of one that was added elsewhere.");
+    if (has_twin) notes.push_back(NoteOn(wanted, "has the name of one that was added elsewhere."));
     root_.Append(wanted);
   }
 
@@ -330,12 +233,12 @@ class Merge {
     if (Canonical(stored->element) == Canonical(base.element)) {
       return root_.Remove(stored->element);
     }
-    Note(stored->element, "was changed elsewhere while it was deleted here; it stays.");
+    notes.push_back(
+        NoteOn(stored->element, "was changed elsewhere while it was deleted here; it stays."));
   }
 
-  void Note(const Element& area, std::string_view what) {
-    notes.push_back("The study area " + NameOf(area) + " " + TextOf(area, kGuid) + " " +
-                    std::string(what));
+  static std::string NoteOn(const Element& area, std::string_view what) {
+    return "The study area " + NameOf(area) + " " + TextOf(area, kGuid) + " " + std::string(what);
   }
 
   AreaRefs base_;
@@ -350,6 +253,17 @@ class Merge {
 }  // namespace
 
 std::string UpToNul(std::string_view text) { return std::string(text.substr(0, text.find('\0'))); }
+
+std::vector<std::pair<Element, Element>> SameAreas(const Element& before, const Element& after) {
+  const auto old_areas = AreasIn(before);
+  const auto new_areas = AreasIn(after);
+  const Pairs pairs(RefsTo(old_areas), RefsTo(new_areas), Identity::kCertain);
+  std::vector<std::pair<Element, Element>> same;
+  for (const Area& area : old_areas) {
+    if (const Area* now = pairs.After(area)) same.emplace_back(area.element, now->element);
+  }
+  return same;
+}
 
 bool ChangesNothing(const TextUpdate& update) {
   const auto areas = [](std::vector<TextUpdate::Piece> pieces) {
@@ -417,8 +331,35 @@ TextUpdate::Outcome CatalogueUpdate::Merged(std::string_view text) const {
   merge.Run();
   notes_ = std::move(merge.notes);
   Outcome outcome{stored.Document().Xml(holds_)};
-  for (const std::string& element : merge.kept) outcome.kept.push_back(Storable(element));
+  for (auto& area : merge.gave_way) {
+    outcome.kept.push_back(Storable(area.text));
+    notes_.push_back(std::move(area.note));
+  }
   return outcome;
+}
+
+CatalogueReading CatalogueUpdate::ReadAgain(std::string text) const {
+  notes_.clear();
+  if (text.empty()) return {wanted_, "", ""};
+  const Catalogue stored(parser_, text);
+  if (!stored.Root()) {
+    throw RuntimeError(kInvalidCall, "Registry", "the stored catalogue can't be parsed");
+  }
+  if (wanted_.empty()) return {text, text, text};
+  const Catalogue wanted(parser_, wanted_);
+  const Catalogue base(parser_, base_);
+  const Catalogue next_base(parser_, text);
+  Merge merge(base, wanted, stored);
+  merge.Run();
+  notes_ = std::move(merge.notes);
+  for (const auto& area : merge.gave_way) {
+    const auto place = static_cast<std::size_t>(area.stored - stored.Areas().data());
+    const Element& in_base = next_base.Areas()[place].element;
+    if (in_base.Parent()) next_base.Root().Remove(in_base);
+    if (area.base != nullptr) next_base.Root().Append(area.base->element);
+  }
+  return {stored.Document().Xml(), merge.gave_way.empty() ? text : next_base.Document().Xml(holds_),
+          text};
 }
 
 std::string CatalogueUpdate::Storable(const std::string& element) const {

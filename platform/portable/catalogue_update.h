@@ -10,6 +10,7 @@
 
 #include <kvdm/platform/registry.h>
 
+#include "platform/xml/node.h"
 #include "platform/xml_parser.h"
 
 namespace kvdm {
@@ -19,6 +20,18 @@ namespace kvdm {
 
 // Whether an update leads to the study areas that it starts from.
 [[nodiscard]] bool ChangesNothing(const TextUpdate& update);
+
+// The study areas below two roots that are the same, in pairs: those with one GUID, and where a
+// GUID is missing or stands twice those with one name and number.
+[[nodiscard]] std::vector<std::pair<xml::Element, xml::Element>> SameAreas(
+    const xml::Element& before, const xml::Element& after);
+
+// A catalogue that was read again by one who had changed it.
+struct CatalogueReading {
+  std::string text;    // what is stored, with the changes made here; "" for nothing stored
+  std::string base;    // what the next update starts from
+  std::string stored;  // what is stored
+};
 
 // The rules:
 //
@@ -50,6 +63,12 @@ class CatalogueUpdate final : public TextUpdate {
 
   // Run-time error 7 for a stored text that is well-formed but larger than a document may be.
   [[nodiscard]] Outcome On(const std::optional<RegistryValue>& stored) const override;
+
+  // What On makes of the stored `text`, for one who goes on with it and stores nothing yet. Study
+  // areas that give way are in the new base as they were in the old one, so that the next update
+  // finds them changed elsewhere, and keeps them. Run-time error 5 for a text that is not
+  // well-formed.
+  [[nodiscard]] CatalogueReading ReadAgain(std::string text) const;
 
   // Hands over the wanted text.
   std::string TakeWanted() { return std::move(wanted_); }

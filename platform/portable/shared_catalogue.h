@@ -10,6 +10,7 @@
 #include <kvdm/platform/log.h>
 #include <kvdm/platform/registry.h>
 
+#include "platform/portable/catalogue_update.h"
 #include "platform/xml_parser.h"
 
 namespace kvdm {
@@ -43,7 +44,20 @@ class SharedCatalogue final : public Registry {
     return registry_->Holds(character);
   }
 
+  // Whether the stored study areas are others than those that were last read, or written, here.
+  // Run-time error 68 when they can't be read.
+  [[nodiscard]] bool ChangedByOthers();
+
+  // The catalogue as it is stored now, with the changes that led from the base to `wanted`; ""
+  // where neither has any. Holds once it is adopted. Run-time error 68 when it can't be read, 5
+  // when it is not well-formed.
+  [[nodiscard]] CatalogueReading ReadAgain(std::string wanted);
+  void Adopt(CatalogueReading reading) noexcept;
+
  private:
+  [[nodiscard]] std::string StoredText();
+  [[nodiscard]] CatalogueUpdate UpdateTo(std::string_view base, std::string wanted);
+  void Tell(const CatalogueUpdate& update);
   [[nodiscard]] bool IsCatalogue(RegistryRoot root, std::string_view key,
                                  std::string_view name) const;
   bool WriteCatalogue(std::string_view text);
@@ -53,6 +67,7 @@ class SharedCatalogue final : public Registry {
   std::shared_ptr<Log> log_;
   RegistryAddress address_;
   std::string base_;
+  std::string seen_;       // what was stored when it was last read or written
   bool is_known_ = false;  // whether the value was ever read
 };
 
