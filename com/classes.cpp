@@ -22,7 +22,7 @@ constexpr auto kWrappers = &AddWrappers<Wrapper, Wrappers...>;
 
 const Class kClasses[] = {
     {"KVDM.KVDataManager", &CLSID_KVDataManager, typeid(IKVDataManager),
-     kWrappers<DataManagerWrapper, InitializeWrapper, PersistWrapper>},
+     kWrappers<DataManagerWrapper, InitializeWrapper, PersistWrapper, CatalogueWrapper>},
     {"KVDM.KVStudyAreaCollection", &CLSID_KVStudyAreaCollection, typeid(IKVStudyAreaCollection),
      kWrappers<StudyAreaCollectionWrapper>},
     {"KVDM.KVStudyArea", &CLSID_KVStudyArea, typeid(IKVStudyArea),

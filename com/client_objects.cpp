@@ -140,6 +140,13 @@ class SlotMetadata final : public LayerMetadata, public SlotObject<::ILayerMetad
   }
 };
 
+class SlotListener final : public CatalogueListener, public SlotObject<::ICatalogueListener> {
+ public:
+  using SlotObject::SlotObject;
+
+  void CatalogueChanged() override { Check(Slots().CatalogueChanged()); }
+};
+
 // An object that is called by name (late binding).
 class LateClient : public ClientObject {
  public:
@@ -236,6 +243,13 @@ class LateMetadata final : public LayerMetadata, public LateClient {
   }
 };
 
+class LateListener final : public CatalogueListener, public LateClient {
+ public:
+  using LateClient::LateClient;
+
+  void CatalogueChanged() override { Names().Call("CatalogueChanged"); }
+};
+
 // `object` as a Slots object if it has the interface, else as a Late one.
 template <class T, class Interface, class Slots, class Late>
 std::shared_ptr<T> Adapted(IUnknown* object) {
@@ -268,6 +282,11 @@ std::shared_ptr<LayerMetadata> FromClient<LayerMetadata>(IUnknown* object) {
 template <>
 std::shared_ptr<NamedValueSet> FromClient<NamedValueSet>(IUnknown* object) {
   return Adapted<NamedValueSet, ::INamedValueSet, SlotValueSet, LateValueSet>(object);
+}
+
+template <>
+std::shared_ptr<CatalogueListener> FromClient<CatalogueListener>(IUnknown* object) {
+  return Adapted<CatalogueListener, ::ICatalogueListener, SlotListener, LateListener>(object);
 }
 
 }  // namespace kvdm::com

@@ -1,8 +1,9 @@
-// Proxies of the objects that clients bring: the host, its streams, layer metadata and value sets.
+// Proxies of the objects that clients bring: the host, its streams, layer metadata, value sets, and
+// listeners.
 //
 // An object is called through its interface of that kind (IHost, IVariantStream, ILayerMetadata,
-// INamedValueSet), or else by the names of that interface's operations, so that scripts can be
-// hosts too.
+// INamedValueSet, ICatalogueListener), or else by the names of that interface's operations, so that
+// scripts can be hosts too.
 #pragma once
 
 #include <memory>
@@ -39,5 +40,7 @@ template <>
 std::shared_ptr<LayerMetadata> FromClient<LayerMetadata>(IUnknown* object);
 template <>
 std::shared_ptr<NamedValueSet> FromClient<NamedValueSet>(IUnknown* object);
+template <>
+std::shared_ptr<CatalogueListener> FromClient<CatalogueListener>(IUnknown* object);
 
 }  // namespace kvdm::com

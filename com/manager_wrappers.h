@@ -64,6 +64,17 @@ class PersistWrapper final : public WrapperOf<::IPersistVariant, IPersistVariant
   STDMETHODIMP Save(IUnknown* stream) override { return Call(&Core::Save, stream); }
 };
 
+class CatalogueWrapper final : public WrapperOf<::IKVCatalogue, IKVCatalogue> {
+ public:
+  using WrapperOf::WrapperOf;
+
+  STDMETHODIMP Reload(VARIANT_BOOL* result) override { return Call(&Core::Reload, result); }
+  STDMETHODIMP ChangedByOthers(VARIANT_BOOL* result) override {
+    return Call(&Core::ChangedByOthers, result);
+  }
+  STDMETHODIMP Notify(IUnknown* listener) override { return Call(&Core::Notify, listener); }
+};
+
 class TablesManagerWrapper final : public WrapperOf<::IKVTablesManager, IKVTablesManager> {
  public:
   using WrapperOf::WrapperOf;

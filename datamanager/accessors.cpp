@@ -56,7 +56,9 @@ std::shared_ptr<IKVDataCollection> KVDataManager::DataCollection() {
 
 std::shared_ptr<IKVStudyAreaCollection> KVDataManager::StudyAreaCollection() {
   return guard::Reported(reporter_, messages::kStudyAreaCollection, [&] {
-    return BindCollection<KVStudyAreaCollection>(catalogue_->DocumentElement());
+    auto study_areas = BindCollection<KVStudyAreaCollection>(catalogue_->DocumentElement());
+    Follow(study_areas);
+    return study_areas;
   });
 }
 

@@ -32,9 +32,10 @@ std::string WithoutTrailingBackslash(std::string path) {
 }  // namespace
 
 KVDataManager::KVDataManager(Platform platform) : platform_(std::move(platform)) {
-  platform_.registry = std::make_shared<SharedCatalogue>(
+  shared_ = std::make_shared<SharedCatalogue>(
       platform_.registry, platform_.xml_parser, platform_.log,
       RegistryAddress{RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue});
+  platform_.registry = shared_;
   Start();
 }
 
@@ -141,6 +142,7 @@ bool KVDataManager::Flush() {
       [&] {
         if (!IsSaved()) SaveCatalogue();
       });
+  if (listener_ && !is_told_) static_cast<void>(ChangedByOthers());
   return false;
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <kvdm/kvdm.h>
 
@@ -15,10 +16,14 @@
 
 namespace kvdm {
 
+class SharedCatalogue;
+struct CatalogueReading;
+
 // Every operation traps its errors, shows a message and returns its neutral result.
 class KVDataManager final : public IKVDataManager,
                             public IKVDMInitialize,
                             public IPersistVariant,
+                            public IKVCatalogue,
                             private DataManagerFriend {
  public:
   // Reads the registry and the preset catalogue, and starts a fresh metadata document.
@@ -45,12 +50,17 @@ class KVDataManager final : public IKVDataManager,
   void Load(const std::shared_ptr<VariantStream>& stream) override;
   void Save(const std::shared_ptr<VariantStream>& stream) override;
 
+  bool Reload() override;
+  bool ChangedByOthers() override;
+  void Notify(const std::shared_ptr<CatalogueListener>& listener) override;
+
   // For the other classes of the component, and for hosts that are built with it.
   std::shared_ptr<Host> HostObject() override { return host_; }
   void KVDMHandleError(std::string_view message) override;
   std::shared_ptr<ResourceFinder> Resources() override { return resources_; }
   [[nodiscard]] Log* ErrorLog() const override { return platform_.log.get(); }
   [[nodiscard]] const Platform& Services() const override { return platform_; }
+  void Follow(const std::shared_ptr<CatalogueView>& view) override;
   DataManagerRef Reference() override;
   // Creates the working directory's folders when it is missing, and starts the metadata afresh in
   // any case.
@@ -69,6 +79,11 @@ class KVDataManager final : public IKVDataManager,
   // since.
   [[nodiscard]] bool IsSaved() const;
   void SaveCatalogue();
+  // Puts `catalogue` in place of the one that is there; every view that lives gets its element
+  // there.
+  void ReplaceCatalogue(DocumentRef catalogue, CatalogueReading reading);
+  // Tells the listener, if it was not told already.
+  void TellOfChanges();
   void SettleWorkingDirectory();
   [[nodiscard]] std::string TempFolder() const;
   NameListRef ListPresets(const char* attribute);
@@ -79,6 +94,7 @@ class KVDataManager final : public IKVDataManager,
   std::shared_ptr<Collection> BindCollection(xml::Element element);
 
   Platform platform_;
+  std::shared_ptr<SharedCatalogue> shared_;  // the platform's registry
   Reporter reporter_{ReportStyle::kShown, this};
   Workspace workspace_;
   AreaRegistry areas_{platform_, workspace_, *this};
@@ -87,6 +103,10 @@ class KVDataManager final : public IKVDataManager,
   DocumentRef catalogue_ = std::make_shared<xml::Document>();
   std::uint64_t saved_changes_ = 0;
   std::string saved_stamp_;  // of the registry when the catalogue was saved; "" for never
+  std::vector<std::weak_ptr<CatalogueView>> views_;
+  std::size_t most_views_ = 64;  // at which those that are gone are forgotten
+  std::shared_ptr<CatalogueListener> listener_;
+  bool is_told_ = false;
   DocumentRef presets_ = std::make_shared<xml::Document>();
   std::shared_ptr<DatasetManager> dataset_manager_;
   std::shared_ptr<ResourceFinder> resources_;

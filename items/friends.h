@@ -9,9 +9,21 @@
 #include <kvdm/datamanager/data_manager.h>
 #include <kvdm/platform/platform.h>
 
+#include "platform/xml/node.h"
 #include "util/reporter.h"
 
 namespace kvdm {
+
+// A view of an element of the catalogue, as the data manager sees it when it has read the catalogue
+// again.
+class CatalogueView {
+ public:
+  [[nodiscard]] virtual const xml::Element& CatalogueElement() const = 0;
+  virtual void Rebind(xml::Element element) noexcept = 0;
+
+ protected:
+  ~CatalogueView() = default;
+};
 
 // Not one of the interfaces that an object can be asked for.
 class DataManagerFriend : public ReportTarget {
@@ -35,6 +47,9 @@ class DataManagerFriend : public ReportTarget {
   // The first free folder name below `parent` in the working directory: `prefix`, then `prefix`
   // followed by 1, 2, 3 ... "" while there is no valid metadata.
   virtual std::string GenerateFolderName(std::string_view parent, std::string_view prefix) = 0;
+
+  // Keeps `view` bound to its element for as long as it lives.
+  virtual void Follow(const std::shared_ptr<CatalogueView>& view) = 0;
 
   // A reference to hand on to views.
   virtual std::shared_ptr<DataManagerFriend> Reference() = 0;

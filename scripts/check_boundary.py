@@ -19,7 +19,7 @@ INTERFACES = ROOT / "include/kvdm/datamanager"
 HEADERS = [*sorted(INTERFACES.glob("*.h")), ROOT / "include/kvdm/platform/host.h", ROOT / "include/kvdm/platform/gis_core.h"]
 
 # Classes of the platform headers that clients implement, and the interfaces they are in the IDL.
-CLIENT_OBJECTS = ["Host", "HostPropertySet", "VariantStream", "NamedValueSet", "LayerMetadata", "Identifier"]
+CLIENT_OBJECTS = ["Host", "HostPropertySet", "VariantStream", "NamedValueSet", "LayerMetadata", "Identifier", "CatalogueListener"]
 
 # What the IDL says more than the headers: operations under another name, and held places.
 RENAMED = {("IKVDataManager", "GetDatasetManager"): "get DatasetManager"}

@@ -14,7 +14,8 @@ inline constexpr char kUnlistedStudyArea[] = "Default";
 class KVStudyArea final : public IKVPropertySet,
                           public IKVStudyArea,
                           public IKVMetadata,
-                          public IKVStudyArea2 {
+                          public IKVStudyArea2,
+                          public CatalogueView {
  public:
   explicit KVStudyArea(std::shared_ptr<GisCore> gis_core);
 
@@ -40,6 +41,9 @@ class KVStudyArea final : public IKVPropertySet,
   std::shared_ptr<Unknown> Facet(std::type_index interface_type) override {
     return layer_edit_.If(interface_type);
   }
+
+  [[nodiscard]] const xml::Element& CatalogueElement() const override { return view_.node(); }
+  void Rebind(xml::Element element) noexcept override { view_.AttachNode(std::move(element)); }
 
   // The tables folder of this study area with a trailing "\"; "" without an element. Creates
   // nothing.

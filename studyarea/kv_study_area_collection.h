@@ -7,7 +7,8 @@
 
 namespace kvdm {
 
-class KVStudyAreaCollection final : public Collection<IKVStudyAreaCollection> {
+class KVStudyAreaCollection final : public Collection<IKVStudyAreaCollection>,
+                                    public CatalogueView {
  public:
   explicit KVStudyAreaCollection(std::shared_ptr<GisCore> gis_core);
 
@@ -20,6 +21,9 @@ class KVStudyAreaCollection final : public Collection<IKVStudyAreaCollection> {
   bool DeleteStudyAreaByGUID(std::string_view guid) override;
   std::shared_ptr<IKVStudyArea> GetStudyAreaByGUID(std::string_view guid) override;
   bool StudyAreaExistsByGUID(std::string_view guid) override;
+
+  [[nodiscard]] const xml::Element& CatalogueElement() const override { return view_.node(); }
+  void Rebind(xml::Element element) noexcept override { view_.SetNode(std::move(element)); }
 
  private:
   [[nodiscard]] std::string StudyAreasFolder() const;

@@ -87,6 +87,7 @@ inline constexpr char kSaving[] = "error while saving XML  ";
 // Preset data and temporary files.
 inline constexpr char kPresetList[] = "Couldn't get Preset Data list";
 inline constexpr char kPresetFile[] = "Couldn't get Preset Data shape file name";
+inline constexpr char kReload[] = "Couldn't read the study areas again";
 inline constexpr char kTempFile[] = "Couldn't generate new Temp file name";
 
 // Accessors.

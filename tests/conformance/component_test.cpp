@@ -35,11 +35,12 @@ TEST(ComponentConformance, GivesANewObjectEachTime) {
   EXPECT_NE(world.New("KVFileInfo"), world.New("KVFileInfo"));
 }
 
-TEST(ComponentConformance, DataManagerHasItsThreeInterfaces) {
+TEST(ComponentConformance, DataManagerHasItsFourInterfaces) {
   World world;
   EXPECT_TRUE(Has<IKVDataManager>(world, "KVDataManager"));
   EXPECT_TRUE(Has<IKVDMInitialize>(world, "KVDataManager"));
   EXPECT_TRUE(Has<IPersistVariant>(world, "KVDataManager"));
+  EXPECT_TRUE(Has<IKVCatalogue>(world, "KVDataManager"));
 }
 
 TEST(ComponentConformance, StudyAreaHasItsFiveInterfaces) {

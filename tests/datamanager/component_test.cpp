@@ -27,6 +27,7 @@ const InterfaceName kInterfaces[] = {
     {"IKVDataManager", &Answers<IKVDataManager>},
     {"IKVDMInitialize", &Answers<IKVDMInitialize>},
     {"IPersistVariant", &Answers<IPersistVariant>},
+    {"IKVCatalogue", &Answers<IKVCatalogue>},
     {"IKVStudyAreaCollection", &Answers<IKVStudyAreaCollection>},
     {"IKVStudyArea", &Answers<IKVStudyArea>},
     {"IKVStudyArea2", &Answers<IKVStudyArea2>},
@@ -59,7 +60,8 @@ struct ClassRow {
 };
 
 const ClassRow kClasses[] = {
-    {"KVDM.KVDataManager", {"IKVDataManager", "IKVDMInitialize", "IPersistVariant"}},
+    {"KVDM.KVDataManager",
+     {"IKVDataManager", "IKVDMInitialize", "IPersistVariant", "IKVCatalogue"}},
     {"KVDM.KVStudyAreaCollection", {"IKVStudyAreaCollection"}},
     {"KVDM.KVStudyArea",
      {"IKVStudyArea", "IKVStudyArea2", "IKVPropertySet", "IKVLayerEdit", "IKVMetadata"}},

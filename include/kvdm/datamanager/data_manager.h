@@ -114,4 +114,29 @@ class KVDM_EXPORT IPersistVariant : public virtual Unknown {
   virtual void Save(const std::shared_ptr<VariantStream>& stream) = 0;
 };
 
+/// The study area catalogue as several programs share it: `kvdm` beside an application, or two data
+/// managers in one. The data manager has this interface.
+///
+/// A data manager reads the catalogue when it is created and never overwrites what others wrote
+/// since, but goes on showing what it read. This is how it learns of their changes.
+class KVDM_EXPORT IKVCatalogue : public virtual Unknown {
+ public:
+  /// Reads the catalogue again. What was changed here and not yet saved stands, attribute by
+  /// attribute and property by property, also against changes of others, which a save then keeps in
+  /// the registry's history. Views stay bound to their study areas, found by their identifiers; a
+  /// view of one that others deleted is as a view of one that was deleted here. Nothing is saved.
+  /// True when the catalogue was read, or nothing is stored: then all stays. Shows: all stays when
+  /// it can't be read or is not well-formed.
+  virtual bool Reload() = 0;
+
+  /// Whether others have changed the stored study areas since this data manager read or saved
+  /// them. Reads the registry. Quiet.
+  virtual bool ChangedByOthers() = 0;
+
+  /// From now on tells `listener`, in place of the one before, when an operation that saves, or
+  /// ChangedByOthers, finds that others have changed the catalogue: once, then not until after the
+  /// next Reload. With Nothing it tells nobody. Never fails.
+  virtual void Notify(const std::shared_ptr<CatalogueListener>& listener) = 0;
+};
+
 }  // namespace kvdm

@@ -37,4 +37,15 @@ class KVDM_EXPORT Host {
   virtual std::shared_ptr<HostPropertySet> Settings() = 0;
 };
 
+/// What an application is told of the study area catalogue. The data manager holds it until it is
+/// given another one or Nothing. What it throws is noted in the log.
+class KVDM_EXPORT CatalogueListener {
+ public:
+  virtual ~CatalogueListener() = default;
+
+  /// Others have changed the study areas; IKVCatalogue::Reload, which may be called at once, shows
+  /// them.
+  virtual void CatalogueChanged() = 0;
+};
+
 }  // namespace kvdm

@@ -129,6 +129,15 @@ class MetadataFace final : public Face<::ILayerMetadata, LayerMetadata> {
   }
 };
 
+class ListenerFace final : public Face<::ICatalogueListener, CatalogueListener> {
+ public:
+  using Face::Face;
+
+  STDMETHODIMP CatalogueChanged() override {
+    return With([](auto& listener) { listener.CatalogueChanged(); });
+  }
+};
+
 }  // namespace
 
 ComPtr<IUnknown> ToDll(const std::shared_ptr<Host>& host) { return FaceFor<HostFace>(host); }
@@ -139,6 +148,10 @@ ComPtr<IUnknown> ToDll(const std::shared_ptr<VariantStream>& stream) {
 
 ComPtr<IUnknown> ToDll(const std::shared_ptr<LayerMetadata>& data) {
   return FaceFor<MetadataFace>(data);
+}
+
+ComPtr<IUnknown> ToDll(const std::shared_ptr<CatalogueListener>& listener) {
+  return FaceFor<ListenerFace>(listener);
 }
 
 ComPtr<IUnknown> HostObject(const std::shared_ptr<NamedValueSet>& set) {

@@ -69,6 +69,17 @@ class PersistClient final : public ClientOf<IPersistVariant, ::IPersistVariant> 
   void Save(const std::shared_ptr<VariantStream>& stream) override { Call(&Abi::Save, stream); }
 };
 
+class CatalogueClient final : public ClientOf<IKVCatalogue, ::IKVCatalogue> {
+ public:
+  using ClientOf::ClientOf;
+
+  bool Reload() override { return Call(&Abi::Reload); }
+  bool ChangedByOthers() override { return Call(&Abi::ChangedByOthers); }
+  void Notify(const std::shared_ptr<CatalogueListener>& listener) override {
+    Call(&Abi::Notify, listener);
+  }
+};
+
 class TablesManagerClient final : public ClientOf<IKVTablesManager, ::IKVTablesManager> {
  public:
   using ClientOf::ClientOf;

@@ -84,11 +84,12 @@ Facets FacetsOf() {
 
 const Facets& AllFacets() {
   static const Facets facets =
-      FacetsOf<DataManagerClient, InitializeClient, PersistClient, TablesManagerClient,
-               FileInfoClient, StudyAreaCollectionClient, StudyAreaClient, StudyArea2Client,
-               PropertySetClient, AnalysisCollectionClient, StoreLayerCollectionClient,
-               CustLayerCollectionClient, DataCollectionClient, AnalysisClient, StoreLayerClient,
-               CustLayerClient, DataItemClient, LayerEditClient, MetadataClient>();
+      FacetsOf<DataManagerClient, InitializeClient, PersistClient, CatalogueClient,
+               TablesManagerClient, FileInfoClient, StudyAreaCollectionClient, StudyAreaClient,
+               StudyArea2Client, PropertySetClient, AnalysisCollectionClient,
+               StoreLayerCollectionClient, CustLayerCollectionClient, DataCollectionClient,
+               AnalysisClient, StoreLayerClient, CustLayerClient, DataItemClient, LayerEditClient,
+               MetadataClient>();
   return facets;
 }
 

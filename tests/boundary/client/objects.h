@@ -24,6 +24,8 @@ namespace kvdm::client {
 [[nodiscard]] Microsoft::WRL::ComPtr<IUnknown> ToDll(const std::shared_ptr<VariantStream>& stream);
 [[nodiscard]] Microsoft::WRL::ComPtr<IUnknown> ToDll(const std::shared_ptr<LayerMetadata>& data);
 [[nodiscard]] Microsoft::WRL::ComPtr<IUnknown> ToDll(const std::shared_ptr<NamedValueSet>& set);
+[[nodiscard]] Microsoft::WRL::ComPtr<IUnknown> ToDll(
+    const std::shared_ptr<CatalogueListener>& listener);
 
 // An object that the DLL answers, as the type to which it is converted. A value set that came from
 // the test is that very set again; a list is copied.

@@ -324,3 +324,22 @@ void FreeMetadata(Metadata* metadata) {
   CheckOnlyOurs(&metadata->object);
   if (metadata->document != NULL) metadata->document->lpVtbl->Release(metadata->document);
 }
+
+// Listeners.
+
+static HRESULT STDMETHODCALLTYPE CatalogueChanged(ICatalogueListener* self) {
+  Listener* listener = (Listener*)self;
+  COUNT_CALL(ICatalogueListener, CatalogueChanged);
+  ++listener->told;
+  return Outcome(&listener->object);
+}
+
+static const ICatalogueListenerVtbl kListenerSlots = {UNKNOWN_SLOTS(ICatalogueListener),
+                                                      CatalogueChanged};
+
+void InitListener(Listener* listener) {
+  InitObject(&listener->object, &kListenerSlots, &IID_ICatalogueListener);
+  listener->told = 0;
+}
+
+void FreeListener(Listener* listener) { CheckOnlyOurs(&listener->object); }

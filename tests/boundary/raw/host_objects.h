@@ -56,16 +56,23 @@ typedef struct {
   unsigned written;
 } Metadata;
 
+typedef struct {
+  HostObject object;
+  unsigned told;
+} Listener;
+
 void InitHost(Host* host);
 void InitStream(Stream* stream);
 void InitValueSet(ValueSet* set);
 void InitMetadata(Metadata* metadata);
+void InitListener(Listener* listener);
 
 // These also check that nobody else holds the object any more.
 void FreeHost(Host* host);
 void FreeStream(Stream* stream);
 void FreeValueSet(ValueSet* set);
 void FreeMetadata(Metadata* metadata);
+void FreeListener(Listener* listener);
 
 void SetText(PropertySet* set, const wchar_t* name, const wchar_t* text);
 void PutText(ValueSet* set, const wchar_t* path, const wchar_t* text);

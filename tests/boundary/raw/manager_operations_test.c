@@ -101,6 +101,45 @@ static void TestPersistence(IKVDataManager* manager) {
   FreeStream(&stream);
 }
 
+static void Comment(IKVDataManager* manager, const wchar_t* comments) {
+  IKVStudyAreaCollection* areas = NULL;
+  IKVStudyArea* north = NULL;
+  GET(areas, IKVDataManager, StudyAreaCollection, manager);
+  GET(north, IKVStudyAreaCollection, GetStudyArea, areas, In(L"North"));
+  CHECK_DONE(IKVStudyArea, put_Comments, north, In(comments));
+  CHECK(Release(north) == 0);
+  CHECK(Release(areas) == 0);
+}
+
+// A view of the first data manager sees what the second one did once that was read again, and a
+// listener hears of it, also one that fails.
+static void TestCatalogue(IKVDataManager* manager) {
+  Listener listener;
+  IKVDataManager* other = NewManager();
+  IKVCatalogue* catalogue = As(manager, &IID_IKVCatalogue);
+  IKVStudyAreaCollection* areas = NULL;
+  IKVStudyArea* north = NULL;
+  InitListener(&listener);
+  GET(areas, IKVDataManager, StudyAreaCollection, manager);
+  GET(north, IKVStudyAreaCollection, GetStudyArea, areas, In(L"North"));
+  CHECK_DONE(IKVCatalogue, Notify, catalogue, (IUnknown*)&listener);
+  CHECK_FALSE(IKVCatalogue, ChangedByOthers, catalogue);
+  Comment(other, L"theirs");
+  listener.object.failure.code = E_FAIL;
+  CHECK_TRUE(IKVCatalogue, ChangedByOthers, catalogue);
+  CHECK(listener.told == 1);
+  CHECK_TEXT(L"", IKVStudyArea, get_Comments, north);
+  CHECK_TRUE(IKVCatalogue, Reload, catalogue);
+  CHECK_TEXT(L"theirs", IKVStudyArea, get_Comments, north);
+  CHECK_FALSE(IKVCatalogue, ChangedByOthers, catalogue);
+  CHECK_DONE(IKVCatalogue, Notify, catalogue, NULL);
+  FreeListener(&listener);
+  CHECK(Release(north) == 0);
+  CHECK(Release(areas) == 0);
+  Release(catalogue);
+  CHECK(Release(other) == 0);
+}
+
 void TestManagerOperations(void) {
   World world;
   InitWorld(&world);
@@ -110,5 +149,6 @@ void TestManagerOperations(void) {
   TestAccessors(world.manager);
   TestDatasetManager(world.manager);
   TestPersistence(world.manager);
+  TestCatalogue(world.manager);
   FreeWorld(&world);
 }

@@ -319,6 +319,33 @@ Sub TestPersistence(manager)
   CheckEqual "restored", "|Turnover", Joined(other.AnalysisCollection.AnalysesList)
 End Sub
 
+Class Listener
+  Public Told
+
+  Public Sub CatalogueChanged()
+    Told = Told + 1
+  End Sub
+End Class
+
+' Another data manager changes the catalogue, as another program does.
+Sub TestCatalogue(manager)
+  Dim theListener, other, area
+  Set theListener = New Listener
+  Set other = WScript.CreateObject("KVDM.KVDataManager")
+  manager.StudyAreaCollection.CreateStudyArea "Shared"
+  other.Reload
+  Set area = manager.StudyAreaCollection.GetStudyArea("Shared")
+  manager.Notify theListener
+  CheckEqual "unchanged", False, manager.ChangedByOthers
+  other.StudyAreaCollection.GetStudyArea("Shared").Comments = "theirs"
+  CheckEqual "changed", True, manager.ChangedByOthers
+  CheckEqual "told", 1, theListener.Told
+  CheckEqual "not read yet", "", area.Comments
+  CheckEqual "reloaded", True, manager.Reload
+  CheckEqual "the same view", "theirs", area.Comments
+  manager.Notify Nothing
+End Sub
+
 Sub TestHostErrors(manager, theHost)
   Dim folder
   theHost.Denied = True
@@ -454,7 +481,8 @@ Sub RunTests()
   TestPersistence manager
   TestHostErrors manager, theHost
   TestCallErrors manager
-TestTypes manager
+  TestTypes manager
+  TestCatalogue manager
   TestFriends manager
 End Sub
 

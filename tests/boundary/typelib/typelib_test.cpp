@@ -161,10 +161,15 @@ Lines LibraryLines(const std::string& file) {
   return lines;
 }
 
+// The line of a class that has got another interface follows the one that it had before.
 Lines FileLines(const std::string& file) {
   std::ifstream source(file);
   Lines lines;
   for (std::string line; std::getline(source, line);) lines.insert(line);
+  std::erase_if(lines, [&](const std::string& line) {
+    const auto next = lines.upper_bound(line);
+    return line.starts_with("class ") && next != lines.end() && next->starts_with(line + " ");
+  });
   return lines;
 }
 
