@@ -57,12 +57,37 @@ struct Model {
     view.base = view.now;
   }
 
-  void Put(const std::string& guid, const Fields& base, const Fields& wanted) {
-    if (!stored.contains(guid)) {
-      stored[guid] = wanted;
-      return;
+  // What is stored, with what was changed in the view. What collides goes on as changed there.
+  void Reload(View& view) const {
+    View read = {stored, stored};
+    for (const auto& [guid, wanted] : view.now) {
+      const auto base = view.base.find(guid);
+      if (base != view.base.end() && base->second == wanted) continue;
+      const bool is_new = base == view.base.end();
+      if (!Put(read.now, guid, is_new ? Fields() : base->second, wanted)) continue;
+      read.base.erase(guid);
+      if (!is_new) read.base[guid] = base->second;
     }
-    Fields& there = stored[guid];
+    for (const auto& [guid, base] : view.base) {
+      const auto there = stored.find(guid);
+      const bool deletes = !view.now.contains(guid) && there != stored.end();
+      if (deletes && there->second == base) read.now.erase(guid);
+    }
+    view = read;
+  }
+
+  void Put(const std::string& guid, const Fields& base, const Fields& wanted) {
+    const Fields before = stored.contains(guid) ? stored[guid] : Fields();
+    if (Put(stored, guid, base, wanted)) history.insert(before);
+  }
+
+  // Whether something else had changed in the same place.
+  static bool Put(Areas& areas, const std::string& guid, const Fields& base, const Fields& wanted) {
+    if (!areas.contains(guid)) {
+      areas[guid] = wanted;
+      return false;
+    }
+    Fields& there = areas[guid];
     const Fields before = there;
     bool collides = false;
     for (const auto& [name, value] : wanted) {
@@ -71,10 +96,11 @@ struct Model {
         return found == fields.end() ? std::string() : found->second;
       };
       if (value == value_in(base) || value == value_in(before)) continue;
-      collides = collides || value_in(base) != value_in(before);
+      // What is gone there gives way to what was changed.
+      collides = collides || (before.contains(name) && value_in(base) != value_in(before));
       there[name] = value;
     }
-    if (collides) history.insert(before);
+    return collides;
   }
 
   Areas stored;
@@ -90,7 +116,7 @@ class HostsAtOnce {
   void Step() {
     const std::size_t host = Draw(managers_.size());
     world_.platform.registry->SetWritable(writes_ = Draw(3) != 0);
-    switch (Draw(9)) {
+    switch (Draw(10)) {
       case 0:
         Restart(host);
         break;
@@ -104,10 +130,14 @@ class HostsAtOnce {
       case 4:
         Flush(host);
         break;
+      case 5:
+        Reload(host);
+        break;
       default:
         Change(host);
     }
     Compare();
+    CompareViews(host);
   }
 
  private:
@@ -130,7 +160,15 @@ class HostsAtOnce {
     managers_[host]->DMInitialize(world_.host);
     world_.platform.registry->SetReadable(true);
     views_[host] = {};
+    held_[host].clear();
     if (reads) views_[host] = {model_.stored, model_.stored};
+  }
+
+  // The same view as before, where there was one.
+  std::shared_ptr<IKVStudyArea> ViewOf(std::size_t host, const std::string& guid) {
+    auto& view = held_[host][guid];
+    if (!view) view = AreasOf(host)->GetStudyAreaByGUID(guid);
+    return view;
   }
 
   void Saved(std::size_t host) {
@@ -140,6 +178,15 @@ class HostsAtOnce {
   void Flush(std::size_t host) {
     managers_[host]->Flush();
     Saved(host);
+  }
+
+  void Reload(std::size_t host) {
+    ASSERT_TRUE(managers_[host]->Reload());
+    model_.Reload(views_[host]);
+    // The view of one that is gone stays so, even when somebody brings it back.
+    std::erase_if(held_[host],
+                  [&](const auto& held) { return !views_[host].now.contains(held.first); });
+    EXPECT_FALSE(managers_[host]->ChangedByOthers());
   }
 
   void Create(std::size_t host) {
@@ -156,13 +203,14 @@ class HostsAtOnce {
     const std::string name = AreasOf(host)->GetStudyAreaByGUID(guid)->Name();
     ASSERT_TRUE(AreasOf(host)->DeleteStudyArea(name));
     views_[host].now.erase(guid);
+    held_[host].erase(guid);
     Saved(host);
   }
 
   void Change(std::size_t host) {
     const std::string guid = AnyOf(host);
     if (guid.empty()) return;
-    const auto area = AreasOf(host)->GetStudyAreaByGUID(guid);
+    const auto area = ViewOf(host, guid);
     Fields& fields = views_[host].now[guid];
     const std::string value = std::to_string(Draw(3));
     switch (Draw(4)) {
@@ -197,6 +245,18 @@ class HostsAtOnce {
     CompareHistory();
   }
 
+  void CompareViews(std::size_t host) {
+    std::set<std::string> guids;
+    const NameListRef listed = AreasOf(host)->StudyAreasGUIDsList();
+    for (const Value& guid : *listed) guids.insert(ToText(guid));
+    std::set<std::string> expected;
+    for (const auto& [guid, fields] : views_[host].now) {
+      expected.insert(guid);
+      EXPECT_EQ("_" + ViewOf(host, guid)->Name() + "_", fields.at("name"));
+    }
+    EXPECT_EQ(guids, expected);
+  }
+
   void CompareHistory() {
     std::set<Fields> history;
     for (const auto& kept : world_.platform.registry->Kept(
@@ -214,6 +274,7 @@ class HostsAtOnce {
   Model model_;
   std::array<std::shared_ptr<KVDataManager>, 3> managers_;
   std::array<Model::View, 3> views_;
+  std::array<std::map<std::string, std::shared_ptr<IKVStudyArea>>, 3> held_;
   bool writes_ = true;
   int names_ = 0;
 };
