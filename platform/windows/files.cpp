@@ -201,11 +201,11 @@ bool IsStill(const FileHandle& file, const FolderEntry& entry) {
 }
 
 // Old network shares tell what a file is only to those who may also read it. Where reading is
-// refused it is opened without.
+// refused, as by a cloud store that is not running, it is opened without.
 FileHandle OpenRelative(const FileHandle& folder, const std::wstring& name, DWORD access) {
   FileHandle file(INVALID_HANDLE_VALUE);
   DWORD error = OpenIn(folder, name, access | FILE_READ_DATA, file);
-  if (error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION) {
+  if (error != 0 && !MeansMissing(static_cast<int>(error))) {
     error = OpenIn(folder, name, access, file);
   }
   if (error != 0) ThrowSystemError(static_cast<int>(error));

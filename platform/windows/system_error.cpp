@@ -15,6 +15,12 @@ struct Numbered {
   std::int32_t number;
 };
 
+// Of files that a cloud store keeps; the headers do not know them yet.
+constexpr int kCloudProviderNotRunning = 362;
+constexpr int kCloudNetworkUnavailable = 388;
+constexpr int kCloudFileInUse = 391;
+constexpr int kCloudAccessDenied = 395;
+
 constexpr Numbered kNumbers[] = {
     {ERROR_FILE_NOT_FOUND, kPathNotFound},
     {ERROR_PATH_NOT_FOUND, kPathNotFound},
@@ -50,6 +56,15 @@ constexpr Numbered kNumbers[] = {
     {ERROR_NOT_READY, kDeviceUnavailable},
     {ERROR_DEV_NOT_EXIST, kDeviceUnavailable},
     {ERROR_DEVICE_NOT_CONNECTED, kDeviceUnavailable},
+    {ERROR_REM_NOT_LIST, kDeviceUnavailable},
+    {ERROR_UNEXP_NET_ERR, kDeviceUnavailable},
+    {ERROR_NETNAME_DELETED, kDeviceUnavailable},
+    {ERROR_SEM_TIMEOUT, kDeviceUnavailable},
+    {ERROR_NETWORK_UNREACHABLE, kDeviceUnavailable},
+    {kCloudProviderNotRunning, kDeviceUnavailable},
+    {kCloudNetworkUnavailable, kDeviceUnavailable},
+    {kCloudFileInUse, kPermissionDenied},
+    {kCloudAccessDenied, kPermissionDenied},
     {ERROR_NOT_ENOUGH_MEMORY, kOutOfMemory},
     {ERROR_OUTOFMEMORY, kOutOfMemory},
 };

@@ -27,6 +27,10 @@ TEST(SystemErrorTest, ErrorsHaveTheNumbersThatClientsKnow) {
       {ERROR_DISK_FULL, kPathFileAccess},
       {ERROR_REPARSE_TAG_MISMATCH, kPathFileAccess},
       {ERROR_NOT_READY, kDeviceUnavailable},
+      {ERROR_NETNAME_DELETED, kDeviceUnavailable},
+      {ERROR_SEM_TIMEOUT, kDeviceUnavailable},
+      {362, kDeviceUnavailable},  // A cloud store that is not running.
+      {395, kPermissionDenied},
       {ERROR_NOT_ENOUGH_MEMORY, kOutOfMemory},
   };
   for (const auto& row : rows) {
