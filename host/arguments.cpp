@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -60,10 +61,19 @@ const CLI::App& Arguments::Root() const {
   return *root;
 }
 
+bool CommandGroup::IsWanted(const std::string& name) const {
+  return app_ != nullptr &&
+         (named_ == nullptr || std::ranges::find(*named_, name) != named_->end());
+}
+
 CommandGroup CommandGroup::Group(const std::string& name, const std::string& help) const {
+  CommandGroup group(*this);
+  group.app_ = nullptr;
+  if (!IsWanted(name)) return group;
   CLI::App* app = app_->add_subcommand(name, help)->fallthrough()->require_subcommand(1);
   app->footer(fmt::format("'{} COMMAND --help' tells more about a command.", PathOf(*app)));
-  return {*app, *chosen_};
+  group.app_ = app;
+  return group;
 }
 
 CLI::App& CommandGroup::NewApp(const std::string& name, const std::string& help,

@@ -46,21 +46,29 @@ class Arguments {
 //
 //   CommandGroup area = root.Group("area", "Study areas");
 //   area.Add<AreaList>("list", "List the study areas", "kvdm area list --json");
+//
+// Making all commands takes longer than most of them do: only those are made that the words of a
+// command line can mean, unless all are wanted.
 class CommandGroup {
  public:
+  using Words = std::vector<std::string>;
+
   // The command that the command line asks for.
   struct Chosen {
     std::string path;  // "kvdm area list"
     std::shared_ptr<Command> command;
   };
 
-  CommandGroup(CLI::App& app, Chosen& chosen) : app_(&app), chosen_(&chosen) {}
+  // `named` are the words; nullptr for all commands.
+  CommandGroup(CLI::App& app, Chosen& chosen, const Words* named)
+      : app_(&app), chosen_(&chosen), named_(named) {}
 
   [[nodiscard]] CommandGroup Group(const std::string& name, const std::string& help) const;
 
   // Adds a command; `examples` are whole command lines, one a line.
   template <class SomeCommand>
   void Add(const std::string& name, const std::string& help, std::string_view examples) const {
+    if (!IsWanted(name)) return;
     CLI::App& app = NewApp(name, help, examples);
     if constexpr (std::is_constructible_v<SomeCommand, Arguments>) {
       Bind(app, std::make_shared<SomeCommand>(Arguments(app)));
@@ -70,12 +78,14 @@ class CommandGroup {
   }
 
  private:
+  [[nodiscard]] bool IsWanted(const std::string& name) const;
   [[nodiscard]] CLI::App& NewApp(const std::string& name, const std::string& help,
                                  std::string_view examples) const;
   void Bind(CLI::App& app, std::shared_ptr<Command> command) const;
 
-  CLI::App* app_;
+  CLI::App* app_;  // nullptr for a group that is not wanted
   Chosen* chosen_;
+  const Words* named_;
 };
 
 }  // namespace kvdm

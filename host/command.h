@@ -115,8 +115,8 @@ class DeletingCommand : public AskingCommand {
   bool no_trash_ = false;
 };
 
-// Runs the command line `arguments`, the program's own name left out. Answers the exit status.
+// Runs the command line `words`, the program's own name left out. Answers the exit status.
 // Where memory runs out, here or before, the program ends at once with a sentence and status 1.
-int RunCommandLine(std::vector<std::string> arguments);
+int RunCommandLine(const std::vector<std::string>& words);
 
 }  // namespace kvdm

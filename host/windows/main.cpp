@@ -78,5 +78,5 @@ extern "C" int wmain(int count, wchar_t** words) {
   const ComApartment apartment;
   std::vector<std::string> arguments;
   for (int i = 1; i < count; ++i) arguments.push_back(kvdm::os::ToText(words[i]));
-  return kvdm::RunCommandLine(std::move(arguments));
+  return kvdm::RunCommandLine(arguments);
 }
