@@ -69,6 +69,10 @@ class KVDataManager final : public IKVDataManager,
   // The identifiers of the preset data items; Nothing after a failed start-up.
   NameListRef PDataGUIDList();
   std::string GetPDataFileByGUID(std::string_view guid);
+  // Grows with each change of the catalogue and the metadata.
+  [[nodiscard]] std::uint64_t Changes() const {
+    return catalogue_->Changes() + (workspace_.metadata ? workspace_.metadata->Changes() : 0);
+  }
   // The study areas and layers that stand directly in the metadata.
   AreaRegistry& Areas() { return areas_; }
 

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <iostream>
 #include <new>
-#include <system_error>
 
 #include "host/command_line.h"
 #include "host/os.h"
@@ -47,17 +46,9 @@ int Run(const CommandLine& line, const std::vector<std::string>& words) {
   OutputOptions options = line.Options().output;
   options.bold = IsBold();
   Output out(options);
-  try {
+  return Reported(line.Path(), out, [&] {
     line.GetCommand().Execute({line.Options().project, line.Options().allowed, out, words});
-    out.Print(line.Path());
-    return static_cast<int>(out.Status());
-  } catch (const Failure& failure) {
-    return out.PrintFailure(line.Path(), failure);
-  } catch (const std::system_error& error) {
-    return out.PrintFailure(line.Path(), {ExitCode::kRefused, error.what()});
-  } catch (const std::exception& error) {
-    return out.PrintError(line.Path(), error);
-  }
+  });
 }
 
 }  // namespace

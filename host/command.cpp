@@ -24,17 +24,6 @@ void RefusedByMessage(const Output& out, Body&& body) {
                 fmt::format("The component reported: {}", out.Messages().back()));
 }
 
-// The files that a change makes are made beside nothing but a project that can be changed.
-void RequireChangeable(const std::filesystem::path& file) {
-  std::ignore = ReadProjectFile(file);
-  if (!os::IsReadOnly(file)) return;
-  throw Failure(
-      ExitCode::kRefused,
-      fmt::format("The project {} is marked read-only. Make it writable before you change "
-                  "anything.",
-                  os::ToText(file)));
-}
-
 }  // namespace
 
 Access ProjectCommand::Wanted() const {
@@ -53,20 +42,36 @@ std::optional<Question> ProjectCommand::Agreed(const std::filesystem::path& file
   return question;
 }
 
-void ProjectCommand::StartChange(std::optional<Session>& session, const std::filesystem::path& file,
-                                 const Invocation& invocation) {
+// The files that a change makes are made beside nothing but a project that can be changed.
+void RequireChangeable(const std::filesystem::path& file) {
+  std::ignore = ReadProjectFile(file);
+  if (!os::IsReadOnly(file)) return;
+  throw Failure(
+      ExitCode::kRefused,
+      fmt::format("The project {} is marked read-only. Make it writable before you change "
+                  "anything.",
+                  os::ToText(file)));
+}
+
+void StartChange(std::optional<Session>& session, const std::filesystem::path& file, Access access,
+                 bool needs_tenure, const Invocation& invocation) {
   const auto open = [&] {
     session.reset();
-    session.emplace(file, Wanted(), invocation.allowed, invocation.out);
+    session.emplace(file, access, invocation.allowed, invocation.out);
     session->Component().RequireWorkingDirectory();
-    if (NeedsTenure()) RequireTenure(*session);
-    session->Record(invocation.words);
+    if (needs_tenure) RequireTenure(*session);
+    session->Record(invocation.words, invocation.recorded);
   };
   open();
   if (session->GetRecording().Recover(invocation.allowed.outside)) open();
-  if (NeedsTenure()) RecordTenure(*session);
-  if (!UsesTrash()) session->GetRecording().LeaveTrash();
+  if (needs_tenure) RecordTenure(*session);
   BringBackWaitingFolders(*session);
+  invocation.out.UseDrives(session->GetProject().drives);
+}
+
+void ProjectCommand::RunIn(Session& session, Output& out) {
+  RefusedByMessage(out, [&] { Run(session, out); });
+  if (!KeepsNames()) session.ForgetNames();
 }
 
 void ProjectCommand::Execute(const Invocation& invocation) {
@@ -77,14 +82,15 @@ void ProjectCommand::Execute(const Invocation& invocation) {
   if (Changes()) lock.emplace(file, Wanted());
   std::optional<Session> opened;
   if (Changes()) {
-    StartChange(opened, file, invocation);
+    StartChange(opened, file, Wanted(), NeedsTenure(), invocation);
+    if (!UsesTrash()) opened->GetRecording().LeaveTrash();
   } else {
     opened.emplace(file, Wanted(), invocation.allowed, invocation.out);
+    invocation.out.UseDrives(opened->GetProject().drives);
     TellOfTenure(*opened);
     TellOfUnfinished(opened->GetPlace());
   }
   Session& session = *opened;
-  invocation.out.UseDrives(session.GetProject().drives);
   if (agreed && ToAsk(session) != *agreed) {
     throw Failure(ExitCode::kConflict,
                   "What was asked about has changed meanwhile. Nothing was done; run the command "

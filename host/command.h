@@ -19,7 +19,8 @@ struct Invocation {
   std::string project;  // as given with -p; "" for the one around
   Allowed allowed;
   Output& out;
-  std::vector<std::string> words;  // the command line
+  std::vector<std::string> words;        // the command line
+  std::vector<int>* recorded = nullptr;  // gets the numbers of the changes that it makes
 };
 
 // One command. One that takes arguments declares them in its constructor, of an Arguments
@@ -52,6 +53,15 @@ class ProjectCommand : public Command {
   // Whether the command, as it was called, changes anything. If so, it holds the ChangeLock, and
   // the project is saved when it succeeds, unless it saved it itself.
   [[nodiscard]] virtual bool Changes() const = 0;
+  [[nodiscard]] Access Wanted() const;
+
+  // Whether it needs nothing but the component, and so can run in a session that others have
+  // changed.
+  [[nodiscard]] virtual bool SharesSession() const { return false; }
+  // Whether it leaves the names and identifiers of all items as they are.
+  [[nodiscard]] virtual bool KeepsNames() const { return !Changes(); }
+  // Does the work in a session of that access.
+  void RunIn(Session& session, Output& out);
 
  private:
   // Whether a person is asked first, before the lock is taken. The work is done only if the
@@ -66,15 +76,18 @@ class ProjectCommand : public Command {
   [[nodiscard]] virtual bool NeedsTenure() const { return true; }
   virtual void Run(Session& session, Output& out) = 0;
 
-  [[nodiscard]] Access Wanted() const;
-  // Opens the project and records what the command changes, once what others left half done is
-  // settled.
-  void StartChange(std::optional<Session>& session, const std::filesystem::path& file,
-                   const Invocation& invocation);
   // The question that was agreed to; nothing when none is asked.
   [[nodiscard]] std::optional<Question> Agreed(const std::filesystem::path& file,
                                                const Invocation& invocation);
 };
+
+// Opens a project and records what is changed, once what others left half done is settled.
+// `needs_tenure` as ProjectCommand has it.
+void StartChange(std::optional<Session>& session, const std::filesystem::path& file, Access access,
+                 bool needs_tenure, const Invocation& invocation);
+
+// Failure kRefused or kUnreadable for a project that can't be changed.
+void RequireChangeable(const std::filesystem::path& file);
 
 class ReadingCommand : public ProjectCommand {
   [[nodiscard]] bool Changes() const final { return false; }

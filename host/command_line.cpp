@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <system_error>
 
 #include <CLI/CLI.hpp>
 
@@ -93,6 +94,20 @@ CommandLine::CommandLine(const std::vector<std::string>& words) {
     Parse(words, true);
   } catch (const CLI::ParseError& error) {
     Explain(*app_, error);
+  }
+}
+
+int Reported(const std::string& path, Output& out, const std::function<void()>& work) {
+  try {
+    work();
+    out.Print(path);
+    return static_cast<int>(out.Status());
+  } catch (const Failure& failure) {
+    return out.PrintFailure(path, failure);
+  } catch (const std::system_error& error) {
+    return out.PrintFailure(path, {ExitCode::kRefused, error.what()});
+  } catch (const std::exception& error) {
+    return out.PrintError(path, error);
   }
 }
 

@@ -2,6 +2,7 @@
 // that all commands take.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -53,5 +54,9 @@ class CommandLine {
   CommandGroup::Chosen chosen_;
   GlobalOptions options_;
 };
+
+// Does the work of a command and prints its result, or what failed; answers the exit status. `path`
+// is that of the command.
+int Reported(const std::string& path, Output& out, const std::function<void()>& work);
 
 }  // namespace kvdm

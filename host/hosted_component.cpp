@@ -144,6 +144,8 @@ void HostedComponent::Load(const std::vector<Value>& values, Output& out) {
 
 IKVDataManager& HostedComponent::Manager() { return *manager_; }
 
+std::uint64_t HostedComponent::Changes() const { return manager_->Changes(); }
+
 AreaRegistry& HostedComponent::RegisteredItems() { return manager_->Areas(); }
 
 void HostedComponent::OnMadeFolder(std::function<void(std::string_view)> note) {

@@ -40,6 +40,8 @@ class HostedComponent {
   // nothing. Its failures are messages.
   [[nodiscard]] AreaRegistry& RegisteredItems();
   [[nodiscard]] const Services& GetServices() const { return services_; }
+  // Grows with each change of its documents.
+  [[nodiscard]] std::uint64_t Changes() const;
   // Has `note` called with each folder that the component makes.
   void OnMadeFolder(std::function<void(std::string_view)> note);
 

@@ -154,6 +154,7 @@ struct CollectionKind : ItemKind<SomeItem> {
   }
 
   static Ref Find(Session& session, const std::string& selector) {
+    if (Ref item = OnlyOneOf(session, selector)) return item;
     return TheOnlyOne<Kind>(ItemsMeant<Kind>(All(session), selector), selector);
   }
 
@@ -166,6 +167,18 @@ struct CollectionKind : ItemKind<SomeItem> {
   }
 
  private:
+  // The item that a selector means, when the lists have it once: sooner than by looking at all.
+  static Ref OnlyOneOf(Session& session, const std::string& selector) {
+    const auto collection = Collection(session);
+    const bool by_guid = IsGuid(selector);
+    const auto list = [&] {
+      return std::invoke(by_guid ? Kind::kGuids : Kind::kNames, *collection);
+    };
+    const std::string name = fmt::format("{} {}", Kind::kCommand, by_guid);
+    if (session.CountIn(name, list, selector) != 1) return nullptr;
+    return std::invoke(by_guid ? Kind::kGetByGuid : Kind::kGet, *collection, selector);
+  }
+
   template <class Thing>
   static Thing Reached(Thing thing) {
     if (thing) return thing;

@@ -9,6 +9,11 @@
 namespace kvdm::os {
 
 [[nodiscard]] bool InputIsTerminal();
+// Adds what standard input has to `text`, and waits while it has nothing. False at its end.
+bool ReadInput(std::string& text);
+// Whether that would wait now.
+[[nodiscard]] bool InputWouldWait();
+
 // Whether standard output is a terminal that knows escape sequences.
 [[nodiscard]] bool OutputIsTerminal();
 

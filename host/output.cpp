@@ -23,8 +23,10 @@ Json AnswerOf(std::string_view command, bool ok) {
 }
 
 // Bytes that are not UTF-8 are shown as U+FFFD.
-void PrintJson(const Json& object) {
-  std::cout << PrintableJson(object.dump(2, ' ', false, Json::error_handler_t::replace)) << '\n';
+void PrintJson(const Json& object, bool in_a_line) {
+  std::cout << PrintableJson(
+                   object.dump(in_a_line ? -1 : 2, ' ', false, Json::error_handler_t::replace))
+            << '\n';
 }
 
 std::string ToText(const Field& field) {
@@ -175,7 +177,7 @@ void Output::Print(std::string_view command) const {
     if (!list_name_.empty()) object[list_name_] = Json::array();
     for (const Record& row : list_) add(row, object[list_name_].emplace_back(Json::object()));
     if (!messages_.empty()) object["messages"] = messages_;
-    PrintJson(object);
+    PrintJson(object, options_.lines);
   } else {
     std::cout << text_;
   }
@@ -208,7 +210,7 @@ int Output::PrintReport(std::string_view command, const Report& report,
                        {"number", ToJson(report.number)}};
     if (!candidates.empty()) object["candidates"] = ToJson(candidates);
     object["messages"] = messages_;
-    PrintJson(object);
+    PrintJson(object, options_.lines);
   }
   return static_cast<int>(report.code);
 }

@@ -18,6 +18,7 @@ struct OutputOptions {
   bool json = false;   // one JSON object instead of text for people
   bool bold = false;   // headings stand out
   bool debug = false;  // log lines and the causes of errors are shown
+  bool lines = false;  // of several JSON objects, each is one line
 };
 
 // Holds a command's result until the command is through: a command that fails prints no result.
@@ -71,6 +72,11 @@ class Output {
   // The drives of the project: with them JSON has for each folder and file its path of the system,
   // and whether it is there.
   void UseDrives(const os::Drives& drives) { drives_ = drives; }
+
+  [[nodiscard]] const OutputOptions& Options() const { return options_; }
+  void SetLines(bool lines) { options_.lines = lines; }
+  // Forgets the result, for that of another command.
+  void Clear() { *this = Output(options_); }
 
   // Prints the result of a command such as "kvdm area list". Failure kRefused when standard output
   // does not take it.

@@ -50,11 +50,12 @@ std::string NameOf(const ChangeRecord& record) {
   return fmt::format("Change {} ({})", record.number, fmt::join(record.command, " "));
 }
 
-Recording::Recording(Place place, std::vector<std::string> command)
+Recording::Recording(Place place, std::vector<std::string> command, std::vector<int>* recorded)
     : place_(std::move(place)),
       history_(place_.GetHistory()),
       trash_(place_.GetTrash()),
-      record_(NewRecord("kvdm " KVDM_VERSION, std::move(command))) {
+      record_(NewRecord("kvdm " KVDM_VERSION, std::move(command))),
+      recorded_(recorded) {
   if (!(lock_ = history_.TryLock())) {
     lock_ = WaitForLock(history_.LockFile(),
                         fmt::format("The working directory {}", place_.working_directory));
@@ -138,6 +139,7 @@ void Recording::Begin() {
 void Recording::End() {
   if (record_.number == 0) return;
   const int number = std::exchange(record_.number, 0);
+  if (recorded_ != nullptr) recorded_->push_back(number);
   // Where that fails the next change finds that it is done.
   guard::Skipping(nullptr, [&] { history_.End(number); });
 }

@@ -27,8 +27,9 @@ struct Place {
 
 class Recording {
  public:
-  // Locks the history against others for as long as this lives. Failure kRefused.
-  Recording(Place place, std::vector<std::string> command);
+  // Locks the history against others for as long as this lives. `recorded`, if there is any, gets
+  // the number of each change that is stored. Failure kRefused.
+  Recording(Place place, std::vector<std::string> command, std::vector<int>* recorded);
   // Takes back what was begun and not ended, and tells people where that fails.
   ~Recording();
   Recording(const Recording&) = delete;
@@ -76,6 +77,7 @@ class Recording {
   ChangeRecord record_;
   std::map<std::string, Changes> registry_changes_;  // by document
   std::vector<std::string> made_;
+  std::vector<int>* recorded_;
   bool uses_trash_ = true;
 };
 

@@ -57,9 +57,21 @@ Place Session::GetPlace() {
   return {file_, Manager().WorkingDirectory(), project_.drives, &component_.GetServices()};
 }
 
-void Session::Record(const std::vector<std::string>& command) {
-  recording_ = std::make_unique<Recording>(GetPlace(), command);
+void Session::Record(const std::vector<std::string>& command, std::vector<int>* recorded) {
+  recording_ = std::make_unique<Recording>(GetPlace(), command, recorded);
   component_.OnMadeFolder([this](std::string_view folder) { recording_->Made(folder); });
+}
+
+int Session::CountIn(const std::string& list, const std::function<NameListRef()>& make,
+                     const std::string& text) {
+  const auto [known, is_new] = counts_.try_emplace(list);
+  auto& counts = known->second;
+  const NameListRef texts = is_new ? make() : nullptr;
+  if (texts) {
+    for (const Value& value : *texts) ++counts[value.IsNull() ? std::string() : ToText(value)];
+  }
+  const auto found = counts.find(text);
+  return found == counts.end() ? 0 : found->second;
 }
 
 bool Session::Save() {

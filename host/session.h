@@ -3,8 +3,10 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -50,12 +52,20 @@ class Session {
   [[nodiscard]] IKVDataManager& Manager() { return component_.Manager(); }
   [[nodiscard]] Place GetPlace();
 
-  // From now on what changes is recorded, as what a command does. Failure kRefused.
-  void Record(const std::vector<std::string>& command);
+  // From now on what changes is recorded, as what a command does; `recorded`, if there is any, gets
+  // the number of each change that is stored. Failure kRefused.
+  void Record(const std::vector<std::string>& command, std::vector<int>* recorded = nullptr);
   // Only while that is so.
   [[nodiscard]] Recording& GetRecording() { return *recording_; }
 
   [[nodiscard]] const Allowed& GetAllowed() const { return allowed_; }
+
+  // How often a text stands in a list of names or identifiers of the component's, which `make`
+  // asks for the first time. `list` tells lists apart.
+  [[nodiscard]] int CountIn(const std::string& list, const std::function<NameListRef()>& make,
+                            const std::string& text);
+  // Names or identifiers may have changed: lists are to be asked for again.
+  void ForgetNames() { counts_.clear(); }
 
   // What the state has by now is saved, but is no change that is recorded.
   void LeaveStateUnrecorded() { component_.SaveStateTo(project_); }
@@ -79,6 +89,7 @@ class Session {
   HostedComponent component_;
   Allowed allowed_;
   std::unique_ptr<Recording> recording_;
+  std::map<std::string, std::unordered_map<std::string, int>> counts_;
   bool is_saved_ = false;
   std::vector<std::function<void()>> undos_;
 };

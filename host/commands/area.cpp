@@ -160,6 +160,8 @@ class AreaUse : public ChangingCommand {
     arguments.Flag("--none", none_, "Work in none");
   }
 
+  [[nodiscard]] bool SharesSession() const override { return true; }
+
  private:
   void Run(Session& session, Output& out) override {
     if (none_ == name_.has_value()) {

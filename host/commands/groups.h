@@ -29,6 +29,7 @@ void AddHistoryCommands(const CommandGroup& root);
 void AddProjectShare(const CommandGroup& project);
 void AddCheckCommand(const CommandGroup& root);
 void AddDoctorCommand(const CommandGroup& root);
+void AddRunCommand(const CommandGroup& root);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 
@@ -41,7 +42,7 @@ inline constexpr auto kCommandGroups = {
     &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,    &AddTableCommands,
     &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
     &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,    &AddProjectCommands,
-    &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands, &AddGenerateCommands,
-    &AddVersionCommand,    &AddSystemCommands};
+    &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands, &AddRunCommand,
+    &AddGenerateCommands,  &AddVersionCommand,   &AddSystemCommands};
 
 }  // namespace kvdm

@@ -54,6 +54,8 @@ class ItemCommand : public Command {
     arguments.Required("NAME", name_, SelectorHelp(Kind::kWord));
   }
 
+  [[nodiscard]] bool SharesSession() const final { return true; }
+
  private:
   virtual void RunOn(const typename Kind::Ref& item, Session& session, Output& out) = 0;
   [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
@@ -71,6 +73,7 @@ template <class Kind>
 class ItemList : public ReadingCommand {
  public:
   explicit ItemList(Arguments) {}
+  [[nodiscard]] bool SharesSession() const final { return true; }
 
  private:
   void Run(Session& session, Output& out) override {
@@ -97,6 +100,7 @@ class ItemCreate : public ChangingCommand {
     arguments.Required("NAME", name_, Kind::kNameHelp, Kind::kNewName);
     if (Kind::kNamesFile) arguments.Flag("--force", force_, kForceHelp);
   }
+  [[nodiscard]] bool SharesSession() const final { return true; }
 
  private:
   [[nodiscard]] bool ChangesRegistry() const final { return Kind::kInRegistry; }
@@ -334,6 +338,7 @@ class ItemComment : public ItemCommand<Kind, ProjectCommand> {
                        RequireStorable);
     arguments.Flag("--clear", clear_, "Remove the comments");
   }
+  [[nodiscard]] bool KeepsNames() const override { return true; }
 
  private:
   [[nodiscard]] bool Changes() const override { return clear_ || text_; }

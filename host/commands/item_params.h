@@ -63,6 +63,7 @@ class ParamSet : public ItemCommand<Kind, ChangingCommand> {
     arguments.Required("KEY", key_, "The parameter", RequireKey);
     arguments.Required("VALUE", value_, "Its value", RequireStorable);
   }
+  [[nodiscard]] bool KeepsNames() const override { return true; }
 
  private:
   void RunOn(const typename Kind::Ref& item, Session&, Output& out) override {

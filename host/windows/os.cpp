@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <system_error>
+
 #include "platform/utf8.h"
 #include "platform/windows/text.h"
 
@@ -34,6 +36,29 @@ bool IsConsole(DWORD stream, DWORD wanted_mode) {
 }
 
 }  // namespace
+
+bool ReadInput(std::string& text) {
+  constexpr DWORD kPiece = 1 << 16;
+  const std::size_t size = text.size();
+  text.resize(size + kPiece);
+  DWORD count = 0;
+  const BOOL done =
+      ReadFile(GetStdHandle(STD_INPUT_HANDLE), text.data() + size, kPiece, &count, nullptr);
+  const DWORD error = done != FALSE ? ERROR_SUCCESS : GetLastError();
+  text.resize(size + count);
+  // A pipe whose writer is gone has ended.
+  if (error != ERROR_SUCCESS && error != ERROR_BROKEN_PIPE && error != ERROR_HANDLE_EOF) {
+    throw std::system_error(static_cast<int>(error), std::system_category(), "standard input");
+  }
+  return count > 0;
+}
+
+bool InputWouldWait() {
+  const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+  DWORD available = 0;
+  if (GetFileType(input) != FILE_TYPE_PIPE) return InputIsTerminal();
+  return PeekNamedPipe(input, nullptr, 0, nullptr, &available, nullptr) != FALSE && available == 0;
+}
 
 bool InputIsTerminal() { return IsConsole(STD_INPUT_HANDLE, 0); }
 bool OutputIsTerminal() { return IsConsole(STD_OUTPUT_HANDLE, ENABLE_VIRTUAL_TERMINAL_PROCESSING); }
