@@ -29,7 +29,7 @@ class Recording {
  public:
   // Locks the history against others for as long as this lives. `recorded`, if there is any, gets
   // the number of each change that is stored. Failure kRefused.
-  Recording(Place place, std::vector<std::string> command, std::vector<int>* recorded);
+  Recording(Place place, std::vector<std::string> command, std::vector<int>* recorded = nullptr);
   // Takes back what was begun and not ended, and tells people where that fails.
   ~Recording();
   Recording(const Recording&) = delete;
