@@ -70,6 +70,7 @@ struct Rule {
   std::string_view name;
   Severity severity;
   std::string_view detects;  // for people
+  std::string_view why;      // what comes of it, and what else to do, as sentences
   std::string_view repair;   // what doctor does; "" when it does nothing
   bool is_safe;              // whether doctor does it unasked
   void (*find)(const Survey& survey, Findings& findings);

@@ -30,6 +30,7 @@ void AddProjectShare(const CommandGroup& project);
 void AddCheckCommand(const CommandGroup& root);
 void AddDoctorCommand(const CommandGroup& root);
 void AddRunCommand(const CommandGroup& root);
+void AddExplainCommand(const CommandGroup& root);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 
@@ -43,6 +44,8 @@ inline constexpr auto kCommandGroups = {
     &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
     &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,    &AddProjectCommands,
     &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands, &AddRunCommand,
-    &AddGenerateCommands,  &AddVersionCommand,   &AddSystemCommands};
+    &AddExplainCommand};
+&AddGenerateCommands, &AddVersionCommand, &AddSystemCommands
+};
 
 }  // namespace kvdm

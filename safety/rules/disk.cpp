@@ -227,16 +227,24 @@ using enum Severity;
 
 constexpr Rule kDiskRules[] = {
     {"folder.missing", kError, "the folder of a study area or analysis is not there",
+     "Everything that works with the item fails. It was deleted or renamed by hand, or its "
+     "creation failed.",
      "finds it beside its place by the identifier in its layer's metadata, else makes it", false,
      &FindMissingFolders, &FindOrMakeFolder},
     {"folder.orphan", kWarning, "a folder of no study area or analysis",
+     "A deletion failed half way, or the list was lost. Nothing is deleted unless you ask for "
+     "that.",
      "moves it to the trash, for those that are not adopted", false, &FindOrphans, &TrashFolder},
     {"layerfile.missing", kError, "a layer file is not there; a note in the first day",
+     "The map has nothing to show. In the first day the application may still be going to write "
+     "it.",
      "finds it in its folder by the identifier in its metadata", false, &FindMissingFiles,
      &FindFile},
     {"layerfile.shared", kError, "two items have one layer file",
+     "What changes or deletes the layer of one of them does so to the other.",
      "gives the younger a path of its own", false, &FindSharedFiles, &GiveOwnFile},
     {"analysis.in-deleted-area", kError, "an analysis whose folder went with its study area",
+     "The study area was deleted with the folders in it, while the analysis stayed in its list.",
      "removes it from the list", false, &FindLostAnalyses, &RemoveItem}};
 
 }  // namespace

@@ -285,36 +285,58 @@ void FindUnknownElements(const Survey& survey, Findings& findings) {
 using enum Severity;
 
 constexpr Rule kDocumentRules[] = {
-    {"registry.not-a-database", kError, "the registry is no database, or a damaged one", "", false,
-     &FindNotADatabase},
-    {"registry.newer", kError, "a newer program wrote the registry", "", false, &FindNewer},
-    {"registry.unreadable", kError, "the registry can't be read", "", false,
-     &FindUnreadableRegistry},
-    {"registry.read-only", kWarning, "the registry can't be written", "", false, &FindReadOnly},
+    {"registry.not-a-database", kError, "the registry is no database, or a damaged one",
+     "No study area can be listed or changed, and a save would lose what is there. A copy from a "
+     "backup brings it back; without one, set it aside.",
+     "", false, &FindNotADatabase},
+    {"registry.newer", kError, "a newer program wrote the registry",
+     "What a newer program wrote is not understood here and must not be overwritten. Update this "
+     "program.",
+     "", false, &FindNewer},
+    {"registry.unreadable", kError, "the registry can't be read",
+     "No study area can be listed while it is so. The sentence names the cause; mend the right, "
+     "the disk or the other program.",
+     "", false, &FindUnreadableRegistry},
+    {"registry.read-only", kWarning, "the registry can't be written",
+     "Study areas can be read, but none made, renamed or deleted. Ask for the right to write it.",
+     "", false, &FindReadOnly},
     {"xml.illegal-character", kError, "a document holds a character that XML can't hold",
+     "A document with such a character is not loaded, so that all of it seems to be gone.",
      "replaces it by U+FFFD", false, &FindIllegalCharacters, &ReplaceIllegalCharacters},
     {"catalogue.unparsable", kError, "the list of study areas can't be read",
+     "The study areas of all projects are out of reach, and the next program that saves writes an "
+     "empty list.",
      "the newest good one that was kept, or an empty one", false, &FindUnparsableCatalogue,
      &RestoreCatalogue},
     {"catalogue.wrong-root", kError, "the list of study areas is another document",
+     "No study area is found in a document of another kind.",
      "the newest good one that was kept, or an empty one", false, &FindWrongRoot,
      &RestoreCatalogue},
-    {"catalogue.empty", kWarning, "folders of study areas, but none of them in the list", "", false,
-     &FindEmptyCatalogue},
-    {"catalogue.kept", kInformation, "states of study areas that gave way to others", "", false,
-     &FindKept},
+    {"catalogue.empty", kWarning, "folders of study areas, but none of them in the list",
+     "The list was lost, or is that of another user or computer. What lies in the folders can be "
+     "adopted.",
+     "", false, &FindEmptyCatalogue},
+    {"catalogue.kept", kInformation, "states of study areas that gave way to others",
+     "Somebody changed the same at the same time. Look whether anything is missing before the "
+     "oldest go.",
+     "", false, &FindKept},
     {"project.unparsable", kError, "the project or its metadata document can't be read",
+     "Nothing of the project can be used until an earlier state is brought back.",
      "the state before the last change", false, &FindUnparsableProject, &RestoreProject},
     {"project.missing-collection", kInformation, "the metadata document lacks a collection",
-     "adds it", true, &FindMissingCollection, &AddCollection},
-    {"catalogue.stale", kWarning, "the list of study areas is not as a program read it", "", false,
+     "It is added at the first use; until then lists are empty.", "adds it", true,
+     &FindMissingCollection, &AddCollection},
+    {"catalogue.stale", kWarning, "the list of study areas is not as a program read it",
+     "What is shown may be old. A save puts both changes together, element by element.", "", false,
      &FindStaleCatalogue},
-    {"project.unsaved", kInformation, "changes that a program has not saved", "", false,
-     &FindUnsavedProject},
-    {"data.unlisted", kInformation, "data items that the component's lists leave out", "", false,
-     &FindUnlistedData},
-    {"element.unknown", kWarning, "an element that nothing knows", "", false,
-     &FindUnknownElements}};
+    {"project.unsaved", kInformation, "changes that a program has not saved",
+     "What is not saved is lost when the program ends.", "", false, &FindUnsavedProject},
+    {"data.unlisted", kInformation, "data items that the component's lists leave out",
+     "Programs that embed the component show fewer data items than there are. Nothing is wrong "
+     "with the items.",
+     "", false, &FindUnlistedData},
+    {"element.unknown", kWarning, "an element that nothing knows",
+     "Another program or version wrote it. It is kept as it is.", "", false, &FindUnknownElements}};
 
 }  // namespace
 

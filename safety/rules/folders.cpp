@@ -154,20 +154,25 @@ void FindDuplicatePresets(const Survey& survey, Findings& findings) {
 using enum Severity;
 
 constexpr Rule kFolderRules[] = {
-    {"layerfile.orphan", kWarning, "a file among layers or data that no item names", "", false,
-     &FindOrphanedFiles},
-    {"temp.leftover", kInformation, "files in the temporary folder", "", false, &FindLeftovers},
-    {"temp.not-hidden", kInformation, "the temporary folder is seen in listings", "hides it", true,
-     &FindSeenTemporary, &HideTemporary},
-    {"permission.file-read-only", kWarning, "a layer or its metadata that nobody may write", "",
-     false, &FindReadOnlyFiles},
-    {"permission.folder-read-only", kWarning, "a folder in which nobody may write", "", false,
-     &FindReadOnlyFolders},
-    {"preset.unreadable", kWarning, "the list of preset data can't be read", "", false,
-     &FindUnreadablePresets},
-    {"preset.file-missing", kWarning, "a preset whose file is not there", "", false,
-     &FindMissingPresets},
-    {"preset.duplicate", kWarning, "two presets of one name", "", false, &FindDuplicatePresets}};
+    {"layerfile.orphan", kWarning, "a file among layers or data that no item names",
+     "Nothing lists or deletes it, and its name stays taken.", "", false, &FindOrphanedFiles},
+    {"temp.leftover", kInformation, "files in the temporary folder",
+     "They take space. Programs empty that folder; a job that runs may still need them.", "", false,
+     &FindLeftovers},
+    {"temp.not-hidden", kInformation, "the temporary folder is seen in listings",
+     "People may take the folder for theirs, and put work into it that is deleted.", "hides it",
+     true, &FindSeenTemporary, &HideTemporary},
+    {"permission.file-read-only", kWarning, "a layer or its metadata that nobody may write",
+     "A deletion of the item would leave the file, and an export of metadata fails.", "", false,
+     &FindReadOnlyFiles},
+    {"permission.folder-read-only", kWarning, "a folder in which nobody may write",
+     "Nothing can be made, renamed or deleted there.", "", false, &FindReadOnlyFolders},
+    {"preset.unreadable", kWarning, "the list of preset data can't be read",
+     "Programs show no preset data, without a message.", "", false, &FindUnreadablePresets},
+    {"preset.file-missing", kWarning, "a preset whose file is not there",
+     "It is offered, and fails when it is used.", "", false, &FindMissingPresets},
+    {"preset.duplicate", kWarning, "two presets of one name",
+     "Only the first of them can be chosen by name.", "", false, &FindDuplicatePresets}};
 
 }  // namespace
 

@@ -196,22 +196,30 @@ using enum Severity;
 
 constexpr Rule kIdentityRules[] = {
     {"attribute.missing", kError, "an item lacks its name, identifier, folder or file",
+     "Without a name lists fail; without an identifier, folder or file the item is not found or "
+     "not deleted.",
      "takes it from the layer's metadata or the folder, or makes a new one", false,
      &FindMissingAttributes, &AddAttribute},
     {"guid.duplicate", kError, "two items have one identifier",
+     "A look-up by identifier finds only one of them, and a change or deletion may meet the wrong "
+     "one.",
      "gives the younger a new one, in its layer's metadata too", false, &FindDuplicateGuids,
      &GiveNewGuid},
-    {"guid.malformed", kWarning, "an identifier of another form", "gives a new one", false,
-     &FindMalformedGuids, &GiveNewGuid},
-    {"name.duplicate", kWarning, "two items of a kind have one name", "", false,
+    {"guid.malformed", kWarning, "an identifier of another form",
+     "Other programs may refuse it, and look-ups in other letter case fail.", "gives a new one",
+     false, &FindMalformedGuids, &GiveNewGuid},
+    {"name.duplicate", kWarning, "two items of a kind have one name",
+     "By its name only the first is ever reached. Rename one of them by its identifier.", "", false,
      &FindDuplicateNames},
     {"name.unfindable", kError, "a name by which nothing is found",
+     "The item is listed, but no command and no program finds it by that name.",
      "puts an apostrophe for a double quote, or the underscores that are missing (safe)", false,
      &FindUnfindableNames, &RenameFindable},
-    {"name.case-only", kWarning, "names that differ in letter case only", "", false,
+    {"name.case-only", kWarning, "names that differ in letter case only",
+     "On Windows both have one folder, and what is made for one overwrites the other.", "", false,
      &FindCaseOnlyNames},
-    {"name.reserved", kInformation, "the study area that the list of names leaves out", "", false,
-     &FindReservedNames}};
+    {"name.reserved", kInformation, "the study area that the list of names leaves out",
+     "Programs do not list it, though it can be opened by name.", "", false, &FindReservedNames}};
 
 }  // namespace
 

@@ -101,19 +101,27 @@ void FindOtherName(const Survey& survey, Findings& findings) {
 using enum Severity;
 
 constexpr Rule kMetadataRules[] = {
-    {"metadata.missing", kWarning, "a layer without metadata", "", false, &FindMissingMetadata},
-    {"metadata.unreadable", kError, "metadata of a layer that can't be read", "", false,
+    {"metadata.missing", kWarning, "a layer without metadata",
+     "Other programs do not know what the layer is, and a lost project can't be put together again "
+     "from its layers.",
+     "", false, &FindMissingMetadata},
+    {"metadata.unreadable", kError, "metadata of a layer that can't be read",
+     "An import fails; an export keeps the broken file beside the new one.", "", false,
      &FindUnreadableMetadata},
-    {"metadata.foreign", kWarning, "metadata of another program in the place of ours", "", false,
+    {"metadata.foreign", kWarning, "metadata of another program in the place of ours",
+     "Ours would replace what the other program knows of the layer.", "", false,
      &FindForeignMetadata},
-    {"metadata.stale-parameter", kWarning, "metadata with parameters that the analysis has not", "",
-     false, &FindStaleParameters},
-    {"metadata.type-mismatch", kError, "metadata of another kind of layer", "", false,
-     &FindOtherType},
-    {"metadata.guid-mismatch", kError, "metadata with another identifier", "", false,
-     &FindOtherGuid},
-    {"metadata.name-differs", kInformation, "metadata with another name", "", false,
-     &FindOtherName}};
+    {"metadata.stale-parameter", kWarning, "metadata with parameters that the analysis has not",
+     "An export adds and never removes, so that an import brings back what was deleted.", "", false,
+     &FindStaleParameters},
+    {"metadata.type-mismatch", kError, "metadata of another kind of layer",
+     "An import does nothing. The file was copied from another layer.", "", false, &FindOtherType},
+    {"metadata.guid-mismatch", kError, "metadata with another identifier",
+     "An import gives the item the other identifier. The file was copied, or the item got a new "
+     "one.",
+     "", false, &FindOtherGuid},
+    {"metadata.name-differs", kInformation, "metadata with another name",
+     "The item was renamed since the last export.", "", false, &FindOtherName}};
 
 }  // namespace
 

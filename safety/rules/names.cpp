@@ -161,15 +161,20 @@ void FindUnheldNames(const Survey& survey, Findings& findings) {
 using enum Severity;
 
 constexpr Rule kNameRules[] = {
-    {"name.not-portable", kWarning, "a folder or file with a name that Windows does not take", "",
-     false, &FindUnportableNames},
+    {"name.not-portable", kWarning, "a folder or file with a name that Windows does not take",
+     "On Windows such a file or folder can be neither made nor opened; a packed project does not "
+     "unpack there.",
+     "", false, &FindUnportableNames},
     {"name.trailing-blank-or-dot", kWarning, "a name that ends in what Windows drops",
+     "Windows drops the end of the name, so that the stored path is another one than the folder.",
      "rewrites the path to the folder or file that there is", false, &FindTrailing,
      &FollowTrailing},
-    {"name.too-long", kWarning, "a folder or file with a name of over 255 bytes", "", false,
+    {"name.too-long", kWarning, "a folder or file with a name of over 255 bytes",
+     "File systems take no longer names; a copy or a pack of the project fails.", "", false,
      &FindLongNames},
     {"name.not-in-codepage", kWarning, "a study area with a character that the registry replaces",
-     "", false, &FindUnheldNames}};
+     "The registry stores ? in its place, and by then the name and the folder are not found.", "",
+     false, &FindUnheldNames}};
 
 }  // namespace
 

@@ -147,13 +147,18 @@ using enum Severity;
 
 constexpr Rule kFormRules[] = {
     {"path.outside-workdir", kWarning, "a folder or layer file outside of the working directory",
-     "", false, &FindOutside},
-    {"path.too-long", kWarning, "a path of over 259 characters", "", false, &FindLongPaths},
+     "What moves, copies or packs the working directory leaves it behind.", "", false,
+     &FindOutside},
+    {"path.too-long", kWarning, "a path of over 259 characters",
+     "Windows programs may fail to open it.", "", false, &FindLongPaths},
     {"path.case-differs", kWarning, "a path in other letter case than the disk",
+     "It works on this system, and fails on one that tells letter cases apart.",
      "rewrites it as on the disk", false, &FindOtherCase, &FollowCase},
-    {"path.mixed-separators", kWarning, "a path with /", "puts \\ in its place", false,
-     &FindMixedSeparators, &PutOneSeparator},
-    {"area.foreign", kInformation, "study areas of other working directories in the list", "",
+    {"path.mixed-separators", kWarning, "a path with /",
+     "Programs that compare paths as texts take it for another folder.", "puts \\ in its place",
+     false, &FindMixedSeparators, &PutOneSeparator},
+    {"area.foreign", kInformation, "study areas of other working directories in the list",
+     "The list serves all projects of a user. These are left alone unless --foreign is given.", "",
      false, &FindForeignAreas}};
 
 }  // namespace

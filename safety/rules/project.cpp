@@ -160,22 +160,31 @@ void FindDanglingAreas(const Survey& survey, Findings& findings) {
 using enum Severity;
 
 constexpr Rule kProjectRules[] = {
-    {"workdir.not-found", kError, "the working directory is not there", "", false,
+    {"workdir.not-found", kError, "the working directory is not there",
+     "Nothing can be done with the project until its working directory is there again.", "", false,
      &FindLostDirectory},
-    {"workdir.backslash-lost", kError, "the working directory is on a server, by its share", "",
-     false, &FindLostBackslash},
-    {"workdir.elsewhere", kError, "the project works elsewhere, as the original of a copy does", "",
-     false, &FindDirectoryElsewhere},
-    {"workdir.shared", kError, "the working directory belongs to another project", "", false,
-     &FindSharedDirectory},
+    {"workdir.backslash-lost", kError, "the working directory is on a server, by its share",
+     "The component keeps one of the two backslashes that a share begins with, and so looks on the "
+     "wrong drive.",
+     "", false, &FindLostBackslash},
+    {"workdir.elsewhere", kError, "the project works elsewhere, as the original of a copy does",
+     "What is changed here would change the original, not the copy.", "", false,
+     &FindDirectoryElsewhere},
+    {"workdir.shared", kError, "the working directory belongs to another project",
+     "Two projects that do not know of each other delete each other's work. One of them is to have "
+     "its own, or both declare it shared.",
+     "", false, &FindSharedDirectory},
     {"workdir.owner-unreadable", kError,
-     "the record of the working directory's owner can't be read", "", false, &FindUnreadableOwner},
-    {"workdir.missing-folders", kWarning, "the working directory lacks folders", "makes them", true,
-     &FindMissingParts, &MakePart},
+     "the record of the working directory's owner can't be read",
+     "Nothing is changed while nobody can tell whose the directory is.", "", false,
+     &FindUnreadableOwner},
+    {"workdir.missing-folders", kWarning, "the working directory lacks folders",
+     "What is made there next fails.", "makes them", true, &FindMissingParts, &MakePart},
     {"current-area.dangling", kError, "the open study area is not in the list",
+     "New analyses would go to another place than you think.",
      "opens the one of the kept identifier, or none", false, &FindDanglingArea, &OpenKeptArea},
-    {"layer.area-dangling", kWarning, "a layer names a study area that there is not", "", false,
-     &FindDanglingAreas}};
+    {"layer.area-dangling", kWarning, "a layer names a study area that there is not",
+     "The layer is shown in no study area.", "", false, &FindDanglingAreas}};
 
 }  // namespace
 

@@ -167,11 +167,15 @@ using enum Severity;
 
 constexpr Rule kPathRules[] = {
     {"path.delete-hazard", kError, "a deletion of the item would take more than its own folder",
+     "Whoever deletes this item deletes what is not its own. Commands of kvdm refuse to; other "
+     "programs do not.",
      "gives the folder of the layer file, or a new one", false, &FindHazards, &GiveOwnFolder},
     {"path.moved-workdir", kError, "items are stored in the place where the directory was before",
+     "The working directory has another place now, and the items still name the old one.",
      "follows the working directory (safe when all are there)", false, &FindMovedDirectory,
      &FollowDirectory},
-    {"layerfile.relative", kWarning, "a layer file without a full path", "", false,
+    {"layerfile.relative", kWarning, "a layer file without a full path",
+     "Where such a path leads depends on the folder that a program was started in.", "", false,
      &FindRelativeFiles}};
 
 }  // namespace

@@ -145,16 +145,20 @@ void FindUnreadableTimes(const Survey& survey, Findings& findings) {
 using enum Severity;
 
 constexpr Rule kValueRules[] = {
-    {"pathtype.odd", kWarning, "a kind of path in other letter case", "corrects it", true,
-     &FindOddPathTypes, &PutPathType},
+    {"pathtype.odd", kWarning, "a kind of path in other letter case",
+     "The component takes it for a full path, and looks for the file in the wrong place.",
+     "corrects it", true, &FindOddPathTypes, &PutPathType},
     {"param.duplicate", kWarning, "two parameters of an item have one name",
+     "A later one of that name is never read, and never changed.",
      "removes those that are never read", false, &FindDuplicateParameters, &MergeParameters},
-    {"param.empty-name", kWarning, "a parameter without a name", "removes it", false,
+    {"param.empty-name", kWarning, "a parameter without a name",
+     "Programs show a line without a name, and can't remove it.", "removes it", false,
      &FindNamelessParameters, &RemoveNamelessParameters},
     {"comments.cr-doubling", kWarning, "comments whose lines end with carriage returns too many",
-     "removes those", true, &FindDoubledReturns, &PutSingleReturns},
-    {"creation-time.unreadable", kInformation, "a time of creation of another form", "", false,
-     &FindUnreadableTimes}};
+     "Each reading and writing adds another empty line.", "removes those", true,
+     &FindDoubledReturns, &PutSingleReturns},
+    {"creation-time.unreadable", kInformation, "a time of creation of another form",
+     "It can't be told which of two items is the younger.", "", false, &FindUnreadableTimes}};
 
 }  // namespace
 

@@ -53,6 +53,17 @@ def commands_without_session(program, sessions):
     return [command for command in commands if not re.search(rf"{command}\b", called)], len(commands)
 
 
+def unexplained_messages(program, header):
+    """Messages that 'kvdm explain' does not know, and how many there are."""
+    texts = re.findall(r'inline constexpr char (\w+)\[\] =\s+"([^"]+)";', header.read_text())
+    messages = [text for name, text in texts if name not in ("kCaption", "kPropertyEnd")]
+    explained = (
+        subprocess.run([program, "explain", text], capture_output=True, check=False).returncode == 0
+        for text in messages
+    )
+    return [text for text, is_known in zip(messages, explained) if not is_known], len(messages)
+
+
 def main(program, source):
     source = pathlib.Path(source)
     declared = declared_operations((source / "include/kvdm/datamanager").glob("*.h"))
@@ -64,6 +75,10 @@ def main(program, source):
     problems += [f"no session calls '{command}'" for command in silent]
     if count < 50:
         problems.append(f"only {count} commands were found")
+    unexplained, count = unexplained_messages(program, source / "util/messages.h")
+    problems += [f"'kvdm explain' does not know '{message}'" for message in unexplained]
+    if count < 70:
+        problems.append(f"only {count} messages were found")
     listed = [operation for operation, _ in rows]
     if sorted(listed) != sorted(declared):
         problems.append(f"not listed: {sorted(set(declared) - set(listed))}")

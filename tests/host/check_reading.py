@@ -79,6 +79,7 @@ ARGUMENTS = {
     "registry store delete": ["Stores"],
     "alias set": ["customer", "Client"],
     "doctor": ["--all-safe"],
+    "explain": ["guid"],
     "path split": ["Z:\\maps\\a.shp"],
 }
 

@@ -31,6 +31,7 @@ TEST_F(CheckTest, HasEachRuleOnce) {
   std::set<std::string_view> names;
   for (const Rule* rule : Rules()) {
     EXPECT_TRUE(names.insert(rule->name).second) << rule->name;
+    EXPECT_TRUE(rule->why.ends_with('.')) << rule->name;
     EXPECT_EQ(rule->repair.empty(), rule->mend == nullptr) << rule->name;
   }
 }
