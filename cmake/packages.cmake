@@ -49,7 +49,22 @@ ask for, and examples."
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libkvdm-dev
         COMPONENT development EXCLUDE_FROM_ALL FILES_MATCHING PATTERN *.cpp PATTERN CMakeLists.txt)
 
+# What scripts/site made before.
+set(build ${PROJECT_SOURCE_DIR}/build)
+deb(documentation kvdm-doc doc "documentation"
+    "These are the pages for analysts, administrators, developers who embed
+the library, and contributors." "")
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+install(DIRECTORY ${build}/site/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kvdm-doc/html
+        COMPONENT documentation EXCLUDE_FROM_ALL)
+install(FILES cmake/kvdm-doc.overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME kvdm-doc
+        COMPONENT documentation EXCLUDE_FROM_ALL)
+
 if(KVDM_BUILD_HOST)
+  foreach(section 1 5)
+    install(DIRECTORY ${build}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section}
+            COMPONENT host EXCLUDE_FROM_ALL FILES_MATCHING PATTERN *.${section})
+  endforeach()
   deb(host kvdm utils "command-line host"
       "This is kvdm, through which a person or a script uses all of it. Every
 change is recorded and can be taken back." "")
