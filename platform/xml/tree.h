@@ -95,13 +95,12 @@ class Tree {
     ++handles_;
     ++records_.nodes[number].holds;
   }
+  // A record that went to another tree and came back holds one here: until it is free the handle
+  // counts.
   void Release(Number number) noexcept {
     NodeRecord& record = records_.nodes[number];
-    if (--handles_ == 0) {
-      delete this;
-    } else if (--record.holds == 0 && record.parent == 0) {
-      Free(number);
-    }
+    if (--record.holds == 0 && record.parent == 0 && handles_ > 1) Free(number);
+    if (--handles_ == 0) delete this;
   }
   // Where a record that was moved to another tree is now.
   [[nodiscard]] std::pair<Tree*, Number> MovedTo(Number number) const;

@@ -87,6 +87,8 @@ class RandomTrees {
         return Append(held_[Below(held_.size())]);
       case 9:
         return Reload(held_[Below(std::min<std::size_t>(held_.size(), 3))]);
+      case 10:
+        return Save();
       default:
         return SetAttribute(element, plain);
     }
@@ -134,9 +136,20 @@ class RandomTrees {
 
   // From what a document is written as, so that the tree keeps the text.
   void Reload(std::pair<Element, PlainRef>& held) {
-    held = {Parsed(held.second->Xml() + "\r\n"), Copy(*held.second)};
+    documents_.push_back(std::make_unique<Document>());
+    ASSERT_TRUE(Load(*documents_.back(), held.second->Xml() + "\r\n"));
+    held = {documents_.back()->DocumentElement(), Copy(*held.second)};
+    roots_.push_back(held);
     const auto [element, plain] = held;
     Descend(element, plain);
+  }
+
+  // The forms of small elements are kept then.
+  void Save() const {
+    for (const auto& document : documents_) {
+      const auto root = document->DocumentElement();
+      ASSERT_EQ(document->Xml(), root ? root.Xml() + "\r\n" : "");
+    }
   }
 
   void SetText(const Element& element, const PlainRef& plain) {
@@ -182,6 +195,8 @@ class RandomTrees {
 
   std::mt19937 random_;
   int created_ = 0;
+  std::vector<std::unique_ptr<Document>> documents_;
+  std::vector<std::pair<Element, PlainRef>> roots_;  // which their documents keep alive
   std::vector<std::pair<Element, PlainRef>> held_;
 };
 
