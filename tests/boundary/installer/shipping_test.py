@@ -7,6 +7,7 @@ import os
 import pathlib
 import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -64,6 +65,21 @@ def check_same_bytes(dist, version):
         yield check(f"{name} names no folder of its build", traces not in (dist / "files" / name).read_bytes())
 
 
+def check_icon(dist):
+    """The programs and the installer have the one icon, in the sizes that the system asks for."""
+    icon = (dist / "files/kvdm.ico").read_bytes()
+    [count] = struct.unpack_from("<H", icon, 4)
+    images = [struct.unpack_from("<BBBBHHII", icon, 6 + 16 * number) for number in range(count)]
+    yield check("the icon has its sizes", [image[0] for image in images] == [16, 24, 32, 48, 0])
+    for name in BINARIES:
+        data = (dist / "files" / name).read_bytes()
+        shown = all(icon[place : place + size] in data for *_, size, place in images)
+        yield check(f"{name} has it", shown)
+    [package] = dist.glob("kvdm-*.msi")
+    told = subprocess.run(["msiinfo", "extract", package, "Icon.kvdm.ico"], stdout=subprocess.PIPE, check=True).stdout
+    yield check("the installer has it", told == icon)
+
+
 def certificate(folder):
     """A certificate made for this test, with its key."""
     key, made, packed = (folder / name for name in ("key.pem", "certificate.pem", "certificate.p12"))
@@ -93,7 +109,12 @@ def check_signing(dist, version):
 
 def main(dist, version):
     dist = pathlib.Path(dist)
-    results = [*check_traces(dist), *check_same_bytes(dist, version), *check_signing(dist, version)]
+    results = [
+        *check_traces(dist),
+        *check_same_bytes(dist, version),
+        *check_icon(dist),
+        *check_signing(dist, version),
+    ]
     return 0 if all(results) else 1
 
 
