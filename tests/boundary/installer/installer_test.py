@@ -114,7 +114,8 @@ def forget_marshalling(wine):
 def built(package, version):
     """Another package with the files of this one, of which the DLL has the version, too."""
     major, minor, patch = map(int, version.split("."))
-    with tempfile.TemporaryDirectory() as folder:
+    # Not every Wine sees the folder of the system's temporary files.
+    with tempfile.TemporaryDirectory(dir=package.parent) as folder:
         files = pathlib.Path(shutil.copytree(package.parent / "files", pathlib.Path(folder, "files")))
         before, mark, after = (files / "KVDM.dll").read_bytes().partition(FIXED_FILE_INFO)
         (files / "KVDM.dll").write_bytes(before + mark + struct.pack("<4H", minor, major, 0, patch) + after[8:])
