@@ -44,8 +44,6 @@ inline constexpr auto kCommandGroups = {
     &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
     &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,    &AddProjectCommands,
     &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands, &AddRunCommand,
-    &AddExplainCommand};
-&AddGenerateCommands, &AddVersionCommand, &AddSystemCommands
-};
+    &AddExplainCommand,    &AddGenerateCommands, &AddVersionCommand,  &AddSystemCommands};
 
 }  // namespace kvdm
