@@ -101,7 +101,9 @@ class MemoryDirectory final : public Directory {
   void RemoveFolder(std::string_view name) override {
     const auto found = FolderNamed(name);
     if (Here().refuses_writes) throw PathError(kPermissionDenied, PathOf(name));
-    if (!found->second->children.empty()) throw PathError(kPathFileAccess, PathOf(name));
+    auto& children = found->second->children;
+    if (children.size() == 1) children.erase(kRecoveryFile);
+    if (!children.empty()) throw PathError(kPathFileAccess, PathOf(name));
     levels_.back().known.erase(found->first);
     Here().children.erase(found);
   }

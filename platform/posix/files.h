@@ -142,8 +142,9 @@ bool ReplaceFile(int folder, const std::string& name, std::string_view bytes,
 // What is left to read of an open file, but no more than `most` bytes.
 [[nodiscard]] std::string ReadAll(int file, std::size_t most = std::string::npos);
 
-// Deletes, in an open folder, the temporary files of replacements whose process was killed. What
+// Deletes, in an open folder, the recovery file, and the temporary files of replacements whose
+// process was killed. What
 // can't be deleted stays.
-void DeleteStaleTemporaryFiles(int folder);
+void DeleteOwnFiles(int folder);
 
 }  // namespace kvdm

@@ -106,7 +106,7 @@ class PosixDirectory final : public Directory {
     });
   }
 
-  // Temporary files that killed replacements left in the folder do not keep it.
+  // Recovery files, and temporary files that killed replacements left, do not keep the folder.
   void RemoveFolder(std::string_view name) override {
     TranslatingErrors(PathOf(name), [&] {
       const auto [real_name, identity] = Identified(name);
@@ -115,7 +115,7 @@ class PosixDirectory final : public Directory {
         const FileDescriptor inside = OpenFolderIn(Here(), real_name);
         const FolderIdentity found = FolderIdentityOf(inside.get());
         if (!found.IsOnOneFileSystemWith(levels_.back().identity)) ThrowSystemError(EBUSY);
-        DeleteStaleTemporaryFiles(inside.get());
+        DeleteOwnFiles(inside.get());
         if (!WasEmpty(Here(), real_name)) ThrowSystemError(ENOTEMPTY);
       }
       levels_.back().known.erase(real_name);

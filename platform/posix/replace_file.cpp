@@ -10,6 +10,8 @@
 #include <charconv>
 #include <tuple>
 
+#include <kvdm/platform/file_system.h>
+
 #include "platform/posix/files.h"
 #include "platform/system_error.h"
 
@@ -164,10 +166,11 @@ bool ReplaceFile(int folder, const std::string& name, std::string_view bytes,
   return SyncFolder(folder);
 }
 
-void DeleteStaleTemporaryFiles(int folder) {
+void DeleteOwnFiles(int folder) {
   for (const std::string& name : EntryNames(folder)) {
     const auto status = StatusOf(folder, name);
-    if (status && status->is_regular_file && IsStale(folder, name)) {
+    const bool is_own = name == kRecoveryFile || IsStale(folder, name);
+    if (status && status->is_regular_file && is_own) {
       ::unlinkat(folder, name.c_str(), 0);
     }
   }

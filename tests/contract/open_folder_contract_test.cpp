@@ -206,6 +206,16 @@ TEST_P(OpenFolderContract, RemoveFolderLeavesEverythingElse) {
   EXPECT_THAT(folder->Entries(), ElementsAre("Full", "shops.dbf"));
 }
 
+TEST_P(OpenFolderContract, ARecoveryFileGoesWithItsFolder) {
+  files_.CreateFolder(R"(D:\Data\North)");
+  files_.CreateFolder(R"(D:\Data\North\Sales)");
+  for (const std::string folder : {R"(D:\Data\North\)", R"(D:\Data\North\Sales\)"}) {
+    files_.WriteFile(folder + kRecoveryFile, "{}");
+  }
+  EXPECT_TRUE(DeleteFolderTree(files_, R"(D:\Data\North\)"));
+  EXPECT_FALSE(files_.FolderExists(R"(D:\Data\North)"));
+}
+
 TEST_P(OpenFolderContract, ADirectoryStaysTheSameFolderWhenItIsMoved) {
   files_.CreateFolder(R"(D:\Data\North)");
   const auto folder = files_.OpenFolder(R"(D:\Data\North)");

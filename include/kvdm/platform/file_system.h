@@ -12,6 +12,11 @@
 
 namespace kvdm {
 
+/// The name of the file in which hosts keep, in a study area's or an analysis's folder, what brings
+/// that item back when it is lost. Whoever deletes the files of a folder and removes it removes
+/// this one too, hidden or not.
+inline constexpr char kRecoveryFile[] = ".kvdm-item.json";
+
 /// An open folder, from which one can go into the folders inside and back. What it does, it does in
 /// the very folder where it is, wherever that folder's path leads by then, and it never follows a
 /// link: a link inside counts as an ordinary file.
