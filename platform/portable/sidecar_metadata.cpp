@@ -14,19 +14,26 @@ constexpr std::string_view kRoot = "LAYERMETADATA";
 constexpr std::string_view kEntry = "ENTRY";
 constexpr std::string_view kPath = "PATH";
 
+// Whether a text's first element is a layer's metadata, as far as that was written.
+bool IsOurs(std::string_view text) {
+  for (auto tag = text.find('<'); tag != text.npos; tag = text.find('<', tag + 1)) {
+    const std::string_view rest = text.substr(tag + 1);
+    if (!rest.starts_with('?') && !rest.starts_with('!')) return rest.starts_with(kRoot);
+  }
+  return false;
+}
+
 class SidecarMetadata : public LayerMetadata {
  public:
   SidecarMetadata(const Platform& platform, std::string_view layer_file)
-      : files_(platform.files),
-        parser_(platform.xml_parser),
-        path_(std::string(layer_file) + ".xml") {}
+      : files_(platform.files), parser_(platform.xml_parser), layer_file_(layer_file) {}
 
   std::shared_ptr<NamedValueSet> ReadDocument() override {
     unread_ = true;
-    const auto bytes = files_->ReadFile(path_);
+    const Place place = FindPlace();
     unread_ = false;
-    if (!bytes) throw RuntimeError(kFileNotFound, {}, "File not found: " + path_);
-    return Parsed(*bytes);
+    if (!place.bytes) throw RuntimeError(kFileNotFound, {}, "File not found: " + place.path);
+    return Parsed(place);
   }
 
   void WriteDocument(const std::shared_ptr<NamedValueSet>& document) override {
@@ -39,22 +46,39 @@ class SidecarMetadata : public LayerMetadata {
       AppendLine(root, entry);
     }
     // What could not be read would be lost.
-    if (unread_) throw RuntimeError(kPermissionDenied, {}, path_ + " can't be read");
+    if (unread_) throw RuntimeError(kPermissionDenied, {}, layer_file_ + ".xml can't be read");
     const std::string text = DocumentText(root);
-    KeepForeignFile();
-    files_->WriteFile(path_, text);
+    const Place place = FindPlace();
+    KeepDamagedFile(place);
+    files_->WriteFile(place.path, text);
   }
 
  private:
-  [[nodiscard]] std::shared_ptr<ValueSet> Parsed(std::string_view bytes) const {
+  // The file of the metadata, and what is in it.
+  struct Place {
+    std::string path;
+    std::optional<std::string> bytes;
+  };
+
+  // Where another program keeps its metadata, ours are beside them.
+  [[nodiscard]] Place FindPlace() const {
+    const std::string usual = layer_file_ + ".xml";
+    auto bytes = files_->ReadFile(usual);
+    if (bytes && IsOurs(*bytes)) return {usual, std::move(bytes)};
+    const std::string beside = layer_file_ + ".kvdm.xml";
+    auto ours = files_->ReadFile(beside);
+    return ours || bytes ? Place{beside, std::move(ours)} : Place{usual, std::nullopt};
+  }
+
+  [[nodiscard]] std::shared_ptr<ValueSet> Parsed(const Place& place) const {
     try {
       auto document = std::make_shared<ValueSet>();
-      for (const auto& entry : LoadRoot(*parser_, bytes, kRoot).Children(kEntry)) {
+      for (const auto& entry : LoadRoot(*parser_, *place.bytes, kRoot).Children(kEntry)) {
         document->AddValue(TextAttribute(entry, kPath), ValueIn(entry));
       }
       return document;
     } catch (const RuntimeError& error) {
-      throw RuntimeError(kAutomationFailure, {}, path_ + " can't be read: " + error.what());
+      throw RuntimeError(kAutomationFailure, {}, place.path + " can't be read: " + error.what());
     }
   }
 
@@ -65,31 +89,32 @@ class SidecarMetadata : public LayerMetadata {
   [[nodiscard]] bool IsFound(const std::string& path) const {
     return !files_->FindFiles(path).empty();
   }
-  // Keeps the present file under another name, unless WriteDocument may replace it.
-  void KeepForeignFile() const {
-    const auto bytes = files_->ReadFile(path_);
-    if (!bytes && !IsFound(path_)) return;
-    if (!bytes) throw RuntimeError(kPermissionDenied, {}, "Permission denied: " + path_);
+  // Keeps what is in the file and can't be read under another name.
+  void KeepDamagedFile(const Place& place) const {
+    if (!place.bytes && !IsFound(place.path)) return;
+    if (!place.bytes) throw RuntimeError(kPermissionDenied, {}, "Permission denied: " + place.path);
     // Only its beginning was read, which is no copy.
-    if (bytes->size() > xml::kMaxInputBytes) {
-      throw RuntimeError(kOutOfMemory, {}, path_ + " is too long to be kept");
+    if (place.bytes->size() > xml::kMaxInputBytes) {
+      throw RuntimeError(kOutOfMemory, {}, place.path + " is too long to be kept");
     }
     try {
-      static_cast<void>(Parsed(*bytes));
+      static_cast<void>(Parsed(place));
     } catch (const RuntimeError&) {
-      KeepCopy(*bytes);
+      KeepCopy(place);
     }
   }
 
-  void KeepCopy(std::string_view bytes) const {
-    std::string copy = path_ + ".bak";
-    for (int number = 1; Exists(copy); ++number) copy = path_ + ".bak" + std::to_string(number);
-    files_->WriteFile(copy, bytes);
+  void KeepCopy(const Place& place) const {
+    std::string copy = place.path + ".bak";
+    for (int number = 1; Exists(copy); ++number) {
+      copy = place.path + ".bak" + std::to_string(number);
+    }
+    files_->WriteFile(copy, *place.bytes);
   }
 
   std::shared_ptr<FileSystem> files_;
   std::shared_ptr<XmlParser> parser_;
-  std::string path_;
+  std::string layer_file_;
   bool unread_ = false;  // the last attempt to read the file failed
 };
 

@@ -28,6 +28,11 @@ std::shared_ptr<LayerMetadata> MakeSidecar(const MemoryPlatform& world) {
   return MakeSidecarMetadata(world.Bundle(), "D:\\stores.shp");
 }
 
+std::shared_ptr<LayerMetadata> MakeBesideForeign(const MemoryPlatform& world) {
+  world.files->AddFile("D:\\stores.shp.xml", "<metadata><idinfo/></metadata>");
+  return MakeSidecar(world);
+}
+
 class LayerMetadataContractTest : public testing::TestWithParam<MetadataImplementation> {
  protected:
   // Nothing where reading fails.
@@ -45,7 +50,9 @@ class LayerMetadataContractTest : public testing::TestWithParam<MetadataImplemen
 
 INSTANTIATE_TEST_SUITE_P(All, LayerMetadataContractTest,
                          testing::Values(MetadataImplementation{"Memory", MakeInMemory},
-                                         MetadataImplementation{"Sidecar", MakeSidecar}),
+                                         MetadataImplementation{"Sidecar", MakeSidecar},
+                                         MetadataImplementation{"BesideForeign",
+                                                                MakeBesideForeign}),
                          kByName);
 
 TEST_P(LayerMetadataContractTest, HasNoDocumentAtFirst) { EXPECT_EQ(ReadOrNothing(), nullptr); }

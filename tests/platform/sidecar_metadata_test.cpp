@@ -47,15 +47,46 @@ TEST_F(SidecarMetadataTest, AMissingFileIsNotFound) {
   EXPECT_RUNTIME_ERROR(metadata_->ReadDocument(), kFileNotFound);
 }
 
-TEST_F(SidecarMetadataTest, AForeignFileIsNamed) {
-  world_.files->AddFile(kSidecar, "<metadata/>");
+constexpr std::string_view kBeside = "D:\\stores.shp.kvdm.xml";
+
+// What other programs keep there, and what can't be told.
+const char* const kForeign[] = {
+    "<?xml version=\"1.0\"?>\n<!--LAYERMETADATA-->\n<gmd:MD_Metadata xmlns:gmd=\"urn:x\"/>",
+    "<!DOCTYPE metadata SYSTEM \"fgdc.dtd\">\n<metadata><idinfo/></metadata>",
+    "<metadata><idinfo>",
+    "no XML",
+    "",
+};
+
+TEST_F(SidecarMetadataTest, AForeignFileStaysToTheByte) {
+  for (const char* foreign : kForeign) {
+    world_.files->AddFile(kSidecar, foreign);
+    EXPECT_RUNTIME_ERROR(metadata_->ReadDocument(), kFileNotFound);
+    metadata_->WriteDocument(SomeDocument());
+    EXPECT_EQ(metadata_->ReadDocument()->EntryCount(), 2) << foreign;
+    EXPECT_EQ(Text(kSidecar), foreign);
+    EXPECT_THAT(world_.files->Tree("D:\\"), ElementsAre("stores.shp.kvdm.xml", "stores.shp.xml"));
+    world_.files->RemoveTree(kBeside);
+  }
+}
+
+TEST_F(SidecarMetadataTest, OursBesideStayInUse) {
+  world_.files->AddFile(kSidecar, kForeign[0]);
+  metadata_->WriteDocument(SomeDocument());
+  world_.files->RemoveTree(kSidecar);
+  EXPECT_EQ(metadata_->ReadDocument()->EntryCount(), 2);
+  metadata_->WriteDocument(SomeDocument());
+  EXPECT_THAT(world_.files->Tree("D:\\"), ElementsAre("stores.shp.kvdm.xml"));
+}
+
+TEST_F(SidecarMetadataTest, DamagedMetadataAreNamed) {
+  world_.files->AddFile(kSidecar, "<LAYERMETADATA>");
   try {
     metadata_->ReadDocument();
-    ADD_FAILURE() << "a foreign file was read";
+    ADD_FAILURE() << "a damaged file was read";
   } catch (const RuntimeError& error) {
     EXPECT_EQ(error.number(), kAutomationFailure);
     EXPECT_THAT(error.what(), HasSubstr(kSidecar));
-    EXPECT_THAT(error.what(), HasSubstr("its root is metadata"));
   }
 }
 
@@ -71,21 +102,21 @@ TEST_F(SidecarMetadataTest, AnOwnFileIsReplacedWithoutACopy) {
   EXPECT_THAT(world_.files->Tree("D:\\"), ElementsAre("stores.shp.xml"));
 }
 
-TEST_F(SidecarMetadataTest, AForeignFileIsKeptBeforeItIsReplaced) {
-  world_.files->AddFile(kSidecar, "<metadata/>");
+TEST_F(SidecarMetadataTest, DamagedMetadataAreKeptBeforeTheyAreReplaced) {
+  world_.files->AddFile(kSidecar, "<LAYERMETADATA>");
   metadata_->WriteDocument(SomeDocument());
-  EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "<metadata/>");
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "<LAYERMETADATA>");
   EXPECT_EQ(metadata_->ReadDocument()->EntryCount(), 2);
 }
 
 TEST_F(SidecarMetadataTest, EarlierCopiesAreNeverReplaced) {
-  for (const auto* content : {"one", "two", "three"}) {
-    world_.files->AddFile(kSidecar, content);
+  for (const std::string content : {"one", "two", "three"}) {
+    world_.files->AddFile(kSidecar, "<LAYERMETADATA" + content);
     metadata_->WriteDocument(SomeDocument());
   }
-  EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "one");
-  EXPECT_EQ(Text("D:\\stores.shp.xml.bak1"), "two");
-  EXPECT_EQ(Text("D:\\stores.shp.xml.bak2"), "three");
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak"), "<LAYERMETADATAone");
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak1"), "<LAYERMETADATAtwo");
+  EXPECT_EQ(Text("D:\\stores.shp.xml.bak2"), "<LAYERMETADATAthree");
 }
 
 TEST_F(SidecarMetadataTest, AFileThatFailedToBeReadIsNotReplaced) {
@@ -108,10 +139,10 @@ TEST_F(SidecarMetadataTest, AFileThatFailedToBeReadIsNotReplaced) {
 }
 
 TEST_F(SidecarMetadataTest, AFileThatCannotBeKeptStays) {
-  world_.files->AddFile(kSidecar, "<metadata/>");
+  world_.files->AddFile(kSidecar, "<LAYERMETADATA>");
   world_.files->RefuseWrites("D:\\");
   EXPECT_RUNTIME_ERROR(metadata_->WriteDocument(SomeDocument()), kPermissionDenied);
-  EXPECT_EQ(Text(kSidecar), "<metadata/>");
+  EXPECT_EQ(Text(kSidecar), "<LAYERMETADATA>");
 }
 
 }  // namespace
