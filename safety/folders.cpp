@@ -73,14 +73,4 @@ MoveKind MoveOrCopyFolder(const fs::path& from, const fs::path& to) {
   return MoveKind::kCopied;
 }
 
-FolderSize SizeOfFolder(const fs::path& folder) {
-  FolderSize size;
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (!entry.is_regular_file() || entry.is_symlink()) continue;
-    ++size.files;
-    size.bytes += static_cast<std::int64_t>(entry.file_size());
-  }
-  return size;
-}
-
 }  // namespace kvdm

@@ -1,7 +1,6 @@
 // Whole folders of the system: moved, copied and compared.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 
 namespace kvdm {
@@ -16,12 +15,5 @@ MoveKind MoveOrCopyFolder(const std::filesystem::path& from, const std::filesyst
 
 // Copies a folder as MoveOrCopyFolder does.
 void CopyFolder(const std::filesystem::path& from, const std::filesystem::path& to);
-
-// What is in a folder, at all depths.
-struct FolderSize {
-  std::int64_t files = 0;
-  std::int64_t bytes = 0;
-};
-[[nodiscard]] FolderSize SizeOfFolder(const std::filesystem::path& folder);
 
 }  // namespace kvdm

@@ -96,8 +96,8 @@ void MoveFolder(const Drives& drives, std::string_view from, std::string_view to
 // Whether a link stands at a path itself.
 [[nodiscard]] bool IsLink(const std::filesystem::path& path);
 
-// What is in a folder, those in it and hidden ones included. Links count as files, and are not
-// followed.
+// What is in a folder, those in it and hidden ones included, but not the recovery files of hosts.
+// Links count as files, and are not followed.
 struct TreeSize {
   std::int64_t files = 0;
   std::int64_t bytes = 0;

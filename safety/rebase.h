@@ -66,8 +66,8 @@ enum class RebaseStage {
 
 // The paths of all elements and attributes below a document's root that begin with the prefix are
 // replaced, names and identifiers excepted.
-[[nodiscard]] std::vector<PathChange> RebaseElements(DocumentNode& root, const PathPrefix& prefix,
-                                                     std::string_view document);
+std::vector<PathChange> RebaseElements(DocumentNode& root, const PathPrefix& prefix,
+                                       std::string_view document);
 
 // The side-cars of the layer files of a document, and what of them begins with the prefix; they are
 // written when `writes`. One that can't be read or written is left out, and noted in the log.

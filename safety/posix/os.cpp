@@ -130,7 +130,7 @@ void AddSize(int parent, const std::string& name, TreeSize& size) {
         size.is_whole = size.is_whole && MeansMissing(errno);
       } else if (S_ISDIR(status.st_mode)) {
         AddSize(folder.get(), entry, size);
-      } else {
+      } else if (entry != kRecoveryFile) {
         ++size.files;
         size.bytes += status.st_size;
       }

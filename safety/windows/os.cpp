@@ -104,7 +104,7 @@ void AddSize(const fs::path& folder, TreeSize& size) {
     ForEachFound(folder / L"*", folder, [&](const WIN32_FIND_DATAW& found) {
       const std::wstring_view name = found.cFileName;
       constexpr DWORD kKind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
-      if (name == L"." || name == L"..") return;
+      if (name == L"." || name == L".." || ToUtf8(name) == kRecoveryFile) return;
       if ((found.dwFileAttributes & kKind) == FILE_ATTRIBUTE_DIRECTORY) {
         return AddSize(folder / name, size);
       }

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "safety/os.h"
 #include "tests/temp_folder.h"
 
 namespace kvdm {
@@ -28,15 +29,15 @@ class FoldersTest : public testing::Test {
 
 TEST_F(FoldersTest, ACopyHasWhatTheFolderHas) {
   CopyFolder(From(), To());
-  EXPECT_EQ(SizeOfFolder(To()).files, 2);
-  EXPECT_EQ(SizeOfFolder(To()).bytes, 200'003);
+  EXPECT_EQ(os::SizeOfTree(To()).files, 2);
+  EXPECT_EQ(os::SizeOfTree(To()).bytes, 200'003);
   EXPECT_EQ(fs::last_write_time(To() / "a.txt"), fs::last_write_time(From() / "a.txt"));
 }
 
 TEST_F(FoldersTest, AMoveOnOneDiskIsARename) {
   EXPECT_EQ(MoveOrCopyFolder(From(), To()), MoveKind::kRenamed);
   EXPECT_FALSE(fs::exists(From()));
-  EXPECT_EQ(SizeOfFolder(To()).files, 2);
+  EXPECT_EQ(os::SizeOfTree(To()).files, 2);
 }
 
 TEST_F(FoldersTest, WhatIsThereStays) {
@@ -44,7 +45,7 @@ TEST_F(FoldersTest, WhatIsThereStays) {
   EXPECT_THROW(MoveOrCopyFolder(From(), To()), std::system_error);
   EXPECT_THROW(CopyFolder(From(), To()), std::system_error);
   EXPECT_TRUE(fs::is_empty(To()));
-  EXPECT_EQ(SizeOfFolder(From()).files, 2);
+  EXPECT_EQ(os::SizeOfTree(From()).files, 2);
 }
 
 }  // namespace
