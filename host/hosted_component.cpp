@@ -157,9 +157,11 @@ std::string HostedComponent::WorkingDirectoryProblem() {
   const bool was_there = working_directory_was_there_.value_or(false);
   if (was_there && !folder.empty() && services_.platform.files->FolderExists(folder)) return "";
   return fmt::format(
-      "The working directory {} can't be used: was it moved or deleted, is there a file in its "
-      "place, or is its disk missing?",
-      ToText(settings_->GetProperty(kWorkingDirectorySetting)));
+             "The working directory {} can't be used: was it moved or deleted, is there a file in "
+             "its "
+             "place, or is its disk missing?",
+             ToText(settings_->GetProperty(kWorkingDirectorySetting))) +
+         way_out_;
 }
 
 void HostedComponent::RequireWorkingDirectory() {

@@ -52,6 +52,8 @@ class HostedComponent {
   }
   // A sentence about the working directory when the component can't work in it; "" when it can.
   [[nodiscard]] std::string WorkingDirectoryProblem();
+  // What can be done about that, as the sentence after it, which begins with a blank.
+  void SetWayOut(std::string sentence) { way_out_ = std::move(sentence); }
   // Failure kRefused with that sentence.
   void RequireWorkingDirectory();
 
@@ -95,6 +97,7 @@ class HostedComponent {
   std::shared_ptr<Host> host_;
   std::shared_ptr<KVDataManager> manager_;
   std::optional<bool> working_directory_was_there_;
+  std::string way_out_;
 };
 
 }  // namespace kvdm

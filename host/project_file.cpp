@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/os.h"
+#include "host/output.h"
 #include "safety/backups.h"
 #include "util/guard.h"
 
@@ -83,7 +84,17 @@ std::vector<fs::path> ProjectsIn(const fs::path& folder) try {
                             os::ToText(folder), error.code().message()));
 }
 
-[[noreturn]] void SeveralProjects(const std::vector<fs::path>& projects) {
+// Of several projects in a folder the one that is named like it: the others are copies of it, as
+// people make them.
+fs::path ChosenOf(const std::vector<fs::path>& projects, const fs::path& folder) {
+  const auto named = std::ranges::find(projects, folder.filename(), &fs::path::stem);
+  if (named != projects.end()) {
+    Output::Tell(
+        fmt::format("kvdm: This folder holds {} projects. This is about {}, which is named "
+                    "like the folder; -p FILE names another one.",
+                    projects.size(), os::ToText(named->filename())));
+    return *named;
+  }
   std::vector<Record> candidates;
   for (const fs::path& project : projects) {
     candidates.push_back({{"project", os::ToText(project)}});
@@ -147,7 +158,7 @@ fs::path FindProjectFile(std::string_view given) {
   fs::path folder = fs::current_path();
   for (;;) {
     const auto projects = ProjectsIn(folder);
-    if (projects.size() > 1) SeveralProjects(projects);
+    if (projects.size() > 1) return Located(ChosenOf(projects, folder));
     if (projects.size() == 1) return Located(projects.front());
     if (folder == folder.parent_path()) break;
     folder = folder.parent_path();

@@ -18,8 +18,9 @@ namespace kvdm {
 
 // The project file to work with: `given` if it is not "", else the one in the current folder or the
 // nearest folder above that has one. Where one may be put in place at the moment, because its lock
-// file is there, that is waited for. Failure kNotFound when there is none, kConflict when a folder
-// has several, kRefused when another process keeps the lock.
+// file is there, that is waited for. Of several in a folder it is the one that is named like the
+// folder, which is said. Failure kNotFound when there is none, kConflict when none of several is
+// named so, kRefused when another process keeps the lock.
 [[nodiscard]] std::filesystem::path FindProjectFile(std::string_view given);
 
 // Reads a project. Failure kNotFound or kUnreadable, with what can be done about it.

@@ -6,7 +6,10 @@
 
 #include "host/os.h"
 #include "host/project_file.h"
+#include "host/stored_project.h"
+#include "safety/item_files.h"
 #include "util/guard.h"
+#include "util/registry_strings.h"
 
 namespace kvdm {
 namespace {
@@ -19,6 +22,8 @@ HostedComponent Start(const std::filesystem::path& file, const Project& project,
     FailToOpen(file, failure);
   }
 }
+
+std::string MetadataOf(const Project& project) { return DocumentsOf(project).at(kProjectDocument); }
 
 // None where there can't be one: then the registry can't be written either, which is the concern of
 // those who need it.
@@ -46,7 +51,13 @@ Session::Session(const std::filesystem::path& file, Access access, const Allowed
     : file_(file),
       project_(ReadProjectFile(file_)),
       component_(Start(file_, project_, access, out)),
-      allowed_(allowed) {}
+      allowed_(allowed) {
+  if (component_.WorkingDirectoryWasThere() != false) return;
+  const auto command = ProposedRebase(file_, project_);
+  if (!command) return;
+  component_.SetWayOut(
+      fmt::format(" One that fits stands beside the project: '{}' takes it.", *command));
+}
 
 Session::~Session() {
   for (const auto& undo : undos_) guard::Skipping(nullptr, undo);
@@ -80,6 +91,7 @@ bool Session::Save() {
   if (recording_) recording_->NoteProject(before, project_);
   const bool written = Write();
   if (recording_) recording_->End();
+  KeepItems(MetadataOf(before), MetadataOf(project_));
   return written;
 }
 
@@ -100,6 +112,16 @@ void Session::Store(const Documents& stored, const Documents& wanted,
                     const std::vector<Move>& moves, int undoes) {
   recording_->Store(stored, wanted, moves, undoes);
   is_saved_ = true;
+  KeepItems(stored.at(kProjectDocument), wanted.at(kProjectDocument));
+}
+
+// The recovery side-cars follow what was saved.
+void Session::KeepItems(const std::string& before, const std::string& now) {
+  const Services& services = component_.GetServices();
+  const std::string catalogue = ToText(ReadRegistryString(
+      *services.registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));
+  ItemFiles(services.platform, Manager().WorkingDirectory(), os::ToText(file_.stem()))
+      .Follow(before, now, catalogue);
 }
 
 }  // namespace kvdm

@@ -83,6 +83,7 @@ class Session {
 
  private:
   bool Write();
+  void KeepItems(const std::string& before, const std::string& now);
 
   std::filesystem::path file_;
   Project project_;

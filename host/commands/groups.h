@@ -31,6 +31,9 @@ void AddCheckCommand(const CommandGroup& root);
 void AddDoctorCommand(const CommandGroup& root);
 void AddRunCommand(const CommandGroup& root);
 void AddExplainCommand(const CommandGroup& root);
+// Those below 'kvdm project' of the folders it stands in.
+void AddProjectPlaces(const CommandGroup& project);
+void AddProjectDrives(const CommandGroup& project);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 

@@ -18,6 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kDefaultWorkingFolder[] = "KVData";
+constexpr char kExampleFolder[] = "/srv/data/North";
 
 // `path` as an absolute path without a separator at its end. Failure kUsage when it is not UTF-8.
 fs::path Absolute(const fs::path& path) {
@@ -45,10 +46,23 @@ void CreateFolders(const fs::path& folder) {
   }
 }
 
+// A new project on a system without drives has folders for these alone.
+void RequireKnownDrive(const std::string& path) {
+  const int letter = std::toupper(static_cast<unsigned char>(path.front()));
+  if (letter == 'C' || letter == 'Z') return;
+  throw Failure(ExitCode::kUsage,
+                fmt::format("{} can't be the working directory of a new project: this computer has "
+                            "no drive {}:. Name a folder such as {}.",
+                            path, static_cast<char>(letter), kExampleFolder));
+}
+
 // The working directory in the component's form; the folders above it are made. Where the system
 // has no drives, a path that names one is in that form already.
 std::string WorkingFolder(const fs::path& path) {
-  if (!path.has_root_name() && NamesDrive(os::ToText(path))) return os::ToText(path);
+  if (!path.has_root_name() && NamesDrive(os::ToText(path))) {
+    RequireKnownDrive(os::ToText(path));
+    return os::ToText(path);
+  }
   const fs::path folder = Absolute(path);
   for (const fs::path& part : folder.relative_path()) RequireFolderName(os::ToText(part));
   CreateFolders(folder.parent_path());
@@ -138,8 +152,10 @@ class Init : public Command {
 }  // namespace
 
 void AddInitCommand(const CommandGroup& root) {
+  const bool has_drives = fs::path("D:\\").has_root_name();
   root.Add<Init>("init", "Make a project and its working directory",
-                 "kvdm init\nkvdm init North\nkvdm init North --workdir 'D:\\Data\\North'");
+                 fmt::format("kvdm init\nkvdm init North\nkvdm init North --workdir {}",
+                             has_drives ? "D:\\Data\\North" : kExampleFolder));
 }
 
 }  // namespace kvdm

@@ -130,6 +130,8 @@ void AddProjectCommands(const CommandGroup& root) {
   project.Add<ProjectShow>("show", "Show the metadata document and the study area catalogue",
                            "kvdm project show");
   AddProjectShare(project);
+  AddProjectPlaces(project);
+  AddProjectDrives(project);
 }
 
 }  // namespace kvdm
