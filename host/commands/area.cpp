@@ -3,6 +3,7 @@
 #include "host/commands/item_commands.h"
 #include "host/deletion.h"
 #include "host/ownership.h"
+#include "safety/adopt.h"
 #include "util/names.h"
 
 namespace kvdm {
@@ -38,6 +39,7 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
 
   static Ref Create(Session& session, const std::string& name, Output& out) {
     RequireFreeName<StudyAreas>(All(session), name);
+    RequireNoLostArea(session, name);
     bool complete = false;
     const std::string cause =
         out.CauseIn([&] { complete = Collection(session)->CreateStudyArea(name); });
@@ -84,6 +86,27 @@ struct StudyAreas : CommandKind<StudyAreaKind> {
   }
 
  private:
+  // The component would make a folder of another name beside that of a study area that is no longer
+  // listed. Failure kConflict.
+  static void RequireNoLostArea(Session& session, const std::string& name) {
+    const Platform& platform = session.Component().GetServices().platform;
+    const std::string folder =
+        session.Manager().WorkingDirectory() + sDefaultDirNames::kStudyAreas + "\\" + name;
+    const auto areas = All(session);
+    const bool is_listed = std::ranges::any_of(areas, [&](const Ref& area) {
+      return SamePlaceIn(platform)(area->StudyAreaDir(), folder);
+    });
+    if (is_listed || !platform.files->FolderExists(folder) ||
+        !LooksLikeStudyArea(platform, folder)) {
+      return;
+    }
+    throw Failure(ExitCode::kConflict,
+                  fmt::format("The folder {} is that of a study area that is no longer listed. "
+                              "'kvdm adopt --dry-run' shows it and 'kvdm adopt' brings it back; or "
+                              "choose another name.",
+                              folder));
+  }
+
   static bool IsFoundByName(Session& session, const Ref& area) {
     const auto namesake = Collection(session)->GetStudyArea(area->Name());
     return namesake && namesake->GUID() == area->GUID();

@@ -34,6 +34,7 @@ void AddExplainCommand(const CommandGroup& root);
 // Those below 'kvdm project' of the folders it stands in.
 void AddProjectPlaces(const CommandGroup& project);
 void AddProjectDrives(const CommandGroup& project);
+void AddAdoptCommand(const CommandGroup& root);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);
 
@@ -42,11 +43,12 @@ void AddSystemCommands(const CommandGroup& root);
 
 // In the order of the help text.
 inline constexpr auto kCommandGroups = {
-    &AddInitCommand,       &AddStatusCommand,    &AddAreaCommands,    &AddAnalysisCommands,
-    &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,    &AddTableCommands,
-    &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,    &AddRegistryCommands,
-    &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,    &AddProjectCommands,
-    &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands, &AddRunCommand,
-    &AddExplainCommand,    &AddGenerateCommands, &AddVersionCommand,  &AddSystemCommands};
+    &AddInitCommand,       &AddStatusCommand,    &AddAreaCommands,     &AddAnalysisCommands,
+    &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,     &AddTableCommands,
+    &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,     &AddRegistryCommands,
+    &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,     &AddProjectCommands,
+    &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands,  &AddRunCommand,
+    &AddAdoptCommand,      &AddExplainCommand,   &AddGenerateCommands, &AddVersionCommand,
+    &AddSystemCommands};
 
 }  // namespace kvdm

@@ -8,6 +8,7 @@
 #include "host/ownership.h"
 #include "host/waiting_folders.h"
 #include "platform/xml/document.h"
+#include "safety/adopt.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {
@@ -40,6 +41,20 @@ Field StudyAreaCount(Session& session) {
       all, [&](const auto& area) { return directory.Holds(area->StudyAreaDir()); }));
 }
 
+// Folders of study areas that the list does not name: it was lost, or is another computer's.
+void TellOfUnlistedAreas(Session& session) {
+  const Services& services = session.Component().GetServices();
+  const std::string catalogue = ToText(ReadRegistryString(
+      *services.registry, RegistryRoot::kLocalMachine, kRegistryKey, kStudyAreaCollectionValue));
+  const auto folders =
+      UnlistedAreaFolders(services.platform, session.Manager().WorkingDirectory(), catalogue);
+  if (folders.empty()) return;
+  Output::Tell(
+      fmt::format("kvdm: {} of the folders of study areas {} not in the list, such as {}. "
+                  "'kvdm adopt --dry-run' shows what can be brought back.",
+                  folders.size(), folders.size() == 1 ? "is" : "are", folders.front()));
+}
+
 class Status : public ReadingCommand {
   void Run(Session& session, Output& out) override {
     HostedComponent& component = session.Component();
@@ -69,6 +84,7 @@ class Status : public ReadingCommand {
     out.Section("damaged_catalogues", kept);
     if (damaged) return Output::Tell("kvdm: " + problem);
     TellOfWaitingFolders(session);
+    TellOfUnlistedAreas(session);
     TellOfCurrentArea(session);
   }
 };
