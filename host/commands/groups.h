@@ -34,6 +34,7 @@ void AddExplainCommand(const CommandGroup& root);
 // Those below 'kvdm project' of the folders it stands in.
 void AddProjectPlaces(const CommandGroup& project);
 void AddProjectDrives(const CommandGroup& project);
+void AddProjectArchives(const CommandGroup& project);
 void AddAdoptCommand(const CommandGroup& root);
 void AddGenerateCommands(const CommandGroup& root);
 void AddVersionCommand(const CommandGroup& root);

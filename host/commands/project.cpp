@@ -132,6 +132,7 @@ void AddProjectCommands(const CommandGroup& root) {
   AddProjectShare(project);
   AddProjectPlaces(project);
   AddProjectDrives(project);
+  AddProjectArchives(project);
 }
 
 }  // namespace kvdm
