@@ -4,7 +4,7 @@
 #include <kvdm/platform/document_tree.h>
 
 #include "host/commands/groups.h"
-#include "host/commands/item_commands.h"
+#include "host/commands/item_add.h"
 #include "host/commands/item_params.h"
 #include "platform/xml/document.h"
 #include "util/names.h"
@@ -170,6 +170,11 @@ struct DataItems : CommandKind<DataItemKind> {
     return fmt::format(". Its file is to be {}, with an extension.", entry->LayerFile());
   }
 
+  static std::string FileOf(const Ref& entry) { return entry.item ? entry->LayerFile() : ""; }
+  static void UseFile(Session&, const Ref& entry, const std::string& path) {
+    entry->SetLayerFile(path);
+  }
+
   static std::string FolderOf(Session&, const Ref&) { return ""; }
   static std::string Remark(Session&, const Ref& entry) { return Stays(entry); }
 
@@ -256,6 +261,7 @@ void AddDataCommands(const CommandGroup& root) {
   group.Add<DataList>("list", "List the data items of both places",
                       "kvdm data list\nkvdm data list --json");
   AddCreateCommand<DataItems>(group, " and reserve its file");
+  AddAddCommand<DataItems>(group);
   AddShowCommand<DataItems>(group);
   AddSetCommand<DataItems>(group, "fields", " --layer-file 'D:\\Maps\\Streets.shp'");
   AddRenameCommand<DataItems>(group);

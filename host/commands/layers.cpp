@@ -1,6 +1,6 @@
 // kvdm store, kvdm customer: the layers of store locations and of customer points.
 #include "host/commands/groups.h"
-#include "host/commands/item_commands.h"
+#include "host/commands/item_add.h"
 #include "host/commands/item_params.h"
 #include "host/deletion.h"
 #include "host/kinds.h"
@@ -80,6 +80,11 @@ struct Layers : CommandKind<Layer> {
 
   static std::string WhereItIs(const Ref& layer) {
     return fmt::format(". Its layer file is to be {}.", layer->LayerFile());
+  }
+
+  static std::string FileOf(const Ref& layer) { return layer->LayerFile(); }
+  static void UseFile(Session&, const Ref& layer, const std::string& path) {
+    Required(Query<IKVLayerEdit>(layer)).SetLayerFile(path);
   }
 
   static std::string FolderOf(Session&, const Ref&) { return ""; }
@@ -224,6 +229,7 @@ void AddLayerCommands(const CommandGroup& root, const char* help) {
   const CommandGroup group = root.Group(Kind::kCommand, help);
   AddListCommand<Kind>(group);
   AddCreateCommand<Kind>(group, " and reserve its file");
+  AddAddCommand<Kind>(group);
   AddShowCommand<Kind>(group);
   AddSetCommand<Kind>(group, "fields", " --id-field ID --name-field NAME");
   AddRenameCommand<Kind>(group);
