@@ -131,12 +131,13 @@ class Limits:
         self.sparse(self.place.root / "work/P/properties.json",
                     ["analysis", "properties", "import", "Sales", "properties.json"], "properties.json")
         side_car = self.place.root / "work/P/KVData/Analyses/Sales/Analysis.lyr.xml"
-        self.sparse(side_car, ["metadata", "show", "Sales"], "Analysis.lyr")
-        self.sparse(side_car, ["metadata", "export", "Sales"], "Analysis.lyr")
+        self.sparse(side_car, ["metadata", "show", "Sales"], "Analysis.lyr", b"<LAYERMETADATA>")
+        self.sparse(side_car, ["metadata", "export", "Sales"], "Analysis.lyr", b"<LAYERMETADATA>")
 
-    def sparse(self, file, words, limit):
+    def sparse(self, file, words, limit, head=b""):
         """A file that is larger than memory: refused, in bounded memory, and still there."""
         with open(file, "wb") as target:
+            target.write(head)
             target.truncate(SPARSE_BYTES)
         code = ("import resource, subprocess, sys; status = subprocess.run(sys.argv[1:]).returncode; "
                 "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss); sys.exit(status)")

@@ -39,8 +39,8 @@ def line(source, tree):
     """One command line; every tenth is made of anything."""
     path, places, options = source.choice(tree)
     words = list(path)
-    # A project is made where the command line says, which is not to be outside.
-    texts = PLAIN if path[0] == "init" else WORDS
+    # Projects and archives are made where the command line says, which is not to be outside.
+    texts = PLAIN if path[0] == "init" or path[-1] in ("pack", "unpack") else WORDS
     if source.random() < 0.1:
         source.shuffle(words)
         words = words[: source.randint(0, len(words))]
@@ -79,7 +79,8 @@ def main():
     with Place(asked.kvdm, "random_commands") as place:
         (place.root / "work/P/input.json").write_text('{"Comments": "c", "radius": "5"}')
         place.run("analysis", "create", "Sales")
-        tree = commands(place)
+        # All further commands look for the project where it is.
+        tree = [command for command in commands(place) if command[0] != ("project", "move")]
         place.require(len(tree) > 60, "wrong", f"only {len(tree)} commands were found")
         for number in part_of(range(LONG if asked.long else SHORT), asked.part):
             words = line(random.Random(f"{SEED} {number}"), tree)

@@ -83,8 +83,10 @@ ARGUMENTS = {
     "path split": ["Z:\\maps\\a.shp"],
 }
 
-# These make a project, work on what no project holds, or write the file that they are given.
-OTHERS = ["init", "catalogue renew", "analysis properties export"]
+# These make or move a project, work on what no project holds or on a project without the component, or write the file that
+# they are given.
+OTHERS = ["init", "catalogue renew", "analysis properties export", "adopt", "project move", "project rebase",
+          "project drive set", "project drive unset", "project pack", "project unpack"]
 
 # What is missing, for a while.
 ABSENT = [None, "Shops/KVData", "data"]
