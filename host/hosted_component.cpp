@@ -14,14 +14,12 @@
 #include "platform/xml/limits.h"
 #include "platform/xml/pieces.h"
 #include "platform/xml/xml_input.h"
+#include "safety/rebase.h"
 #include "util/names.h"
 #include "util/registry_strings.h"
 
 namespace kvdm {
 namespace {
-
-// Beside the name of the open study area, which the component reads.
-constexpr char kStudyAreaGuidProperty[] = "Study Area GUID";
 
 Platform OnFiles(Platform platform, std::shared_ptr<FileSystem> files) {
   platform.files = std::move(files);
@@ -218,11 +216,11 @@ std::string HostedComponent::CurrentStudyArea() {
   return ToText(state_->GetProperty(kStudyAreaNameProperty));
 }
 
-std::string HostedComponent::CurrentStudyAreaGuid() { return State(kStudyAreaGuidProperty); }
+std::string HostedComponent::CurrentStudyAreaGuid() { return State(kOpenAreaGuid); }
 
 void HostedComponent::SetCurrentStudyArea(std::string_view name, std::string_view guid) {
   SetState(kStudyAreaNameProperty, name);
-  SetState(kStudyAreaGuidProperty, guid);
+  SetState(kOpenAreaGuid, guid);
 }
 
 std::vector<Value> HostedComponent::Saved() {

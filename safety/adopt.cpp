@@ -15,7 +15,6 @@ namespace {
 
 constexpr char kAreas[] = "STUDYAREACOLLECTION";
 constexpr char kDataGroup[] = "SADATACOLLECTION";
-constexpr char kOpenArea[] = "Study Area Name";
 
 DocumentTree TreeOf(const Platform& platform, const std::string& text, const char* root) {
   auto tree = ReadDocumentTree(*platform.xml_parser, text);
@@ -40,6 +39,11 @@ std::string PlaceOf(const Platform& platform, const DocumentNode& element) {
   const std::string folder = element.Attribute("DIRNAME");
   if (folder.empty()) return "";
   return platform.files->FolderExists(folder) ? platform.files->FullPath(folder) : folder;
+}
+
+std::string TextIn(const PropertySetMap::Properties& properties, const char* name) {
+  const auto found = properties.find(name);
+  return found != properties.end() && found->second.IsText() ? ToText(found->second) : "";
 }
 
 // Takes found items into the documents, one after the other.
@@ -110,10 +114,6 @@ class Adopter {
     }
     if (name == wanted) return false;
     element.SetAttribute("NAME", element.name == "DATAITEM" ? name : "_" + name + "_");
-    // A copy of a project works in its own study area from now on.
-    const auto open = holdings_.state.find(kOpenArea);
-    const bool is_open = open != holdings_.state.end() && open->second == Value(wanted);
-    if (element.name == "STUDYAREA" && is_open) holdings_.state[kOpenArea] = name;
     return true;
   }
 
@@ -167,6 +167,41 @@ Adoption AdoptItems(const Platform& platform, const Holdings& holdings,
   for (FoundItem& item : items) adoption.found.push_back(adopter.Take(std::move(item)));
   adoption.result = adopter.Result();
   return adoption;
+}
+
+Adoption AdoptCopies(const Platform& platform, const Holdings& holdings,
+                     const std::vector<FoundItem>& areas) {
+  Adoption adoption = AdoptItems(platform, holdings, areas);
+  const std::string name = TextIn(holdings.state, kOpenArea);
+  const std::string guid = TextIn(holdings.state, kOpenAreaGuid);
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    const DocumentNode& area = areas[i].item.element;
+    const DocumentNode& copy = adoption.found[i].item.element;
+    if (ItemName(area) != name || (!guid.empty() && area.Attribute("GUID") != guid)) continue;
+    adoption.result.state[kOpenArea] = ItemName(copy);
+    if (!guid.empty()) adoption.result.state[kOpenAreaGuid] = copy.Attribute("GUID");
+  }
+  return adoption;
+}
+
+Adoption AdoptStaying(const Platform& platform, const Rebase& rebase, const PathPrefix& prefix) {
+  std::set<std::string> staying;
+  for (const PathChange& area : rebase.staying) staying.insert(area.before);
+  Holdings holdings = rebase.result;
+  std::vector<FoundItem> areas;
+  const DocumentTree catalogue = TreeOf(platform, holdings.catalogue, kAreas);
+  for (DocumentNode area : catalogue.Root()->children) {
+    if (!staying.contains(area.Attribute("DIRNAME"))) continue;
+    const bool is_open = ItemName(area) == TextIn(holdings.state, kOpenArea);
+    static_cast<void>(RebaseElements(area, prefix, ""));
+    if (platform.files->FolderExists(area.Attribute("DIRNAME"))) {
+      areas.push_back({{kAreas, std::move(area)}, "list"});
+    } else if (is_open) {
+      holdings.state[kOpenArea] = "";
+      holdings.state.erase(kOpenAreaGuid);
+    }
+  }
+  return AdoptCopies(platform, holdings, areas);
 }
 
 bool LooksLikeStudyArea(const Platform& platform, const std::string& folder) {

@@ -56,6 +56,16 @@ struct Adoption {
 [[nodiscard]] Adoption AdoptItems(const Platform& platform, const Holdings& holdings,
                                   std::vector<FoundItem> items);
 
+// The same of the study areas of a project that is a copy: the one that it works in is its own from
+// now on.
+[[nodiscard]] Adoption AdoptCopies(const Platform& platform, const Holdings& holdings,
+                                   const std::vector<FoundItem>& areas);
+
+// What a rebase leads to, with copies of the study areas that it left where they are, as far as
+// there are folders for them at the new place. The project works in no other one's study area.
+[[nodiscard]] Adoption AdoptStaying(const Platform& platform, const Rebase& rebase,
+                                    const PathPrefix& prefix);
+
 // Whether a folder that no document names looks like one of a study area: it has a recovery
 // side-car, analyses or a study area's layer.
 [[nodiscard]] bool LooksLikeStudyArea(const Platform& platform, const std::string& folder);

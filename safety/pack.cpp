@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <system_error>
 
 #include "safety/items.h"
@@ -142,8 +143,18 @@ PackResult Pack(const Platform& platform, const PackContent& content, const fs::
   return result;
 }
 
+// Whether something in an archive would count as the history, the owner or the trash of a working
+// directory, which are of one place: `kvdm undo` would trust what others wrote there.
+bool IsOfOnePlace(std::string name) {
+  std::ranges::transform(name, name.begin(),
+                         [](unsigned char letter) { return std::tolower(letter); });
+  const bool is_aside = name.find("/.kvdm-") != name.npos && !name.ends_with(kRecoveryFile);
+  return is_aside || IsHostsOwn(name);
+}
+
 PackManifest Unpack(const Platform& platform, const fs::path& archive, const fs::path& folder) {
-  const auto entries = ReadZip(archive);
+  auto entries = ReadZip(archive);
+  std::erase_if(entries, [](const ZipEntry& entry) { return IsOfOnePlace(entry.name); });
   os::CreateFolders(folder);
   try {
     Unzip(archive, entries, folder);
@@ -171,7 +182,7 @@ Adoption Settle(const Platform& platform, const Holdings& holdings, const PackMa
     RebaseElements(area.element, moved, "");
     areas.push_back({std::move(area), "pack"});
   }
-  return AdoptItems(platform, settled, std::move(areas));
+  return AdoptCopies(platform, settled, areas);
 }
 
 }  // namespace kvdm

@@ -14,6 +14,10 @@
 
 namespace kvdm {
 
+// Properties of the state: the study area that a project works in, and its identifier.
+inline constexpr char kOpenArea[] = "Study Area Name";
+inline constexpr char kOpenAreaGuid[] = "Study Area GUID";
+
 // What a project and the catalogue hold, as texts and properties.
 struct Holdings {
   std::string metadata;  // "" for none

@@ -122,8 +122,46 @@ TEST_F(AdoptTest, ACopyGetsAnIdentifierAndAStudyAreaNameOfItsOwn) {
   const Adoption adoption = Adopt(holdings_, R"(D:\Copy)");
   EXPECT_THAT(Lines(adoption),
               ElementsAre("North1 {00000000-0000-4000-8000-000000000001} side-car copy"));
-  EXPECT_EQ(adoption.result.state.at("Study Area Name"), Value("North1"));
+  EXPECT_EQ(adoption.result.state, holdings_.state);
   EXPECT_EQ(adoption.result.metadata, holdings_.metadata);
+}
+
+class CopyTest : public AdoptTest {
+ protected:
+  // What becomes of the study areas of a project that was copied to D:\Copy.
+  [[nodiscard]] Adoption Copied() const {
+    const PathPrefix prefix(R"(D:\W)", R"(D:\Copy)");
+    const Rebase rebase = PlanRebase(world_.Bundle(), holdings_, prefix, RebaseStage::kMoved);
+    EXPECT_EQ(rebase.staying.size(), 1U);
+    return AdoptStaying(world_.Bundle(), rebase, prefix);
+  }
+};
+
+TEST_F(CopyTest, WorksInAStudyAreaOfItsOwn) {
+  world_.files->AddFolder(R"(D:\Copy\StudyAreas\North)");
+  holdings_.state[kOpenAreaGuid] = "{1}";
+  const Adoption adoption = Copied();
+  EXPECT_THAT(Lines(adoption),
+              ElementsAre("North1 {00000000-0000-4000-8000-000000000001} list copy"));
+  EXPECT_EQ(adoption.result.state.at(kOpenArea), Value("North1"));
+  EXPECT_EQ(adoption.result.state.at(kOpenAreaGuid),
+            Value("{00000000-0000-4000-8000-000000000001}"));
+  EXPECT_THAT(adoption.result.catalogue, HasSubstr(R"(DIRNAME="D:\W\StudyAreas\North\")"));
+  EXPECT_THAT(adoption.result.catalogue, HasSubstr(R"(DIRNAME="D:\Copy\StudyAreas\North\")"));
+}
+
+TEST_F(CopyTest, WorksInNoStudyAreaWhoseFolderWasNotCopied) {
+  holdings_.state[kOpenAreaGuid] = "{1}";
+  const Adoption adoption = Copied();
+  EXPECT_THAT(adoption.found, IsEmpty());
+  EXPECT_EQ(adoption.result.state.at(kOpenArea), Value(""));
+  EXPECT_FALSE(adoption.result.state.contains(kOpenAreaGuid));
+}
+
+TEST_F(CopyTest, StaysInTheStudyAreaOfAnotherIdentifier) {
+  world_.files->AddFolder(R"(D:\Copy\StudyAreas\North)");
+  holdings_.state[kOpenAreaGuid] = "{7}";
+  EXPECT_EQ(Copied().result.state, holdings_.state);
 }
 
 TEST_F(AdoptTest, AnItemWhoseFolderWasMovedIsForARebase) {
