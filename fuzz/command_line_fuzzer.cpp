@@ -183,8 +183,9 @@ std::size_t StepsUp(std::string_view bytes) {
 
 // Whether a word lets a command work where another word says, which may be outside.
 bool ChoosesPlace(const std::string& word) {
-  constexpr std::array kChoosing = {"init",     "export",       "import",    "-p",
-                                    "--folder", "--layer-file", "--workdir", "--project"};
+  constexpr std::array kChoosing = {
+      "init", "export", "import", "adopt",  "pack",     "unpack",       "move",      "rebase",
+      "add",  "drive",  "-p",     "--list", "--folder", "--layer-file", "--workdir", "--project"};
   return std::ranges::any_of(kChoosing, [&](const char* one) { return word.starts_with(one); });
 }
 

@@ -87,7 +87,7 @@ void ProjectCommand::Execute(const Invocation& invocation) {
   } else {
     opened.emplace(file, Wanted(), invocation.allowed, invocation.out);
     invocation.out.UseDrives(opened->GetProject().drives);
-    TellOfTenure(*opened);
+    if (opened->Component().WorkingDirectoryWasThere() != false) TellOfTenure(*opened);
     TellOfUnfinished(opened->GetPlace());
   }
   Session& session = *opened;

@@ -59,11 +59,29 @@ Documents DocumentsOf(const Project& project) {
 }
 
 void PutInto(Project& project, const Documents& documents) {
-  if (project.values.empty()) project.values.emplace_back();
-  project.values.front() = documents.at(kProjectDocument);
+  if (const std::string& text = documents.at(kProjectDocument); !text.empty()) {
+    if (project.values.empty()) project.values.emplace_back();
+    project.values.front() = text;
+  }
   project.settings = PropertiesIn(documents.at(kSettingsDocument));
   project.state = PropertiesIn(documents.at(kStateDocument));
   project.drives = DrivesIn(documents.at(kDrivesDocument));
+}
+
+Holdings HoldingsIn(const Documents& documents) {
+  const auto catalogue = documents.find(kCatalogueDocument);
+  return {documents.at(kProjectDocument), PropertiesIn(documents.at(kSettingsDocument)),
+          PropertiesIn(documents.at(kStateDocument)),
+          catalogue == documents.end() ? "" : catalogue->second};
+}
+
+Documents With(Documents documents, const Holdings& holdings) {
+  documents[kProjectDocument] = holdings.metadata;
+  documents[kSettingsDocument] = PropertiesText(holdings.settings);
+  documents[kStateDocument] = PropertiesText(holdings.state);
+  const auto catalogue = documents.find(kCatalogueDocument);
+  if (catalogue != documents.end()) catalogue->second = holdings.catalogue;
+  return documents;
 }
 
 bool AreInRegistry(const Changes& changes) {

@@ -7,6 +7,7 @@
 #include "host/services.h"
 #include "safety/backups.h"
 #include "safety/changes.h"
+#include "safety/rebase.h"
 
 namespace kvdm {
 
@@ -20,6 +21,10 @@ inline constexpr char kAliasesDocument[] = "aliases";
 [[nodiscard]] Documents DocumentsOf(const Project& project);
 // Puts those documents that are in a project into one.
 void PutInto(Project& project, const Documents& documents);
+
+// The same as a rebase and an adoption take them, and documents with what these lead to.
+[[nodiscard]] Holdings HoldingsIn(const Documents& documents);
+[[nodiscard]] Documents With(Documents documents, const Holdings& holdings);
 
 // Whether changes are of what the registry holds.
 [[nodiscard]] bool AreInRegistry(const Changes& changes);

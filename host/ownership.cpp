@@ -87,7 +87,7 @@ void RecordCurrentArea(Session& session) {
 }  // namespace
 
 WorkingDirectory DirectoryOf(const Project& project) {
-  return {project.drives, TextIn(project.settings, kWorkingDirectorySetting)};
+  return {project.drives, WorkingDirectoryIn(project.settings)};
 }
 
 WorkingDirectory DirectoryOf(Session& session) { return DirectoryOf(session.GetProject()); }
@@ -147,10 +147,39 @@ std::optional<fs::path> ProjectBeside(const fs::path& working_directory) {
 }
 
 Holder NewHolder(HostedComponent& component, const fs::path& file) {
-  const auto identifier = component.GetServices().platform.gis_core->CreateIdentifier();
+  PropertySetMap::Properties state;
+  Holder holder = NewHolder(component.GetServices().platform, state, file);
+  component.SetState(kProjectGuidProperty, holder.id);
+  return holder;
+}
+
+Holder NewHolder(const Platform& platform, PropertySetMap::Properties& state,
+                 const fs::path& file) {
+  const auto identifier = platform.gis_core->CreateIdentifier();
   identifier->Generate();
-  component.SetState(kProjectGuidProperty, identifier->GetValue());
+  state[kProjectGuidProperty] = identifier->GetValue();
   return {Resolved(file), identifier->GetValue()};
+}
+
+Holder HolderIn(const PropertySetMap::Properties& state, const fs::path& file) {
+  const auto id = state.find(kProjectGuidProperty);
+  const bool has_id = id != state.end() && id->second.IsText();
+  return {Resolved(file), has_id ? ToText(id->second) : ""};
+}
+
+void RequireNobodys(const WorkingDirectory& directory, const Holder& holder) {
+  const auto owner = ReadOwner(directory.Place());
+  const Tenure tenure = TenureOf(directory.Place(), owner, holder);
+  auto other = tenure == Tenure::kUnclaimed ? ProjectBeside(directory.Place()) : std::nullopt;
+  if (tenure == Tenure::kForeign && !IsGone(directory.Place(), *owner)) {
+    other = ProjectOf(directory.Place(), *owner);
+  }
+  if (!other || os::AreSame(*other, holder.file)) return;
+  throw Failure(
+      ExitCode::kUnsafe,
+      fmt::format("The working directory {} belongs to the project {}. Choose another "
+                  "one, or let both work there: 'kvdm project share -p \"{}\"'.",
+                  WithSeparator(directory.Path()), os::ToText(*other), os::ToText(*other)));
 }
 
 void RecordOwner(const fs::path& working_directory, const Holder& holder, bool is_shared) {

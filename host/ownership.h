@@ -42,6 +42,15 @@ void RecordTenure(Session& session);
 
 // A project that gets an identifier of its own, which its state then has.
 [[nodiscard]] Holder NewHolder(HostedComponent& component, const std::filesystem::path& file);
+Holder NewHolder(const Platform& platform, PropertySetMap::Properties& state,
+                 const std::filesystem::path& file);
+
+// A project by its state, as records know it.
+[[nodiscard]] Holder HolderIn(const PropertySetMap::Properties& state,
+                              const std::filesystem::path& file);
+
+// Failure kUnsafe when another project, which is still there, has the working directory.
+void RequireNobodys(const WorkingDirectory& directory, const Holder& holder);
 
 // Records a project as the owner. Failure kRefused when that can't be written.
 void RecordOwner(const std::filesystem::path& working_directory, const Holder& holder,

@@ -8,6 +8,7 @@
 #include "platform/portable/value_text.h"
 #include "safety/json.h"
 #include "safety/result.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {
@@ -202,6 +203,12 @@ std::vector<std::string> XmlLines(std::string_view text) {
   }
   if (!line.empty()) lines.push_back(std::move(line));
   return lines;
+}
+
+std::string WorkingDirectoryIn(const PropertySetMap::Properties& settings) {
+  const auto found = settings.find(kWorkingDirectorySetting);
+  const bool is_set = found != settings.end() && found->second.IsText();
+  return is_set ? ToText(found->second) : "";
 }
 
 }  // namespace kvdm

@@ -27,6 +27,9 @@ struct Project {
   std::string checksum;  // of `source`
 };
 
+// The working directory of settings, as it stands there; "" for none.
+[[nodiscard]] std::string WorkingDirectoryIn(const PropertySetMap::Properties& settings);
+
 // The project's text: JSON with a checksum over all its content. A text value that is XML has one
 // element a line, so that a change shows as the lines it touched. Equal projects have equal texts.
 [[nodiscard]] std::string ProjectText(const Project& project);

@@ -197,7 +197,8 @@ bool Recording::IsOurs(const ChangeRecord& record) const {
 bool Recording::Recover(bool outside) {
   bool changed = false;
   for (const int number : history_.Begun()) {
-    const ChangeRecord record = history_.Read(number);
+    const ChangeRecord record = RebasedRecord(*place_.services->platform.xml_parser,
+                                              history_.Read(number), place_.working_directory);
     if (!IsOurs(record)) continue;
     try {
       if (!outside) trash_.RequireInside(record.moves);

@@ -25,6 +25,21 @@ HostedComponent Start(const std::filesystem::path& file, const Project& project,
 
 std::string MetadataOf(const Project& project) { return DocumentsOf(project).at(kProjectDocument); }
 
+// Failure kConflict when a state of the documents would leave the project without its working
+// directory, as one from before the folder was moved would.
+void RequireDirectory(const Documents& stored, const Documents& wanted) {
+  const auto same = [&](const char* name) { return stored.at(name) == wanted.at(name); };
+  if (same(kSettingsDocument) && same(kDrivesDocument)) return;
+  const std::string folder = WorkingDirectoryIn(PropertiesIn(wanted.at(kSettingsDocument)));
+  if (os::FindFolder(DrivesIn(wanted.at(kDrivesDocument)), folder)) return;
+  throw Failure(
+      ExitCode::kConflict,
+      fmt::format("That would lead the project back to the working directory {}, which "
+                  "is not there. Nothing was changed. Where the project's folder was moved, "
+                  "'kvdm project move' moves it back.",
+                  folder));
+}
+
 // None where there can't be one: then the registry can't be written either, which is the concern of
 // those who need it.
 std::shared_ptr<void> LockRegistry() {
@@ -110,6 +125,7 @@ bool Session::Write() {
 
 void Session::Store(const Documents& stored, const Documents& wanted,
                     const std::vector<Move>& moves, int undoes) {
+  RequireDirectory(stored, wanted);
   recording_->Store(stored, wanted, moves, undoes);
   is_saved_ = true;
   KeepItems(stored.at(kProjectDocument), wanted.at(kProjectDocument));

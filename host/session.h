@@ -73,7 +73,8 @@ class Session {
   // Saves what was changed; True when the project file was written.
   bool Save();
   // Saves a state of stored documents in place of the component's, and moves folders, as
-  // Recording::Store does. The component does not know of it.
+  // Recording::Store does. The component does not know of it. Failure kConflict when the project
+  // would be without its working directory.
   void Store(const Documents& stored, const Documents& wanted, const std::vector<Move>& moves = {},
              int undoes = 0);
   // Whether Save or Store succeeded.

@@ -8,31 +8,18 @@
 #include <system_error>
 #include <utility>
 
-#include <kvdm/platform/catalogue_update.h>
-
+#include "host/items.h"
 #include "host/os.h"
+#include "host/ownership.h"
 #include "host/project_file.h"
 #include "safety/item_files.h"
+#include "util/guard.h"
 #include "util/names.h"
-#include "util/registry_strings.h"
 
 namespace kvdm {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr RegistryRoot kRoot = RegistryRoot::kLocalMachine;
-
-Holdings HoldingsOf(const Project& project, const Services& services) {
-  const bool has_text = !project.values.empty() && project.values.front().IsText();
-  std::string catalogue = ToText(
-      ReadRegistryString(*services.registry, kRoot, kRegistryKey, kStudyAreaCollectionValue));
-  if (const auto& unread = services.registry->Unread()) {
-    throw Failure(ExitCode::kUnreadable, RegistrySentence(*unread));
-  }
-  return {has_text ? ToText(project.values.front()) : "", project.settings, project.state,
-          std::move(catalogue)};
-}
 
 std::string WithoutEnd(std::string path) {
   while (path.ends_with('\\') || path.ends_with('/')) path.pop_back();
@@ -59,33 +46,74 @@ bool IsWorkingDirectory(const os::Drives& drives, const std::string& folder) {
 }
 
 std::string DirectoryIn(const PropertySetMap::Properties& settings) {
-  const auto found = settings.find(kWorkingDirectorySetting);
-  const bool is_text = found != settings.end() && found->second.IsText();
-  return is_text ? WithoutEnd(ToText(found->second)) : "";
+  return WithoutEnd(WorkingDirectoryIn(settings));
+}
+
+// Takes back what Store recorded of the owner.
+void PutBack(const fs::path& directory, const std::optional<Owner>& owner) {
+  guard::Skipping(nullptr, [&] { owner ? WriteOwner(directory, *owner) : RemoveOwner(directory); });
 }
 
 }  // namespace
 
 StoredProject::StoredProject(fs::path file, Access access, Output& out)
     : file_(std::move(file)),
-      project_(ReadProjectFile(file_)),
-      services_(MakeServices(project_.drives, access, out)),
-      stored_(HoldingsOf(project_, services_)) {}
+      documents_(DocumentsOf(ReadProjectFile(file_))),
+      drives_(DrivesIn(documents_.at(kDrivesDocument))),
+      services_(MakeServices(drives_, access, out)) {
+  if (access != Access::kChange) documents_ = StoredDocuments(file_, *services_.registry);
+  stored_ = HoldingsIn(documents_);
+  out.UseDrives(drives_);
+}
 
 std::string StoredProject::WorkingDirectory() const { return DirectoryIn(stored_.settings); }
 
-void StoredProject::Save(const Holdings& wanted, std::string_view rest) {
-  if (!wanted.metadata.empty()) project_.values.front() = wanted.metadata;
-  project_.settings = wanted.settings;
-  project_.state = wanted.state;
-  WriteProjectFile(file_, project_);
-  if (wanted.catalogue == stored_.catalogue) return;
-  const auto update = MakeCatalogueUpdate(services_.platform, stored_.catalogue, wanted.catalogue);
-  if (services_.registry->Update(kRoot, kRegistryKey, kStudyAreaCollectionValue, *update)) return;
-  throw Failure(ExitCode::kRefused,
-                fmt::format("The project is saved, but the list of study areas is not. {} '{}' "
-                            "does the rest then.",
-                            RegistrySentence(*services_.registry->Refused()), rest));
+void StoredProject::RequireOwn(const Holdings& wanted, const Allowed& allowed) const {
+  if (allowed.outside) return;
+  RequireNobodys({drives_, DirectoryIn(wanted.settings)}, HolderIn(wanted.state, file_));
+}
+
+void StoredProject::Save(const Holdings& wanted, const Invocation& invocation) {
+  RequireOwn(wanted, invocation.allowed);
+  const std::string folder = DirectoryIn(wanted.settings);
+  const fs::path place = kvdm::WorkingDirectory(drives_, folder).Place();
+  if (!os::FindFolder(drives_, folder)) return Store(With(documents_, wanted), "", invocation);
+  const Holder holder = HolderIn(wanted.state, file_);
+  const auto owner = ReadOwner(place);
+  const Tenure tenure = TenureOf(place, owner, holder);
+  const bool becomes_owner = tenure != Tenure::kShared && !holder.id.empty();
+  if (becomes_owner) RecordOwner(place, holder);
+  try {
+    Store(With(documents_, wanted), folder, invocation);
+  } catch (const Unconfirmed&) {
+    throw;
+  } catch (const std::exception&) {
+    if (becomes_owner) PutBack(place, owner);
+    throw;
+  }
+  ItemFiles(services_.platform, folder, os::ToText(file_.stem()))
+      .Follow("", wanted.metadata, wanted.catalogue);
+}
+
+void StoredProject::SaveDrives(const os::Drives& drives, const Invocation& invocation) {
+  Documents wanted = documents_;
+  wanted[kDrivesDocument] = DrivesText(drives);
+  drives_ = drives;
+  const bool is_there = os::FindFolder(drives, WorkingDirectory()).has_value();
+  Store(wanted, is_there ? WorkingDirectory() : "", invocation);
+}
+
+void StoredProject::Store(const Documents& wanted, const std::string& directory,
+                          const Invocation& invocation) {
+  if (directory.empty()) {
+    return StoreDocuments(file_, services_.platform, documents_, wanted);
+  }
+  Recording recording({file_, WithSeparator(directory), drives_, &services_}, invocation.words);
+  if (recording.Recover(invocation.allowed.outside)) {
+    throw Failure(ExitCode::kBusy,
+                  "What was interrupted before is settled now. Run the command again.");
+  }
+  recording.Store(documents_, wanted, {});
 }
 
 std::string ComponentFolder(const std::string& given) {

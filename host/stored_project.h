@@ -7,38 +7,44 @@
 #include <string>
 #include <string_view>
 
-#include "host/output.h"
-#include "host/project.h"
-#include "host/services.h"
-#include "safety/rebase.h"
+#include "host/command.h"
+#include "host/documents.h"
 
 namespace kvdm {
 
 class StoredProject {
  public:
-  // Reads both. Failure kUnreadable when one can't be read.
+  // Reads both; with kChange, which does not change the catalogue, not that. Failure kUnreadable
+  // when one can't be read.
   StoredProject(std::filesystem::path file, Access access, Output& out);
 
   [[nodiscard]] const std::filesystem::path& File() const { return file_; }
   [[nodiscard]] const Platform& GetPlatform() const { return services_.platform; }
   [[nodiscard]] const Holdings& Stored() const { return stored_; }
-  [[nodiscard]] Project& GetProject() { return project_; }
+  [[nodiscard]] const os::Drives& Drives() const { return drives_; }
 
   // The working directory of its settings, without a separator at its end; "" for none.
   [[nodiscard]] std::string WorkingDirectory() const;
 
-  // Stores the project, then the catalogue as a difference. Failure kRefused when one is refused;
-  // when it is the catalogue, the sentence says that the command `rest` does the rest. The recovery
-  // side-cars follow.
-  void Save(const Holdings& wanted, std::string_view rest);
+  // Failure kUnsafe when the working directory of `wanted` is another project's, unless what lies
+  // outside is allowed.
+  void RequireOwn(const Holdings& wanted, const Allowed& allowed) const;
+
+  // Stores the project and the catalogue as one change, which is recorded in the working directory
+  // that the project then has. That becomes its own, and the recovery side-cars follow. Failures as
+  // of RequireOwn and Recording::Store.
+  void Save(const Holdings& wanted, const Invocation& invocation);
+  // The same of its drives alone. Where its working directory is not there nothing is recorded.
+  void SaveDrives(const os::Drives& drives, const Invocation& invocation);
 
  private:
-  void SaveCatalogue(const std::string& base, std::string_view rest);
+  void Store(const Documents& wanted, const std::string& directory, const Invocation& invocation);
 
   std::filesystem::path file_;
-  Project project_;
-  Services services_;
+  Documents documents_;
+  os::Drives drives_;
   Holdings stored_;
+  Services services_;
 };
 
 // A folder that a person names, in the component's form without a separator at its end: a path that

@@ -121,6 +121,15 @@ std::vector<PathChange> RebaseSidecar(const Platform& platform, const std::strin
   return changes;
 }
 
+// Replaces a prefix in the text of an element; others stay.
+void RebaseElementText(XmlParser& parser, const PathPrefix& prefix, std::string& element) {
+  auto tree = element.starts_with('<') ? ReadDocumentTree(parser, element) : std::nullopt;
+  if (!tree || tree->Root() == nullptr) return;
+  if (!RebaseElements(*tree->Root(), prefix, "").empty()) {
+    element = ElementText(parser, *tree->Root());
+  }
+}
+
 }  // namespace
 
 Record ToRecord(const PathChange& change) {
@@ -142,6 +151,26 @@ PathPrefix::SamePlace SamePlaceIn(const Platform& platform) {
     if (has_a != files->FolderExists(b)) return false;
     return !has_a || files->FullPath(a) == files->FullPath(b);
   };
+}
+
+bool ChangesSettings(const ChangeRecord& record) {
+  return std::ranges::find(record.changes, kSettingsDocument, &Change::document) !=
+         record.changes.end();
+}
+
+ChangeRecord RebasedRecord(XmlParser& parser, ChangeRecord record,
+                           std::string_view working_directory) {
+  const PathPrefix prefix(record.working_directory, working_directory);
+  if (ChangesSettings(record) || prefix.From() == prefix.To()) return record;
+  for (auto* moves : {&record.moves, &record.made}) {
+    for (Move& move : *moves) move.folder = prefix.Replaced(move.folder).value_or(move.folder);
+  }
+  for (Change& change : record.changes) {
+    for (std::string* text : {&change.before, &change.after}) {
+      RebaseElementText(parser, prefix, *text);
+    }
+  }
+  return record;
 }
 
 std::vector<PathChange> RebaseElements(DocumentNode& root, const PathPrefix& prefix,

@@ -9,6 +9,7 @@
 #include <kvdm/platform/platform.h>
 #include <kvdm/platform/portable/properties_host.h>
 
+#include "safety/history.h"
 #include "safety/path_prefix.h"
 #include "safety/result.h"
 
@@ -67,6 +68,14 @@ enum class RebaseStage {
 // nothing changes stay what they are to the byte.
 [[nodiscard]] Rebase PlanRebase(const Platform& platform, const Holdings& holdings,
                                 const PathPrefix& prefix, RebaseStage stage);
+
+// Whether a change is of where a project works: that is taken back as a whole or not at all.
+[[nodiscard]] bool ChangesSettings(const ChangeRecord& record);
+
+// A record with its paths as they are by now: the working directory may have been moved since to
+// `working_directory`. One that changed where the project works stays as it is.
+[[nodiscard]] ChangeRecord RebasedRecord(XmlParser& parser, ChangeRecord record,
+                                         std::string_view working_directory);
 
 // The paths of all elements and attributes below a document's root that begin with the prefix are
 // replaced, names and identifiers excepted.

@@ -10,38 +10,38 @@
 namespace kvdm {
 namespace {
 
-class Adopt : public Command {
+class Adopt : public ProjectCommand {
  public:
   explicit Adopt(Arguments arguments) {
     arguments.Optional("DIR", folder_, "Where to look; without it in the working directory");
     arguments.Flag("--dry-run", dry_run_, "Show what was found, and change nothing");
   }
 
-  void Execute(const Invocation& invocation) override {
-    const auto file = FindProjectFile(invocation.project);
-    const Access access = dry_run_ ? Access::kRead : Access::kChangeRegistry;
-    std::optional<ChangeLock> lock;
-    if (!dry_run_) lock.emplace(file, access);
-    StoredProject project(file, access, invocation.out);
-    const std::string folder = folder_ ? ComponentFolder(*folder_) : project.WorkingDirectory();
-    if (!project.GetPlatform().files->FolderExists(folder + "\\")) {
+ private:
+  [[nodiscard]] bool Changes() const override { return !dry_run_; }
+  [[nodiscard]] bool ChangesRegistry() const override { return true; }
+
+  void Run(Session& session, Output& out) override {
+    const Platform& platform = session.Component().GetServices().platform;
+    const Documents stored = StoredDocuments(session.File(), *platform.registry);
+    const Holdings holdings = HoldingsIn(stored);
+    const std::string folder =
+        ComponentFolder(folder_.value_or(WorkingDirectoryIn(holdings.settings)));
+    if (!platform.files->FolderExists(folder + "\\")) {
       throw Failure(ExitCode::kNotFound, fmt::format("There is no folder {}.", folder));
     }
-    const Adoption adoption = PlanAdoption(project.GetPlatform(), project.Stored(), folder);
+    const Adoption adoption = PlanAdoption(platform, holdings, folder);
     std::vector<Record> rows;
     for (const Found& found : adoption.found) rows.push_back(ToRecord(found));
     if (dry_run_) {
-      return invocation.out.Items(std::move(rows),
-                                  fmt::format("There are no items in {}.", folder));
+      return out.Items(std::move(rows), fmt::format("There are no items in {}.", folder));
     }
-    if (adoption.Count() != 0) project.Save(adoption.result, "kvdm adopt");
-    invocation.out.Done(
-        {{"folder", folder}, {"adopted", static_cast<std::int64_t>(adoption.Count())}},
-        Sentence(adoption, folder));
-    invocation.out.Section("found", std::move(rows));
+    if (adoption.Count() != 0) session.Store(stored, With(stored, adoption.result));
+    out.Done({{"folder", folder}, {"adopted", static_cast<std::int64_t>(adoption.Count())}},
+             Sentence(adoption, folder));
+    out.Section("found", std::move(rows));
   }
 
- private:
   static std::string Sentence(const Adoption& adoption, const std::string& folder) {
     const auto count = adoption.Count();
     if (count == 0) return fmt::format("There is nothing new in {}.", folder);

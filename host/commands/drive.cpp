@@ -6,6 +6,7 @@
 #include "host/commands/groups.h"
 #include "host/os.h"
 #include "host/project_file.h"
+#include "host/stored_project.h"
 #include "platform/utf8.h"
 
 namespace kvdm {
@@ -48,19 +49,19 @@ class DriveChange : public Command {
     const char letter = LetterIn(letter_);
     const auto file = FindProjectFile(invocation.project);
     const ChangeLock lock(file, Access::kChange);
-    Project project = ReadProjectFile(file);
-    const std::string sentence = Change(project, letter);
-    WriteProjectFile(file, project);
-    const auto found = project.drives.find(letter);
-    invocation.out.Done(
-        {{"drive", fmt::format("{}:", letter)},
-         {"folder", found == project.drives.end() ? Field() : Field(found->second)}},
-        sentence);
+    StoredProject project(file, Access::kChange, invocation.out);
+    os::Drives drives = project.Drives();
+    const std::string sentence = Change(drives, letter);
+    project.SaveDrives(drives, invocation);
+    const auto found = drives.find(letter);
+    invocation.out.Done({{"drive", fmt::format("{}:", letter)},
+                         {"folder", found == drives.end() ? Field() : Field(found->second)}},
+                        sentence);
   }
 
  private:
   // Answers what was done, as a sentence.
-  virtual std::string Change(Project& project, char letter) = 0;
+  virtual std::string Change(os::Drives& drives, char letter) = 0;
 
   std::string letter_;
 };
@@ -72,7 +73,7 @@ class DriveSet : public DriveChange {
   }
 
  private:
-  std::string Change(Project& project, char letter) override {
+  std::string Change(os::Drives& drives, char letter) override {
     const auto path = os::Absolute(os::ToPath(folder_));
     const std::string folder = os::ToText(path);
     if (!IsValidUtf8(folder)) {
@@ -81,7 +82,7 @@ class DriveSet : public DriveChange {
     if (!std::filesystem::is_directory(path)) {
       throw Failure(ExitCode::kNotFound, fmt::format("There is no folder {}.", folder));
     }
-    project.drives[letter] = folder;
+    drives[letter] = folder;
     return fmt::format("{}: is {} now.", letter, folder);
   }
 
@@ -93,8 +94,8 @@ class DriveUnset : public DriveChange {
   using DriveChange::DriveChange;
 
  private:
-  std::string Change(Project& project, char letter) override {
-    if (project.drives.erase(letter) == 0) {
+  std::string Change(os::Drives& drives, char letter) override {
+    if (drives.erase(letter) == 0) {
       throw Failure(ExitCode::kNotFound,
                     fmt::format("{}: has no folder. 'kvdm project drive list' shows those that "
                                 "have one.",

@@ -85,7 +85,7 @@ class Init : public Command {
     const std::string workdir =
         WorkingFolder(workdir_ ? os::ToPath(*workdir_) : folder / kDefaultWorkingFolder);
     invocation.out.UseDrives({});
-    if (!invocation.allowed.outside) RequireNobodys(workdir, file);
+    if (!invocation.allowed.outside) RequireNobodys({{}, workdir}, {Resolved(file), ""});
     CreateFolders(folder);
     const ChangeLock lock(file, Access::kMake);
     if (os::Exists(file)) {
@@ -97,20 +97,6 @@ class Init : public Command {
   }
 
  private:
-  // Failure kUnsafe when another project, which is still there, has the working directory.
-  static void RequireNobodys(const std::string& workdir, const fs::path& file) {
-    const fs::path place = WorkingDirectory({}, workdir).Place();
-    const auto owner = ReadOwner(place);
-    const Tenure tenure = TenureOf(place, owner, {Resolved(file), ""});
-    auto other = tenure == Tenure::kUnclaimed ? ProjectBeside(place) : std::nullopt;
-    if (tenure == Tenure::kForeign && !IsGone(place, *owner)) other = ProjectOf(place, *owner);
-    if (!other) return;
-    throw Failure(ExitCode::kUnsafe,
-                  fmt::format("The working directory {} belongs to the project {}. Choose another "
-                              "one, or let both work there: 'kvdm project share -p \"{}\"'.",
-                              WithSeparator(workdir), os::ToText(*other), os::ToText(*other)));
-  }
-
   static void Create(const fs::path& file, const std::string& workdir, Output& out) {
     Project project;
     project.settings[kWorkingDirectorySetting] = workdir;

@@ -7,9 +7,12 @@
 
 #include "host/commands/groups.h"
 #include "host/os.h"
+#include "host/ownership.h"
 #include "host/project_file.h"
 #include "host/stored_project.h"
 #include "safety/items.h"
+#include "util/guard.h"
+#include "util/names.h"
 
 namespace kvdm {
 namespace {
@@ -65,7 +68,7 @@ class ProjectPack : public Command {
 
  private:
   static fs::path PlaceOf(StoredProject& project, const std::string& directory) {
-    const auto place = os::NativePlace(project.GetProject().drives, directory);
+    const auto place = os::NativePlace(project.Drives(), directory);
     if (place && fs::is_directory(*place)) return *place;
     throw Failure(
         ExitCode::kNotFound,
@@ -117,21 +120,14 @@ class ProjectUnpack : public Command {
     }
     const Services services = MakeServices({}, Access::kRead, invocation.out);
     const PackManifest manifest = Unpacked(services.platform, archive, folder);
-    const fs::path file = folder / os::ToPath(manifest.project);
-    const ChangeLock lock(file, Access::kChangeRegistry);
-    StoredProject project(file, Access::kChangeRegistry, invocation.out);
-    const std::string directory = os::ComponentPath(folder / os::ToPath(manifest.folder));
-    const Adoption settled = Settle(project.GetPlatform(), project.Stored(), manifest, directory);
-    project.Save(settled.result, "kvdm adopt");
-    const PathPrefix moved(manifest.stored_directory, directory);
-    for (const std::string& text : {settled.result.metadata, settled.result.catalogue}) {
-      static_cast<void>(RebaseSidecars(project.GetPlatform(), text, moved, true));
+    try {
+      SetUp(manifest, folder, invocation);
+    } catch (const Unconfirmed&) {
+      throw;
+    } catch (const std::exception&) {
+      guard::Skipping(nullptr, [&] { os::DeleteTree(folder); });
+      throw;
     }
-    std::vector<Record> areas;
-    for (const Found& area : settled.found) areas.push_back(ToRecord(area));
-    invocation.out.Done({{"project", os::ToText(file)}, {"working_directory", directory}},
-                        fmt::format("Unpacked the project {}.", os::ToText(file)));
-    invocation.out.Section("study_areas", std::move(areas));
   }
 
  private:
@@ -146,6 +142,29 @@ class ProjectUnpack : public Command {
       throw Failure(ExitCode::kRefused, fmt::format("The archive {} can't be unpacked: {}.",
                                                     os::ToText(archive), error.what()));
     }
+  }
+
+  // Makes a project of what was unpacked, with an identifier of its own.
+  static void SetUp(const PackManifest& manifest, const fs::path& folder,
+                    const Invocation& invocation) {
+    const fs::path file = folder / os::ToPath(manifest.project);
+    const ChangeLock lock(file, Access::kChangeRegistry);
+    StoredProject project(file, Access::kChangeRegistry, invocation.out);
+    const std::string directory = os::ComponentPath(folder / os::ToPath(manifest.folder));
+    Adoption settled = Settle(project.GetPlatform(), project.Stored(), manifest, directory);
+    // Whatever its settings say: it works in what was unpacked with it.
+    settled.result.settings[kWorkingDirectorySetting] = directory;
+    NewHolder(project.GetPlatform(), settled.result.state, file);
+    project.Save(settled.result, invocation);
+    const PathPrefix moved(manifest.stored_directory, directory);
+    for (const std::string& text : {settled.result.metadata, settled.result.catalogue}) {
+      static_cast<void>(RebaseSidecars(project.GetPlatform(), text, moved, true));
+    }
+    std::vector<Record> areas;
+    for (const Found& area : settled.found) areas.push_back(ToRecord(area));
+    invocation.out.Done({{"project", os::ToText(file)}, {"working_directory", directory}},
+                        fmt::format("Unpacked the project {}.", os::ToText(file)));
+    invocation.out.Section("study_areas", std::move(areas));
   }
 
   std::string archive_;

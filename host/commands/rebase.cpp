@@ -1,13 +1,19 @@
 // kvdm project rebase and move: a project whose folders have another place.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <system_error>
 
 #include "host/commands/groups.h"
+#include "host/items.h"
 #include "host/os.h"
+#include "host/ownership.h"
 #include "host/project_file.h"
 #include "host/stored_project.h"
+#include "safety/adopt.h"
 #include "safety/folders.h"
+#include "safety/items.h"
+#include "util/guard.h"
 
 namespace kvdm {
 namespace {
@@ -30,33 +36,71 @@ void RequireFound(const Rebase& plan, bool allow_missing) {
                 RowsOf(missing));
 }
 
-// What stays with those whose folders are still there.
-std::string Staying(const Rebase& plan) {
-  if (plan.staying.empty()) return "";
-  const std::size_t others = plan.staying.size() - 1;
-  return fmt::format(
-      " The study area {}{} as before: its folder is still at the old place. 'kvdm adopt' takes up "
-      "those at the new place.",
-      plan.staying.front().item, others == 0 ? " stays" : fmt::format(" and {} more stay", others));
+// What a rebase leads to: a project whose old folder is still there is a copy, and gets study areas
+// and an identifier of its own.
+struct Outcome {
+  Rebase plan;
+  std::vector<PathChange> copies;  // study areas, and where they are from
+  std::vector<std::string> left;   // the names of those that have no folder at the new place
+  Holdings result;
+};
+
+Outcome OutcomeOf(const StoredProject& project, Rebase plan, const PathPrefix& prefix) {
+  const Platform& platform = project.GetPlatform();
+  Adoption adoption = AdoptStaying(platform, plan, prefix);
+  Outcome outcome{std::move(plan), {}, {}, std::move(adoption.result)};
+  const PathPrefix back = prefix.Reversed();
+  for (const PathChange& area : outcome.plan.staying) {
+    const auto copy = std::ranges::find_if(adoption.found, [&](const Found& found) {
+      return back.Replaced(found.item.element.Attribute("DIRNAME")) == area.before;
+    });
+    if (copy == adoption.found.end()) {
+      outcome.left.push_back(area.item);
+      continue;
+    }
+    const DocumentNode& element = copy->item.element;
+    outcome.copies.push_back({"catalogue", ItemName(element), "DIRNAME", area.before,
+                              element.Attribute("DIRNAME"), true});
+  }
+  const std::string directory = WorkingDirectoryIn(outcome.result.settings);
+  const bool is_copy = directory != WorkingDirectoryIn(project.Stored().settings) &&
+                       platform.files->FolderExists(project.WorkingDirectory() + "\\");
+  if (is_copy) NewHolder(platform, outcome.result.state, project.File());
+  return outcome;
+}
+
+// What becomes of the study areas whose folder is still at the old place, in sentences.
+std::string Staying(const Outcome& outcome) {
+  std::string sentences;
+  for (const PathChange& copy : outcome.copies) {
+    sentences += fmt::format(" The study area in {} is {} here, a copy.", copy.after, copy.item);
+  }
+  for (const std::string& name : outcome.left) {
+    sentences += fmt::format(
+        " The study area {} stays as before: its folder is at the old place "
+        "alone.",
+        name);
+  }
+  return sentences;
 }
 
 // Replaces the prefix in all that is stored, and in the side-cars.
-std::size_t Store(StoredProject& project, const Rebase& plan, const PathPrefix& prefix) {
-  const auto& platform = project.GetPlatform();
-  project.Save(plan.result, fmt::format("kvdm project rebase {} {}", Quoted(prefix.From()),
-                                        Quoted(prefix.To())));
-  std::size_t count = plan.changes.size();
-  for (const std::string& text : {plan.result.metadata, plan.result.catalogue}) {
-    count += RebaseSidecars(platform, text, prefix, true).size();
+std::size_t Store(StoredProject& project, const Outcome& outcome, const PathPrefix& prefix,
+                  const Invocation& invocation) {
+  project.Save(outcome.result, invocation);
+  std::size_t count = outcome.plan.changes.size();
+  for (const std::string& text : {outcome.result.metadata, outcome.result.catalogue}) {
+    count += RebaseSidecars(project.GetPlatform(), text, prefix, true).size();
   }
   return count;
 }
 
-void PrintPlan(const Rebase& plan, std::vector<PathChange> sidecars, Output& out) {
-  std::vector<PathChange> all = plan.changes;
+void PrintPlan(const Outcome& outcome, const std::vector<PathChange>& sidecars, Output& out) {
+  std::vector<PathChange> all = outcome.plan.changes;
+  all.insert(all.end(), outcome.copies.begin(), outcome.copies.end());
   all.insert(all.end(), sidecars.begin(), sidecars.end());
   out.Items(RowsOf(all), "Nothing would change.");
-  const std::string staying = Staying(plan);
+  const std::string staying = Staying(outcome);
   if (!staying.empty()) Output::Tell("kvdm:" + staying);
 }
 
@@ -87,19 +131,21 @@ class ProjectRebase : public Command {
     const Platform& platform = project.GetPlatform();
     const PathPrefix prefix(ComponentFolder(old_), ComponentFolder(new_), SamePlaceIn(platform));
     RequireFolder(platform, prefix.To());
-    const Rebase plan = PlanRebase(platform, project.Stored(), prefix, RebaseStage::kMoved);
-    if (plan.changes.empty()) NothingToDo(plan, prefix);
+    Rebase plan = PlanRebase(platform, project.Stored(), prefix, RebaseStage::kMoved);
+    if (plan.changes.empty()) NothingToDo(prefix);
     RequireFound(plan, allow_missing_);
+    const Outcome outcome = OutcomeOf(project, std::move(plan), prefix);
     if (dry_run_) {
-      return PrintPlan(plan, SidecarsOf(platform, plan.result, prefix), invocation.out);
+      return PrintPlan(outcome, SidecarsOf(platform, outcome.result, prefix), invocation.out);
     }
-    const std::size_t count = Store(project, plan, prefix);
+    const std::size_t count = Store(project, outcome, prefix, invocation);
     invocation.out.Done({{"old", prefix.From()},
                          {"new", prefix.To()},
                          {"paths", static_cast<std::int64_t>(count)},
-                         {"staying", static_cast<std::int64_t>(plan.staying.size())}},
+                         {"copies", static_cast<std::int64_t>(outcome.copies.size())},
+                         {"staying", static_cast<std::int64_t>(outcome.left.size())}},
                         fmt::format("Changed {} from {} to {}.{}", Counted(count), prefix.From(),
-                                    prefix.To(), Staying(plan)));
+                                    prefix.To(), Staying(outcome)));
   }
 
  private:
@@ -113,11 +159,11 @@ class ProjectRebase : public Command {
                   fmt::format("There is no folder {}. Nothing was changed.", folder));
   }
 
-  [[noreturn]] static void NothingToDo(const Rebase& plan, const PathPrefix& prefix) {
+  [[noreturn]] static void NothingToDo(const PathPrefix& prefix) {
     throw Failure(ExitCode::kNotFound,
                   fmt::format("Nothing of the project is below {}. 'kvdm status' shows its working "
-                              "directory.{}",
-                              prefix.From(), Staying(plan)));
+                              "directory.",
+                              prefix.From()));
   }
 
   std::string old_;
@@ -142,12 +188,18 @@ class ProjectMove : public Command {
     if (dry_run_) return Plan(file, to, invocation.out);
     std::optional<ChangeLock> lock;
     lock.emplace(file, Access::kChangeRegistry);
-    Check(file, to, invocation.out);
+    Check(file, to, invocation);
     lock.reset();  // An open file in it would keep the folder where it is.
     fs::current_path(from.parent_path());
     const MoveKind kind = Moved(from, to);
-    lock.emplace(to / file.filename(), Access::kChangeRegistry);
-    Rebased(from, to / file.filename(), kind, invocation.out);
+    try {
+      Rebased(from, to / file.filename(), kind, invocation);
+    } catch (const Unconfirmed&) {
+      throw;
+    } catch (const std::exception&) {
+      BringBack(from, to, kind);
+      throw;
+    }
   }
 
  private:
@@ -191,15 +243,16 @@ class ProjectMove : public Command {
   static void Plan(const fs::path& file, const fs::path& to, Output& out) {
     StoredProject project(file, Access::kRead, out);
     const Rebase plan = Planned(project, to);
-    PrintPlan(plan,
+    PrintPlan({plan, {}, {}, {}},
               SidecarsOf(project.GetPlatform(), project.Stored(),
                          Prefix(project.GetPlatform(), file.parent_path(), to)),
               out);
   }
 
-  // Fails before anything is moved for documents that can't be rebased.
-  static void Check(const fs::path& file, const fs::path& to, Output& out) {
-    StoredProject project(file, Access::kRead, out);
+  // Fails before anything is moved for a project that can't be changed or rebased.
+  static void Check(const fs::path& file, const fs::path& to, const Invocation& invocation) {
+    StoredProject project(file, Access::kRead, invocation.out);
+    project.RequireOwn(project.Stored(), invocation.allowed);
     static_cast<void>(Planned(project, to));
   }
 
@@ -214,21 +267,31 @@ class ProjectMove : public Command {
     }
   }
 
-  static void Rebased(const fs::path& from, const fs::path& file, MoveKind kind, Output& out) {
-    StoredProject project(file, Access::kChangeRegistry, out);
+  static void Rebased(const fs::path& from, const fs::path& file, MoveKind kind,
+                      const Invocation& invocation) {
+    const ChangeLock lock(file, Access::kChangeRegistry);
+    StoredProject project(file, Access::kChangeRegistry, invocation.out);
     const fs::path to = file.parent_path();
     const PathPrefix prefix = Prefix(project.GetPlatform(), from, to);
-    const Rebase plan =
-        PlanRebase(project.GetPlatform(), project.Stored(), prefix, RebaseStage::kCopied);
-    const std::size_t count = Store(project, plan, prefix);
+    Rebase plan = PlanRebase(project.GetPlatform(), project.Stored(), prefix, RebaseStage::kCopied);
+    const Holdings result = plan.result;
+    const std::size_t count = Store(project, {std::move(plan), {}, {}, result}, prefix, invocation);
+    const std::string directory = WithSeparator(
+        prefix.Replaced(project.WorkingDirectory()).value_or(project.WorkingDirectory()));
     std::string rest;
     if (kind == MoveKind::kCopied) rest = Removed(from);
-    out.Done({{"project", os::ToText(file)},
-              {"working_directory", project.WorkingDirectory()},
-              {"paths", static_cast<std::int64_t>(count)},
-              {"copied", kind == MoveKind::kCopied}},
-             fmt::format("Moved the project to {} and changed {} paths.{}", os::ToText(to), count,
-                         rest));
+    invocation.out.Done({{"project", os::ToText(file)},
+                         {"working_directory", directory},
+                         {"paths", static_cast<std::int64_t>(count)},
+                         {"copied", kind == MoveKind::kCopied}},
+                        fmt::format("Moved the project to {} and changed {} paths.{}",
+                                    os::ToText(to), count, rest));
+  }
+
+  // What could not be stored leads to the folder where it was.
+  static void BringBack(const fs::path& from, const fs::path& to, MoveKind kind) {
+    guard::Skipping(nullptr,
+                    [&] { kind == MoveKind::kCopied ? os::DeleteTree(to) : fs::rename(to, from); });
   }
 
   // What is to say when the old folder, of which there is a copy, could not be removed.
@@ -250,7 +313,7 @@ void AddProjectPlaces(const CommandGroup& project) {
   project.Add<ProjectMove>("move", "Move the project's folder and all paths with it",
                            "kvdm project move ../Shops2 --dry-run\nkvdm project move ../Shops2");
   project.Add<ProjectRebase>(
-      "rebase", "Replace a folder in all paths, after it was moved",
+      "rebase", "Replace a folder in all paths, after it was moved or copied",
       "kvdm project rebase /old/Shops /new/Shops --dry-run\nkvdm project rebase D:\\Old E:\\New");
 }
 

@@ -11,6 +11,7 @@
 #include "host/commands/groups.h"
 #include "host/items.h"
 #include "host/os.h"
+#include "safety/rebase.h"
 #include "util/kvdm_utils.h"
 
 namespace kvdm {
@@ -79,6 +80,11 @@ std::vector<Record> Rows(const Refused& refused, const ChangeRecord& record,
   return rows;
 }
 
+ChangeRecord Rebased(const Place& place, ChangeRecord record) {
+  return RebasedRecord(*place.services->platform.xml_parser, std::move(record),
+                       place.working_directory);
+}
+
 bool IsOfThisProject(const ChangeRecord& record, const std::filesystem::path& file) {
   const auto project = os::ToPath(record.project);
   return project == file || !os::Exists(project);
@@ -91,7 +97,7 @@ ChangeRecord ToUndo(Session& session, int number, const History& history) {
         ExitCode::kNotFound,
         fmt::format("There is no change {}. 'kvdm log' shows those that there are.", number));
   }
-  ChangeRecord record = history.Read(number);
+  ChangeRecord record = Rebased(session.GetPlace(), history.Read(number));
   if (!IsOfThisProject(record, session.File())) {
     throw Failure(ExitCode::kUnsafe, fmt::format("{} is one of the project {}. Undo it there.",
                                                  NameOf(record), record.project));
@@ -135,7 +141,8 @@ Undone Undo(Session& session, int number) {
       StoredDocuments(session.File(), *platform.registry, AreInRegistry(record.changes));
   const auto applied = Apply(*platform.xml_parser, stored, Inverse(record.changes));
   auto left = Rows(applied.refused, record, history);
-  if (!left.empty() && left.size() == record.changes.size()) {
+  const bool leaves_all = left.size() == record.changes.size();
+  if (!left.empty() && (leaves_all || ChangesSettings(record))) {
     throw Failure(ExitCode::kConflict,
                   fmt::format("{} can't be undone: what it changed was changed again since. Undo "
                               "the later change first, or change it by hand.",
@@ -213,7 +220,7 @@ std::vector<ChangeRecord> Trashed(const Place& place) {
   for (const int number : place.GetTrash().Numbers()) {
     const bool has_ended = std::ranges::find(ended, number) != ended.end();
     auto record = has_ended ? TryRead(history, number) : std::nullopt;
-    if (record) records.push_back(*std::move(record));
+    if (record) records.push_back(Rebased(place, *std::move(record)));
   }
   return records;
 }
