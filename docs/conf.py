@@ -1,5 +1,6 @@
 """How scripts/site makes pages of this folder."""
 
+import json
 import pathlib
 import re
 from xml.etree import ElementTree
@@ -34,6 +35,7 @@ html_copy_source = False
 html_show_sphinx = False
 
 man_pages = [
+    ("docs/kvdm-check", "kvdm-check", "look for what is wrong with a project of kvdm, and mend it", author, 1),
     ("docs/formats/project", "kvdm-project", "the project file of kvdm", author, 5),
     ("docs/formats/layer-metadata", "kvdm-metadata", "layer metadata and value files of kvdm", author, 5),
 ]
@@ -64,9 +66,22 @@ def headers_of(folder):
     return "\n".join("\n".join([f"## {header}\n", *declarations_of(header)]) for header in headers)
 
 
+def rules():
+    """The rules of `kvdm check`, as the program lists them."""
+    found = json.loads((ROOT / "docs/rules.json").read_text(encoding="utf-8"))["items"]
+    return "\n".join(map(rule_text, found))
+
+
+def rule_text(rule):
+    text = f"`{rule['rule']}` ({rule['severity']})\n: {rule['detects'][0].upper()}{rule['detects'][1:]}."
+    repair = "Repair, safe" if rule["safe"] else "Repair"
+    return f"{text} {repair}: {rule['repair']}.\n" if rule["repair"] else f"{text}\n"
+
+
 def fill_in(_app, _name, source):
-    """Replaces the line "@headers FOLDER" by what the headers there declare."""
+    """Replaces "@headers FOLDER" and "@rules", each a line of its own, by what the headers and the program say."""
     source[0] = re.sub(r"^@headers (\S+)$", lambda line: headers_of(line[1]), source[0], flags=re.MULTILINE)
+    source[0] = re.sub(r"^@rules$", lambda _: rules(), source[0], flags=re.MULTILINE)
 
 
 def setup(app):
