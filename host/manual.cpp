@@ -78,6 +78,10 @@ constexpr char kNoColor[] = R"(.TP
 When it is not empty, headings of tables are not bold.
 )";
 
+constexpr char kSeeAlso[] = R"(.SH SEE ALSO
+\fBkvdm\-check\fR(1), \fBkvdm\-project\fR(5), \fBkvdm\-metadata\fR(5)
+)";
+
 // `text` as roff prints it unchanged, on the line it starts.
 std::string Roff(std::string_view text) {
   std::string result;
@@ -178,7 +182,8 @@ std::string ManualPage(const CommandNode& root) {
   const SystemManual system = ThisSystemsManual();
   page += kStatusAndFiles;
   page += fmt::format("{}.SH ENVIRONMENT\n{}{}", system.registry, system.environment, kNoColor);
-  return page + ".SH EXAMPLES\n" + Examples(root);
+  page += ".SH EXAMPLES\n" + Examples(root);
+  return page + kSeeAlso;
 }
 
 }  // namespace kvdm
