@@ -63,7 +63,7 @@ install(FILES cmake/kvdm-doc.overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lint
 if(KVDM_BUILD_HOST)
   foreach(section 1 5)
     install(DIRECTORY ${build}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section}
-            COMPONENT host EXCLUDE_FROM_ALL FILES_MATCHING PATTERN *.${section})
+            COMPONENT host OPTIONAL FILES_MATCHING PATTERN *.${section})
   endforeach()
   deb(host kvdm utils "command-line host"
       "This is kvdm, through which a person or a script uses all of it. Every
