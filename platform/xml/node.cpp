@@ -27,6 +27,19 @@ void CheckName(const Tree& tree, std::string_view name) {
   if (name.size() > kMaxNameBytes) throw RuntimeError(kOutOfMemory);
 }
 
+std::ptrdiff_t EscapedSize(std::string_view value) {
+  return static_cast<std::ptrdiff_t>(EscapedBytes(value, Place::kAttribute));
+}
+
+// Whether the tree has room for a value and what comes with it besides. Where there is plenty
+// nothing is counted.
+template <class Besides>
+void CheckRoom(const Tree& tree, std::string_view value, const Besides& besides) {
+  constexpr std::size_t kPlenty = 8;
+  if (tree.HasRoom(static_cast<std::ptrdiff_t>(kPlenty * (value.size() + kMaxNameBytes)))) return;
+  if (!tree.HasRoom(EscapedSize(value) + besides())) throw RuntimeError(kOutOfMemory);
+}
+
 std::size_t DepthOf(const Tree& tree, Number number) {
   std::size_t depth = 0;
   for (; number != 0; number = tree.node(number).parent) {
@@ -166,18 +179,20 @@ Value Element::GetAttribute(std::string_view name) const {
 
 void Element::SetAttribute(std::string_view name, const Value& value) const {
   if (value.IsNull()) throw RuntimeError(kTypeMismatch);
+  const auto* text = std::get_if<std::string>(&value.storage());
+  StoreAttribute(name, text == nullptr ? ToText(value) : *text);
+}
+
+void Element::StoreAttribute(std::string_view name, std::string_view given) const {
   const Sanitized key(name);
-  const auto* given = std::get_if<std::string>(&value.storage());
-  const std::string formed = given == nullptr ? ToText(value) : std::string();
-  const SanitizedValue text(given == nullptr ? formed : *given);
+  const SanitizedValue text(given);
   if (IsNamespaceDeclaration(key)) throw RuntimeError(kInvalidCall);
   Tree& tree = Home();
   const Number known = tree.AllNames().Find(key);
   const Number own = known == 0 ? 0 : tree.FindAttribute(number(), known);
   if (own == 0) return AddAttribute(key, text);
   const std::string_view old = tree.TextOf(tree.AttributeAt(own).value);
-  const auto more = EscapedBytes(text, Place::kAttribute) - EscapedBytes(old, Place::kAttribute);
-  if (!tree.HasRoom(static_cast<std::ptrdiff_t>(more))) throw RuntimeError(kOutOfMemory);
+  CheckRoom(tree, text, [&] { return -EscapedSize(old); });
   tree.ChangeAttribute(own, text);
 }
 
@@ -190,10 +205,8 @@ void Element::AddAttribute(std::string_view name, std::string_view text) const {
     last = own;
     ++count;
   }
-  if (count == kMaxAttributes || !tree.HasRoom(static_cast<std::ptrdiff_t>(AttributeBytes(
-                                     name, EscapedBytes(text, Place::kAttribute))))) {
-    throw RuntimeError(kOutOfMemory);
-  }
+  if (count == kMaxAttributes) throw RuntimeError(kOutOfMemory);
+  CheckRoom(tree, text, [&] { return static_cast<std::ptrdiff_t>(AttributeBytes(name, 0)); });
   tree.AddAttribute(number(), last, name, text);
 }
 

@@ -6,6 +6,7 @@
 // again after that.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -120,6 +121,10 @@ class Element : public Node {
   // Stores the text form of `value`; a new attribute comes last, an existing one keeps its place.
   // Run-time error 13 for Null, 5 when `name` is no XML name.
   void SetAttribute(std::string_view name, const Value& value) const;
+  template <std::convertible_to<std::string_view> Text>
+  void SetAttribute(std::string_view name, const Text& text) const {
+    StoreAttribute(name, text);
+  }
   // Does nothing when it is missing.
   void RemoveAttribute(std::string_view name) const;
   [[nodiscard]] std::vector<Attribute> Attributes() const;
@@ -152,6 +157,7 @@ class Element : public Node {
   [[nodiscard]] Element ElementAt(Number number) const {
     return {number == 0 ? nullptr : &Home(), number};
   }
+  void StoreAttribute(std::string_view name, std::string_view given) const;
   void AddAttribute(std::string_view name, std::string_view text) const;
 };
 
