@@ -79,7 +79,7 @@ Session& Batch::Open(Access access) {
   if (access == Access::kRead) {
     session_.emplace(file_, access, invocation_.allowed, invocation_.out);
     invocation_.out.UseDrives(session_->GetProject().drives);
-    TellOfTenure(*session_);
+    if (session_->Component().WorkingDirectoryWasThere() != false) TellOfTenure(*session_);
     TellOfUnfinished(session_->GetPlace());
   } else {
     RequireChangeable(file_);
