@@ -11,8 +11,7 @@
 #include <kvdm/platform/error.h>
 #include <kvdm/platform/platform.h>
 
-#include "platform/file_names.h"
-#include "platform/portable/element_change.h"
+#include "platform/portable/catalogue_areas.h"
 #include "platform/xml/document.h"
 #include "platform/xml/limits.h"
 
@@ -21,53 +20,12 @@ namespace {
 
 using xml::Element;
 
-constexpr char kArea[] = "STUDYAREA";
-constexpr char kGuid[] = "GUID";
-constexpr char kName[] = "NAME";
-constexpr char kFolder[] = "DIRNAME";
-
 std::string OverLimits() {
   return "the stored catalogue is over a limit of documents: " +
          std::to_string(xml::kMaxDocumentBytes) + " bytes, " + std::to_string(xml::kMaxValueBytes) +
          " bytes in one value, " + std::to_string(xml::kMaxAttributes) +
          " attributes at one element, " + std::to_string(xml::kMaxDepth) +
          " elements within each other";
-}
-
-// A study area of a text, and what tells it from the others there.
-struct Area {
-  Element element;
-  std::string guid;  // "" when it is missing or another one has it too
-  std::string name;  // with a number that tells it from others of that name
-};
-
-// The folder as files are found in it; "" for none.
-std::u32string FolderOf(const Area& area) {
-  std::string folder = TextOf(area.element, kFolder);
-  if (folder.ends_with('\\')) folder.pop_back();
-  return FoldedName(folder);
-}
-
-// The name as people know it: it is stored between two "_".
-std::string NameOf(const Element& area) {
-  const std::string stored = TextOf(area, kName);
-  const bool is_wrapped = stored.size() > 1 && stored.starts_with('_') && stored.ends_with('_');
-  return is_wrapped ? stored.substr(1, stored.size() - 2) : stored;
-}
-
-std::vector<Area> AreasIn(const Element& root) {
-  const auto elements = root.Children(kArea);
-  std::map<std::string, int> uses;
-  for (const auto& element : elements) ++uses[TextOf(element, kGuid)];
-  std::map<std::string, int> numbers;
-  std::vector<Area> areas;
-  for (const auto& element : elements) {
-    const std::string guid = TextOf(element, kGuid);
-    const std::string name = TextOf(element, kName);
-    areas.push_back({element, uses[guid] == 1 ? guid : std::string(),
-                     name + '\1' + std::to_string(numbers[name]++)});
-  }
-  return areas;
 }
 
 // The study areas of a catalogue text.
@@ -106,7 +64,7 @@ class Pairs {
   Pairs(const AreaRefs& before, const AreaRefs& after, Identity identity = Identity::kLikely) {
     Match(before, after, [](const Area& area) { return area.guid; });
     if (identity == Identity::kLikely) {
-      Match(before, after, [](const Area& area) { return Canonical(area.element, kGuid); });
+      Match(before, after, [](const Area& area) { return Canonical(area.element, kAreaGuid); });
       Match(before, after, FolderOf);
     }
     Match(
@@ -219,9 +177,9 @@ class Merge {
     if (was_there) {
       notes.push_back(NoteOn(wanted, "was deleted elsewhere while it was changed here; it stays."));
     }
-    const std::string name = TextOf(wanted, kName);
+    const std::string name = TextOf(wanted, kAreaName);
     const bool has_twin = std::ranges::any_of(stored_, [&](const Area* area) {
-      return area->element.Parent() && TextOf(area->element, kName) == name;
+      return area->element.Parent() && TextOf(area->element, kAreaName) == name;
     });
     if (has_twin) notes.push_back(NoteOn(wanted, "has the name of one that was added elsewhere."));
     root_.Append(wanted);
@@ -238,7 +196,8 @@ class Merge {
   }
 
   static std::string NoteOn(const Element& area, std::string_view what) {
-    return "The study area " + NameOf(area) + " " + TextOf(area, kGuid) + " " + std::string(what);
+    return "The study area " + NameOf(area) + " " + TextOf(area, kAreaGuid) + " " +
+           std::string(what);
   }
 
   AreaRefs base_;
@@ -338,7 +297,7 @@ TextUpdate::Outcome CatalogueUpdate::Merged(std::string_view text) const {
   return outcome;
 }
 
-CatalogueReading CatalogueUpdate::ReadAgain(std::string text) const {
+CatalogueReading CatalogueUpdate::ReadAgain(const std::string& text) const {
   notes_.clear();
   if (text.empty()) return {wanted_, "", ""};
   const Catalogue stored(parser_, text);

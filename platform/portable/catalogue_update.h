@@ -68,7 +68,7 @@ class CatalogueUpdate final : public TextUpdate {
   // areas that give way are in the new base as they were in the old one, so that the next update
   // finds them changed elsewhere, and keeps them. Run-time error 5 for a text that is not
   // well-formed.
-  [[nodiscard]] CatalogueReading ReadAgain(std::string text) const;
+  [[nodiscard]] CatalogueReading ReadAgain(const std::string& text) const;
 
   // Hands over the wanted text.
   std::string TakeWanted() { return std::move(wanted_); }

@@ -1,11 +1,32 @@
-// A three-way merge of one element: what changed in it, carried over to another state of it.
+// The study areas of a catalogue as elements: what tells them apart, and a three-way merge of one.
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/xml/node.h"
 
 namespace kvdm {
+
+inline constexpr char kArea[] = "STUDYAREA";
+inline constexpr char kAreaGuid[] = "GUID";
+inline constexpr char kAreaName[] = "NAME";
+
+// A study area, and what tells it from the others there.
+struct Area {
+  xml::Element element;
+  std::string guid;  // "" when it is missing or another one has it too
+  std::string name;  // with a number that tells it from others of that name
+};
+
+// Those below a root.
+[[nodiscard]] std::vector<Area> AreasIn(const xml::Element& root);
+
+// The folder as files are found in it; "" for none.
+[[nodiscard]] std::u32string FolderOf(const Area& area);
+
+// The name as people know it: it is stored between two "_".
+[[nodiscard]] std::string NameOf(const xml::Element& area);
 
 // The attribute's text; "" when it is missing.
 [[nodiscard]] std::string TextOf(const xml::Element& element, const char* attribute);

@@ -1,16 +1,18 @@
-#include "platform/portable/element_change.h"
+#include "platform/portable/catalogue_areas.h"
 
 #include <map>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "platform/file_names.h"
+
 namespace kvdm {
 namespace {
 
 using xml::Element;
 
-constexpr char kChildName[] = "NAME";
+constexpr char kFolder[] = "DIRNAME";
 
 std::vector<Element> ElementsIn(const Element& parent) {
   std::vector<Element> elements;
@@ -26,7 +28,7 @@ std::vector<std::pair<std::string, Element>> Keyed(const Element& parent) {
   std::vector<std::pair<std::string, Element>> keyed;
   std::map<std::string, int> numbers;
   for (const auto& child : ElementsIn(parent)) {
-    const std::string key = child.Tag() + '\1' + TextOf(child, kChildName) + '\1';
+    const std::string key = child.Tag() + '\1' + TextOf(child, kAreaName) + '\1';
     keyed.emplace_back(key + std::to_string(numbers[key]++), child);
   }
   return keyed;
@@ -127,6 +129,33 @@ std::string Canonical(const Element& element, const char* ignored) {
   if (children.empty()) text += '\4' + element.Text();
   for (const std::string& child : children) text += child;
   return text + '\5';
+}
+
+std::vector<Area> AreasIn(const Element& root) {
+  const auto elements = root.Children(kArea);
+  std::map<std::string, int> uses;
+  for (const auto& element : elements) ++uses[TextOf(element, kAreaGuid)];
+  std::map<std::string, int> numbers;
+  std::vector<Area> areas;
+  for (const auto& element : elements) {
+    const std::string guid = TextOf(element, kAreaGuid);
+    const std::string name = TextOf(element, kAreaName);
+    areas.push_back({element, uses[guid] == 1 ? guid : std::string(),
+                     name + '\1' + std::to_string(numbers[name]++)});
+  }
+  return areas;
+}
+
+std::u32string FolderOf(const Area& area) {
+  std::string folder = TextOf(area.element, kFolder);
+  if (folder.ends_with('\\')) folder.pop_back();
+  return FoldedName(folder);
+}
+
+std::string NameOf(const Element& area) {
+  const std::string stored = TextOf(area, kAreaName);
+  const bool is_wrapped = stored.size() > 1 && stored.starts_with('_') && stored.ends_with('_');
+  return is_wrapped ? stored.substr(1, stored.size() - 2) : stored;
 }
 
 bool ApplyChange(const Element& base, const Element& wanted, const Element& target) {
