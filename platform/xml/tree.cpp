@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "platform/xml/serializer.h"
-#include "platform/xml/written_form.h"
 
 namespace kvdm::xml {
 

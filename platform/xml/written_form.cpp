@@ -1,5 +1,4 @@
-#include "platform/xml/written_form.h"
-
+// Strict reader: reads texts that are written exactly as the serializer writes them, and no other.
 #include <algorithm>
 #include <bit>
 #include <cstdint>

@@ -1,8 +1,6 @@
 // The strict reader beside the conforming parser, on random texts in the component's own written
 // form with and without a few changed bytes: it takes a text exactly when that is what the tree of
 // the conforming parser is written as, and then for the same tree.
-#include "platform/xml/written_form.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
