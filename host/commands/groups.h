@@ -48,8 +48,8 @@ inline constexpr auto kCommandGroups = {
     &AddStoreCommands,     &AddCustomerCommands, &AddDataCommands,     &AddTableCommands,
     &AddMetadataCommands,  &AddPresetCommands,   &AddTempCommands,     &AddRegistryCommands,
     &AddCatalogueCommands, &AddAliasCommands,    &AddPathCommands,     &AddProjectCommands,
-    &AddCheckCommand,      &AddDoctorCommand,    &AddHistoryCommands,  &AddRunCommand,
-    &AddAdoptCommand,      &AddExplainCommand,   &AddGenerateCommands, &AddVersionCommand,
+    &AddAdoptCommand,      &AddCheckCommand,     &AddDoctorCommand,    &AddHistoryCommands,
+    &AddRunCommand,        &AddExplainCommand,   &AddGenerateCommands, &AddVersionCommand,
     &AddSystemCommands};
 
 }  // namespace kvdm
