@@ -83,7 +83,7 @@ struct SurveyItem {
 // The metadata of a layer, as far as they tell whose they are.
 struct LayerDescription {
   bool is_there = false;
-  bool is_foreign = false;   // whether those of another program stand in their place
+  bool is_foreign = false;   // whether those of another program stand where ours would
   std::string problem = {};  // why they can't be read
   std::string type = {};
   std::string name = {};

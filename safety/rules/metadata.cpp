@@ -26,7 +26,7 @@ void ForEachLayer(const Survey& survey, Look look) {
 
 void FindMissingMetadata(const Survey& survey, Findings& findings) {
   ForEachLayer(survey, [&](std::size_t i, const SurveyItem& item, const LayerDescription& said) {
-    if (said.is_there) return;
+    if (said.is_there || said.is_foreign) return;
     findings.Add(survey, i, fmt::format("has no metadata with its layer {}.", item.file))
         .At(item.file)
         .By(ExportOf(item));
@@ -35,7 +35,7 @@ void FindMissingMetadata(const Survey& survey, Findings& findings) {
 
 void FindUnreadableMetadata(const Survey& survey, Findings& findings) {
   ForEachLayer(survey, [&](std::size_t i, const SurveyItem& item, const LayerDescription& said) {
-    if (said.problem.empty() || said.is_foreign) return;
+    if (said.problem.empty()) return;
     findings.Add(survey, i, fmt::format("has metadata that can't be read: {}.", said.problem))
         .At(item.file)
         .By(ExportOf(item));
@@ -44,11 +44,14 @@ void FindUnreadableMetadata(const Survey& survey, Findings& findings) {
 
 void FindForeignMetadata(const Survey& survey, Findings& findings) {
   ForEachLayer(survey, [&](std::size_t i, const SurveyItem& item, const LayerDescription& said) {
-    if (!said.is_foreign) return;
+    if (!said.is_foreign || said.is_there) return;
     findings
-        .Add(survey, i, fmt::format("has the metadata of another program in {}.xml.", item.file))
+        .Add(survey, i,
+             fmt::format("has only the metadata of another program, in {}.xml. Its own go beside "
+                         "them.",
+                         item.file))
         .At(item.file + ".xml")
-        .By(said.problem.empty() ? "" : ExportOf(item));
+        .By(ExportOf(item));
   });
 }
 
@@ -108,9 +111,10 @@ constexpr Rule kMetadataRules[] = {
     {"metadata.unreadable", kError, "metadata of a layer that can't be read",
      "An import fails; an export keeps the broken file beside the new one.", "", false,
      &FindUnreadableMetadata},
-    {"metadata.foreign", kWarning, "metadata of another program in the place of ours",
-     "Ours would replace what the other program knows of the layer.", "", false,
-     &FindForeignMetadata},
+    {"metadata.foreign", kWarning, "a layer with only the metadata of another program",
+     "A lost project can't be put together again from it. An export leaves the other program's file "
+     "as it is.",
+     "", false, &FindForeignMetadata},
     {"metadata.stale-parameter", kWarning, "metadata with parameters that the analysis has not",
      "An export adds and never removes, so that an import brings back what was deleted.", "", false,
      &FindStaleParameters},

@@ -200,8 +200,11 @@ TEST_F(CheckFormsTest, DataItemsThatAreNotListed) {
 }
 
 TEST_F(CheckFormsTest, MetadataOfAnotherProgram) {
+  const std::string ours = *memory.files->ReadFile(std::string(kStores) + ".xml");
   memory.files->AddFile(std::string(kStores) + ".xml", "<metadata><idinfo/></metadata>");
   EXPECT_THAT(Found(), ElementsAre("warning metadata.foreign store layer Stores"));
+  memory.files->AddFile(std::string(kStores) + ".kvdm.xml", ours);
+  EXPECT_THAT(Found(), IsEmpty());
 }
 
 TEST_F(CheckFormsTest, MetadataWithParametersThatTheAnalysisHasNot) {
