@@ -112,7 +112,8 @@ constexpr Rule kMetadataRules[] = {
      "An import fails; an export keeps the broken file beside the new one.", "", false,
      &FindUnreadableMetadata},
     {"metadata.foreign", kWarning, "a layer with only the metadata of another program",
-     "A lost project can't be put together again from it. An export leaves the other program's file "
+     "A lost project can't be put together again from it. An export leaves the other program's "
+     "file "
      "as it is.",
      "", false, &FindForeignMetadata},
     {"metadata.stale-parameter", kWarning, "metadata with parameters that the analysis has not",
