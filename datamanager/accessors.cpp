@@ -57,7 +57,7 @@ std::shared_ptr<IKVDataCollection> KVDataManager::DataCollection() {
 std::shared_ptr<IKVStudyAreaCollection> KVDataManager::StudyAreaCollection() {
   return guard::Reported(reporter_, messages::kStudyAreaCollection, [&] {
     auto study_areas = BindCollection<KVStudyAreaCollection>(catalogue_->DocumentElement());
-    Follow(study_areas);
+    Follow(KVStudyAreaCollection::Followed(study_areas));
     return study_areas;
   });
 }

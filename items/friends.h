@@ -15,7 +15,7 @@
 namespace kvdm {
 
 // A view of an element of the catalogue, as the data manager sees it when it has read the catalogue
-// again.
+// again. Not one of the interfaces that an object can be asked for.
 class CatalogueView {
  public:
   [[nodiscard]] virtual const xml::Element& CatalogueElement() const = 0;

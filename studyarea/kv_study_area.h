@@ -15,7 +15,7 @@ class KVStudyArea final : public IKVPropertySet,
                           public IKVStudyArea,
                           public IKVMetadata,
                           public IKVStudyArea2,
-                          public CatalogueView {
+                          private CatalogueView {
  public:
   explicit KVStudyArea(std::shared_ptr<GisCore> gis_core);
 
@@ -42,8 +42,10 @@ class KVStudyArea final : public IKVPropertySet,
     return layer_edit_.If(interface_type);
   }
 
-  [[nodiscard]] const xml::Element& CatalogueElement() const override { return view_.node(); }
-  void Rebind(xml::Element element) noexcept override { view_.AttachNode(std::move(element)); }
+  // What the data manager follows.
+  static std::shared_ptr<CatalogueView> Followed(const std::shared_ptr<KVStudyArea>& area) {
+    return {area, area.get()};
+  }
 
   // The tables folder of this study area with a trailing "\"; "" without an element. Creates
   // nothing.
@@ -58,6 +60,9 @@ class KVStudyArea final : public IKVPropertySet,
   }
 
  private:
+  [[nodiscard]] const xml::Element& CatalogueElement() const override { return view_.node(); }
+  void Rebind(xml::Element element) noexcept override { view_.AttachNode(std::move(element)); }
+
   [[nodiscard]] xml::Element Properties() const;
   bool ReportMissingProperties(std::string_view name);
   void ShowPlain(std::string_view text);

@@ -120,7 +120,7 @@ std::shared_ptr<IKVStudyArea> KVStudyAreaCollection::Get(const char* attribute,
     auto study_area = std::make_shared<KVStudyArea>(view_.gis_core());
     study_area->SetNode(element);
     study_area->SetDataManager(view_.data_manager());
-    if (view_.data_manager()) view_.data_manager()->Follow(study_area);
+    if (view_.data_manager()) view_.data_manager()->Follow(KVStudyArea::Followed(study_area));
     return study_area;
   });
 }

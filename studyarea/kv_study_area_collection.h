@@ -8,7 +8,7 @@
 namespace kvdm {
 
 class KVStudyAreaCollection final : public Collection<IKVStudyAreaCollection>,
-                                    public CatalogueView {
+                                    private CatalogueView {
  public:
   explicit KVStudyAreaCollection(std::shared_ptr<GisCore> gis_core);
 
@@ -22,10 +22,16 @@ class KVStudyAreaCollection final : public Collection<IKVStudyAreaCollection>,
   std::shared_ptr<IKVStudyArea> GetStudyAreaByGUID(std::string_view guid) override;
   bool StudyAreaExistsByGUID(std::string_view guid) override;
 
+  // What the data manager follows.
+  static std::shared_ptr<CatalogueView> Followed(
+      const std::shared_ptr<KVStudyAreaCollection>& areas) {
+    return {areas, areas.get()};
+  }
+
+ private:
   [[nodiscard]] const xml::Element& CatalogueElement() const override { return view_.node(); }
   void Rebind(xml::Element element) noexcept override { view_.SetNode(std::move(element)); }
 
- private:
   [[nodiscard]] std::string StudyAreasFolder() const;
   [[nodiscard]] std::string FolderOf(const std::string& folder_name) const;
   std::string AppendStudyArea(std::string_view name);
