@@ -16,8 +16,14 @@ std::string ExamplesText(std::string_view examples) {
     text += character;
     if (character == '\n') text += "  ";
   }
-  return text +
-         "\n\nEvery command takes -p FILE (the project), --foreign, --outside, --json and --debug.";
+  return text + "\n\nEvery command takes the options that 'kvdm --help' lists.";
+}
+
+// The word by which people who use shells all day know a command; "" for none.
+std::string AliasOf(std::string_view name) {
+  if (name == "list") return "ls";
+  if (name == "delete") return "rm";
+  return name == "rename" ? "mv" : "";
 }
 
 void Checked(CLI::Option* option, const std::string& name, ArgumentCheck check) {
@@ -62,8 +68,10 @@ const CLI::App& Arguments::Root() const {
 }
 
 bool CommandGroup::IsWanted(const std::string& name) const {
-  return app_ != nullptr &&
-         (named_ == nullptr || std::ranges::find(*named_, name) != named_->end());
+  const auto is_named = [&](const std::string& word) {
+    return !word.empty() && std::ranges::find(*named_, word) != named_->end();
+  };
+  return app_ != nullptr && (named_ == nullptr || is_named(name) || is_named(AliasOf(name)));
 }
 
 CommandGroup CommandGroup::Group(const std::string& name, const std::string& help) const {
@@ -80,6 +88,7 @@ CLI::App& CommandGroup::NewApp(const std::string& name, const std::string& help,
                                std::string_view examples) const {
   CLI::App* app = app_->add_subcommand(name, help)->fallthrough();
   app->footer(ExamplesText(examples));
+  if (const std::string alias = AliasOf(name); !alias.empty()) app->alias(alias);
   return *app;
 }
 

@@ -30,11 +30,16 @@ bool Batch::IsShared(const CommandLine& line) const {
   const auto* command = dynamic_cast<const ProjectCommand*>(&line.GetCommand());
   const GlobalOptions& options = line.Options();
   return command != nullptr && command->SharesSession() && options.project.empty() &&
-         !options.output.json && !options.allowed.foreign && !options.allowed.outside;
+         options.folder.empty() && !options.output.json && !options.allowed.foreign &&
+         !options.allowed.outside;
 }
 
 // What it stores itself, or asks for, is about what is saved.
 int Batch::RunAlone(const CommandLine& line, const std::vector<std::string>& words) {
+  if (!line.Options().folder.empty()) {
+    throw Failure(ExitCode::kUsage,
+                  "A command that is run works where the others do: leave -C out.");
+  }
   Save();
   const GlobalOptions& own = line.Options();
   Invocation invocation = invocation_;

@@ -1,7 +1,10 @@
 // The program `kvdm`: its command line, and what becomes of errors.
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <new>
 
@@ -42,11 +45,20 @@ bool HasJsonFlag(const std::vector<std::string>& arguments) {
 
 bool IsBold() { return os::OutputIsTerminal() && os::Environment("NO_COLOR").empty(); }
 
+void WorkIn(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::current_path(os::ToPath(folder), error);
+  if (!error) return;
+  throw Failure(ExitCode::kNotFound,
+                fmt::format("There is no folder {} to work in ({}).", folder, error.message()));
+}
+
 int Run(const CommandLine& line, const std::vector<std::string>& words) {
   OutputOptions options = line.Options().output;
   options.bold = IsBold();
   Output out(options);
   return Reported(line.Path(), out, [&] {
+    if (!line.Options().folder.empty()) WorkIn(line.Options().folder);
     line.GetCommand().Execute({line.Options().project, line.Options().allowed, out, words});
   });
 }
@@ -61,7 +73,7 @@ int RunCommandLine(const std::vector<std::string>& words) {
     std::cout << help.text << std::flush;
     return 0;
   } catch (const UsageFailure& failure) {
-    return Output({g_json, false, false}).PrintFailure(failure.Path(), failure);
+    return Output({.json = g_json}).PrintFailure(failure.Path(), failure);
   }
 }
 

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "host/commands/groups.h"
+#include "host/text.h"
 #include "platform/utf8.h"
 
 namespace kvdm {
@@ -20,12 +21,16 @@ void Declare(CLI::App& app, GlobalOptions& options) {
   // A path may start with "/" on every system.
   app.allow_windows_style_options(false);
   app.add_option("-p,--project", options.project,
-                 "The project file; without it the *.kvdm here or in a folder above")
+                 "The project file, or its folder; without it $KVDM_PROJECT, or the *.kvdm here or "
+                 "in a folder above")
       ->option_text("FILE");
   app.add_flag("--foreign", options.allowed.foreign,
                "Work with study areas of other working directories, too");
   app.add_flag("--outside", options.allowed.outside,
                "Change what is outside of the project, or another project's, too");
+  app.add_option("-C", options.folder, "Work as if started in that folder")->option_text("DIR");
+  app.add_flag("-q,--quiet", options.output.quiet, "Say nothing of what was done");
+  app.set_version_flag("-V,--version", "kvdm " KVDM_VERSION, "Print the version and exit");
   app.add_flag("--json", options.output.json, "Print one JSON object");
   app.add_flag("--debug", options.output.debug, "Show log lines and the causes of errors");
   app.footer(
@@ -39,23 +44,42 @@ const CLI::App& Innermost(const CLI::App& app) {
   return parsed.empty() ? app : Innermost(*parsed.front());
 }
 
-std::string CommandsOf(const CLI::App& app) {
-  std::string names;
-  for (const CLI::App* command : app.get_subcommands(nullptr)) {
-    names += (names.empty() ? "" : ", ") + command->get_name();
+std::vector<std::string> CommandsOf(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands(nullptr)) names.push_back(command->get_name());
+  return names;
+}
+
+std::vector<std::string> OptionsOf(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* at = &app; at != nullptr; at = at->get_parent()) {
+    for (const CLI::Option* option : at->get_options()) {
+      for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    }
   }
   return names;
+}
+
+// " Did you mean NAME?", or nothing.
+std::string Proposal(std::string_view word, const std::vector<std::string>& names) {
+  const std::string nearest = Nearest(word, names);
+  return nearest.empty() ? "" : fmt::format(" Did you mean {}?", nearest);
 }
 
 std::string UsageSentence(const CLI::App& app, const CLI::App& command,
                           const CLI::ParseError& error) {
   const bool lacks_command = !command.get_subcommands(nullptr).empty();
-  if (!lacks_command) return fmt::format("{}.", error.what());
   const auto unknown = app.remaining(true);
-  const std::string wrong = unknown.empty()
-                                ? "A command is missing"
-                                : fmt::format("There is no command {}", unknown.front());
-  return fmt::format("{}. The commands are {}.", wrong, CommandsOf(command));
+  const std::string word = unknown.empty() ? "" : unknown.front();
+  if (word.starts_with("--")) {
+    return fmt::format("There is no option {}.{}", word, Proposal(word, OptionsOf(command)));
+  }
+  if (!lacks_command) return fmt::format("{}.", error.what());
+  const auto commands = CommandsOf(command);
+  return fmt::format(
+      "{}.{} The commands are {}.",
+      word.empty() ? "A command is missing" : fmt::format("There is no command {}", word),
+      Proposal(word, commands), fmt::join(commands, ", "));
 }
 
 // What is wrong with words, or the help that they ask for.
@@ -80,7 +104,11 @@ bool DescribesAll(const std::vector<std::string>& words) {
 
 CommandLine::~CommandLine() = default;
 
-CommandLine::CommandLine(const std::vector<std::string>& words) {
+CommandLine::CommandLine(std::vector<std::string> words) {
+  if (!words.empty() && words.front() == "help") {
+    words.erase(words.begin());
+    words.emplace_back("--help");
+  }
   if (!std::ranges::all_of(words, IsValidUtf8)) {
     throw UsageFailure("kvdm", "An argument is not UTF-8 text.");
   }

@@ -14,6 +14,7 @@
 namespace kvdm {
 
 struct GlobalOptions {
+  std::string folder;  // to work in; "" for the current one
   std::string project;
   Allowed allowed;
   OutputOptions output;
@@ -38,7 +39,7 @@ class UsageFailure : public Failure {
 class CommandLine {
  public:
   // `words` without the program's own name. Throws HelpText, UsageFailure.
-  explicit CommandLine(const std::vector<std::string>& words);
+  explicit CommandLine(std::vector<std::string> words);
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
   ~CommandLine();

@@ -19,6 +19,7 @@
 
 #include "host/checks.h"
 #include "host/session.h"
+#include "host/text.h"
 
 namespace kvdm {
 
@@ -79,16 +80,26 @@ template <class Kind>
   return ItemsNamed<Kind>(std::move(items), selector);
 }
 
-// The one of the items that `selector` was found to mean. Failure kNotFound when there is none,
+using Names = std::vector<std::string>;
+
+// The names of a kind's items, sooner than by looking at each item.
+template <class Kind>
+[[nodiscard]] Names NamesOf(Session& session);
+
+// The one of the items that `selector` was found to mean; `names` are those that a misspelt one may
+// mean. Failure kNotFound when there is none,
 // kConflict with the candidates when there are several.
 template <class Kind>
 [[nodiscard]] typename Kind::Ref TheOnlyOne(const std::vector<typename Kind::Ref>& found,
-                                            const std::string& selector) {
+                                            const std::string& selector, const Names& names = {}) {
   if (found.size() == 1) return found.front();
   if (found.empty()) {
-    throw Failure(ExitCode::kNotFound,
-                  fmt::format("There is no {} {}. 'kvdm {} list' shows what there is.", Kind::kWord,
-                              selector, Kind::kCommand));
+    const std::string nearest = Nearest(selector, names);
+    throw Failure(
+        ExitCode::kNotFound,
+        fmt::format("There is no {} {}.{} 'kvdm {} list' shows what there is.", Kind::kWord,
+                    selector, nearest.empty() ? "" : fmt::format(" Did you mean {}?", nearest),
+                    Kind::kCommand));
   }
   throw Failure(ExitCode::kConflict,
                 fmt::format("{} means {} items. Say which one by {}.", selector, found.size(),
@@ -155,7 +166,8 @@ struct CollectionKind : ItemKind<SomeItem> {
 
   static Ref Find(Session& session, const std::string& selector) {
     if (Ref item = OnlyOneOf(session, selector)) return item;
-    return TheOnlyOne<Kind>(ItemsMeant<Kind>(All(session), selector), selector);
+    const auto found = ItemsMeant<Kind>(All(session), selector);
+    return TheOnlyOne<Kind>(found, selector, found.empty() ? NamesOf<Kind>(session) : Names());
   }
 
   // The item that was just made under a name. Failure kRefused when the component does not have it.
@@ -188,9 +200,8 @@ struct CollectionKind : ItemKind<SomeItem> {
   }
 };
 
-// The names of a kind's items, sooner than by looking at each item.
 template <class Kind>
-[[nodiscard]] std::vector<std::string> NamesOf(Session& session) {
+Names NamesOf(Session& session) {
   std::vector<std::string> names;
   if constexpr (requires { Kind::kCollection; }) {
     const NameListRef list = std::invoke(Kind::kNames, *Kind::Collection(session));

@@ -56,6 +56,12 @@ The name exists, or means several items.
 .B 5
 Refused as it may do harm; what allows it is named.
 .TP
+.B 6
+A check found something.
+.TP
+.B 7
+Another program has it locked, or has changed it since it was read.
+.TP
 .B 8
 An operation of the component ended in a run\-time error.
 .TP
@@ -74,6 +80,11 @@ The project before its last change.
 )";
 
 constexpr char kNoColor[] = R"(.TP
+.B KVDM_PROJECT
+The project file, or its folder, where
+.B \-p
+names none.
+.TP
 .B NO_COLOR
 When it is not empty, headings of tables are not bold.
 )";

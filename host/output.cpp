@@ -114,7 +114,7 @@ void Output::Section(std::string_view name, std::vector<Record> rows) {
 
 void Output::Done(Record fields, std::string_view sentence) {
   fields_ = std::move(fields);
-  text_ = Printable(sentence) + "\n";
+  text_ = options_.quiet ? "" : Printable(sentence) + "\n";
 }
 
 void Output::Text(Record fields, std::string_view text) {

@@ -17,6 +17,7 @@ namespace kvdm {
 struct OutputOptions {
   bool json = false;   // one JSON object instead of text for people
   bool bold = false;   // headings stand out
+  bool quiet = false;  // what was done is not said
   bool debug = false;  // log lines and the causes of errors are shown
   bool lines = false;  // of several JSON objects, each is one line
 };

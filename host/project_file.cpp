@@ -115,9 +115,18 @@ fs::path Located(const fs::path& project) {
   return LookUndisturbed(project, locate);
 }
 
+fs::path ProjectInFolder(const fs::path& folder) {
+  const auto projects = ProjectsIn(folder);
+  if (projects.size() > 1) return Located(ChosenOf(projects, folder));
+  if (projects.size() == 1) return Located(projects.front());
+  throw Failure(ExitCode::kNotFound,
+                fmt::format("There is no project in the folder {}.", os::ToText(folder)));
+}
+
 fs::path GivenProjectFile(std::string_view given) {
+  const fs::path path = os::ToPath(given);
   try {
-    return Located(os::ToPath(given));
+    return fs::is_directory(path) ? ProjectInFolder(path) : Located(path);
   } catch (const std::system_error& error) {
     const std::string cause = error.code().message();
     if (error.code() == std::errc::no_such_file_or_directory ||
@@ -154,7 +163,8 @@ fs::path WithSuffix(const fs::path& file, std::string_view suffix) {
 }
 
 fs::path FindProjectFile(std::string_view given) {
-  if (!given.empty()) return GivenProjectFile(given);
+  const std::string named = given.empty() ? os::Environment("KVDM_PROJECT") : std::string(given);
+  if (!named.empty()) return GivenProjectFile(named);
   fs::path folder = fs::current_path();
   for (;;) {
     const auto projects = ProjectsIn(folder);

@@ -16,7 +16,8 @@
 
 namespace kvdm {
 
-// The project file to work with: `given` if it is not "", else the one in the current folder or the
+// The project file to work with: `given`, a file or the folder that has it, if it is not "", else
+// what the environment variable KVDM_PROJECT names, else the one in the current folder or the
 // nearest folder above that has one. Where one may be put in place at the moment, because its lock
 // file is there, that is waited for. Of several in a folder it is the one that is named like the
 // folder, which is said. Failure kNotFound when there is none, kConflict when none of several is

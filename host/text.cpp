@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "host/os.h"
 #include "platform/utf8.h"
@@ -98,6 +99,39 @@ std::string Padded(std::string_view text, std::size_t width) {
   std::string padded(text);
   padded.append(width - std::min(width, DisplayWidth(text)), ' ');
   return padded;
+}
+
+namespace {
+
+// The letters to change, add or leave out to make one word of the other.
+std::size_t Distance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t changed = diagonal + (a[i] == b[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+    }
+  }
+  return row[b.size()];
+}
+
+}  // namespace
+
+std::string Nearest(std::string_view word, const std::vector<std::string>& candidates) {
+  constexpr std::size_t kLongestWord = 100;
+  std::size_t least = word.size() < 5 ? 2 : 3;
+  std::string nearest;
+  for (const std::string& candidate : candidates) {
+    if (word.size() > kLongestWord || candidate.size() > kLongestWord) continue;
+    const std::size_t distance = Distance(word, candidate);
+    if (distance >= least || distance >= word.size()) continue;
+    least = distance;
+    nearest = candidate;
+  }
+  return nearest;
 }
 
 }  // namespace kvdm

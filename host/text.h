@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kvdm {
 
@@ -27,5 +28,9 @@ namespace kvdm {
 
 // `text` with blanks appended up to `width` columns.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t width);
+
+// Of `candidates` the one that a misspelt word most likely means; "" when none is near.
+[[nodiscard]] std::string Nearest(std::string_view word,
+                                  const std::vector<std::string>& candidates);
 
 }  // namespace kvdm

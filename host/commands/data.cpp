@@ -131,7 +131,8 @@ struct DataItemKind : ItemKind<IKVDataItem> {
     const auto second = IsGuid(selector) ? DataPlace::kCollection : DataPlace::kGroup;
     auto found = Meant(session, first, selector);
     if (found.empty()) found = Meant(session, second, selector);
-    return TheOnlyOne<DataItemKind>(found, selector);
+    return TheOnlyOne<DataItemKind>(found, selector,
+                                    found.empty() ? NamesOf<DataItemKind>(session) : Names());
   }
 };
 
