@@ -2,7 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <ranges>
+#include <algorithm>
+#include <utility>
 
 #include "host/ownership.h"
 #include "host/project_file.h"
@@ -109,7 +110,9 @@ void Batch::Close() {
 
 void Batch::PutBack() {
   Close();
-  for (const int number : std::views::reverse(std::vector<int>(recorded_))) {
+  auto numbers = std::exchange(recorded_, {});
+  std::ranges::reverse(numbers);
+  for (const int number : numbers) {
     const CommandLine undo({"undo", fmt::format("{}", number)});
     Output out({});
     undo.GetCommand().Execute({invocation_.project, invocation_.allowed, out, {"undo"}});
