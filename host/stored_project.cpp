@@ -108,7 +108,8 @@ void StoredProject::Store(const Documents& wanted, const std::string& directory,
   if (directory.empty()) {
     return StoreDocuments(file_, services_.platform, documents_, wanted);
   }
-  Recording recording({file_, WithSeparator(directory), drives_, &services_}, invocation.words);
+  Recording recording({file_, WithSeparator(directory), drives_, &services_}, invocation.words,
+                      invocation.recorded);
   if (recording.Recover(invocation.allowed.outside)) {
     throw Failure(ExitCode::kBusy,
                   "What was interrupted before is settled now. Run the command again.");
