@@ -42,10 +42,8 @@ bool StoreAliases(Registry& registry, const std::string& text) {
 }
 
 bool StoreCatalogue(const Platform& platform, const std::string& before, const std::string& after) {
-  Registry& registry = *platform.registry;
-  const CatalogueUpdate update(*platform.xml_parser, before, after,
-                               [&](char32_t character) { return registry.Holds(character); });
-  return registry.Update(kMachine, kRegistryKey, kStudyAreaCollectionValue, update);
+  const auto update = MakeCatalogueUpdate(platform, before, after);
+  return platform.registry->Update(kMachine, kRegistryKey, kStudyAreaCollectionValue, *update);
 }
 
 }  // namespace

@@ -162,9 +162,7 @@ Holder NewHolder(const Platform& platform, PropertySetMap::Properties& state,
 }
 
 Holder HolderIn(const PropertySetMap::Properties& state, const fs::path& file) {
-  const auto id = state.find(kProjectGuidProperty);
-  const bool has_id = id != state.end() && id->second.IsText();
-  return {Resolved(file), has_id ? ToText(id->second) : ""};
+  return {Resolved(file), TextIn(state, kProjectGuidProperty)};
 }
 
 void RequireNobodys(const WorkingDirectory& directory, const Holder& holder) {
