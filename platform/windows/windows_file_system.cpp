@@ -88,6 +88,7 @@ class WindowsDirectory final : public Directory {
   void RemoveFolder(std::string_view name) override {
     TranslatingErrors(PathOf(name), [&] {
       const FolderEntry entry = FolderNamed(name);
+      DeleteRecoveryFile(OpenEntry(Here(), entry, kListAccess));
       DeleteEntry(Here(), entry);
       levels_.back().known.erase(entry.name);
     });
@@ -99,6 +100,13 @@ class WindowsDirectory final : public Directory {
     std::size_t path_length;
     std::map<std::wstring, LONGLONG> known;  // What was listed or entered, by name.
   };
+
+  // A folder that has nothing but what brings its item back is as good as empty.
+  static void DeleteRecoveryFile(const FileHandle& folder) {
+    const std::vector<FolderEntry> entries = EntriesOf(folder);
+    if (entries.size() != 1 || entries.front().IsFolder()) return;
+    if (ToUtf8(entries.front().name) == kRecoveryFile) DeleteUnlessGone(folder, entries.front());
+  }
 
   [[nodiscard]] const FileHandle& Here() const { return levels_.back().folder; }
   [[nodiscard]] std::string PathOf(std::string_view name) const { return PathIn(path_, name); }
